@@ -1,0 +1,34 @@
+#include "frame/progress.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "frame/rounding.h"
+
+namespace vantle {
+
+Progress::Progress(const TransParam* param) {
+    if (param == nullptr) return;
+    const double duration = param->dDuration;
+    const double position = param->dPosition;
+    if (!(std::isfinite(duration) && duration > 0.0 && std::isfinite(position))) return;
+    duration_ = duration;
+    position_ = std::clamp(position, 0.0, duration);
+    // The easings take the third power of the duration: outside this range it leaves the doubles.
+    if (duration < 1e-100 || duration > 1e100) {
+        position_ /= duration_;
+        duration_ = 1.0;
+    }
+}
+
+double Progress::easedPosition() const {
+    const double d = duration_;
+    const double p = position_ - std::sin(position_ * twoPi / d) * d / twoPi;
+    return (3.0 * d * p * p - 2.0 * p * p * p) / (d * d);
+}
+
+std::int32_t Progress::easedSize(std::int32_t size) const {
+    return rounded(size * easedPosition() / duration_);
+}
+
+}  // namespace vantle

@@ -1,0 +1,39 @@
+/// How far a transition is, and the easings. The order of operations is part of the result: it decides the
+/// last bit, and with it now and then a rounded size.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/contract.h"
+
+namespace vantle {
+
+inline constexpr double twoPi = 6.283185307179586;
+
+/// 3u^2 - 2u^3: 0 to 1 with zero slope at both ends.
+constexpr double easeCubic(double u) {
+    const double square = u * u;
+    return 3.0 * square - 2.0 * (u * square);
+}
+
+/// Position and duration of one call, made safe: the duration is finite and above 0, the position within
+/// 0..duration. A record that is null or holds anything else stands for the nearest end, or the first frame.
+class Progress {
+   public:
+    explicit Progress(const TransParam* param);
+
+    /// position / duration, 0 to 1.
+    double linear() const { return position_ / duration_; }
+
+    /// The position eased by t - sin(2 pi t) / (2 pi), then by the cubic; in position units, 0 to duration.
+    double easedPosition() const;
+
+    /// `size` times the eased position as a fraction, rounded: 0 at the start, `size` at the end.
+    std::int32_t easedSize(std::int32_t size) const;
+
+   private:
+    double duration_ = 1.0;
+    double position_ = 0.0;
+};
+
+}  // namespace vantle

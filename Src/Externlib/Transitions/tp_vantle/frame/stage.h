@@ -1,0 +1,118 @@
+/// The frames of one call, and the runs of pixels that every transition draws its rows with.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "frame/contract.h"
+
+namespace vantle {
+
+/// Which of the two input frames a run of pixels shows.
+enum class Source : std::uint8_t { from, to };
+
+/// One row of the output, written from left to right: each call continues where the last one ended and
+/// writes up to (not including) column `end`. An `end` outside the picture is clipped to it and one already
+/// passed writes nothing, so spans may be given as computed.
+class Row {
+   public:
+    Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
+        const std::uint8_t* to)
+        : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to) {}
+
+    std::int32_t y() const { return y_; }      ///< picture row, counted from the top
+    std::int32_t x() const { return at_ / 4; } ///< column that the next run starts with
+
+    /// Pixels of one input frame up to column `end`.
+    Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::min(end, width_)); }
+    Row& from(std::int32_t end) { return show(Source::from, end); }
+    Row& to(std::int32_t end) { return show(Source::to, end); }
+
+    /// Pixels of `imgFrom` up to the last `count` pixels of the pitch (of the row, when it has no padding).
+    Row& fromAllBut(std::int32_t count) { return copy(Source::from, pitch_ - 4 * count); }
+
+    /// The rest of the row with its padding.
+    void fromRest() { copy(Source::from, pitch_); }
+    void toRest() { copy(Source::to, pitch_); }
+
+   private:
+    Row& copy(Source source, std::int32_t endByte) {
+        if (endByte > at_) {
+            const std::uint8_t* const pixels = source == Source::to ? to_ : from_;
+            std::memcpy(out_ + at_, pixels + at_, static_cast<std::size_t>(endByte - at_));
+            at_ = endByte;
+        }
+        return *this;
+    }
+
+    std::int32_t y_;
+    std::int32_t width_;
+    std::int32_t pitch_;
+    std::int32_t at_ = 0;  // byte of the row that the next run starts with
+    std::uint8_t* out_;
+    const std::uint8_t* from_;
+    const std::uint8_t* to_;
+};
+
+/// The three frames of one call under the geometry of the output frame.
+class Stage {
+   public:
+    /// Reads the geometry and the pixel pointers; null handles are left alone.
+    Stage(DIImage imgOut, DIImage imgFrom, DIImage imgTo);
+
+    /// True when every frame is there and large enough for the output's geometry, which must be 32 bits
+    /// per pixel, rows of at least 4 bytes per pixel and below 2^31 bytes. Otherwise nothing may be drawn.
+    bool drawable() const;
+
+    std::int32_t width() const { return width_; }    ///< pixels, at least 0
+    std::int32_t height() const { return height_; }  ///< rows, at least 0
+
+    class RowIterator;
+    struct Rows;
+
+    /// All rows of the picture, each once, in the order in which memory holds them.
+    Rows rows() const;
+
+    /// Row `y` of the picture, 0 at the top. The only place that knows that frames are stored bottom-up.
+    Row row(std::int32_t y) const {
+        const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(height_ - 1 - y) * pitch_;
+        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset};
+    }
+
+   private:
+    DIImage imgOut_;
+    DIImage imgFrom_;
+    DIImage imgTo_;
+    std::int32_t width_ = 0;
+    std::int32_t height_ = 0;
+    std::int32_t pitch_ = 0;
+    std::uint8_t* out_ = nullptr;
+    const std::uint8_t* from_ = nullptr;
+    const std::uint8_t* to_ = nullptr;
+};
+
+class Stage::RowIterator {
+   public:
+    RowIterator(const Stage& stage, std::int32_t y) : stage_(&stage), y_(y) {}
+    Row operator*() const { return stage_->row(y_); }
+    RowIterator& operator++() {
+        --y_;
+        return *this;
+    }
+    bool operator!=(const RowIterator& other) const { return y_ != other.y_; }
+
+   private:
+    const Stage* stage_;
+    std::int32_t y_;
+};
+
+struct Stage::Rows {
+    const Stage& stage;
+    RowIterator begin() const { return {stage, stage.height() - 1}; }
+    RowIterator end() const { return {stage, -1}; }
+};
+
+inline Stage::Rows Stage::rows() const { return {*this}; }
+
+}  // namespace vantle

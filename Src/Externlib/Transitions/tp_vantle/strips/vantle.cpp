@@ -1,0 +1,70 @@
+// Vantles: the incoming frame appears in place in interleaved bands, which grow from opposite edges in turn.
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+/// Bands of `size` columns, showing `even` and `odd` in turn, from where the row stands up to column `end`.
+void columnBands(Row& row, std::int32_t size, Source even, Source odd, std::int32_t end) {
+    if (even == odd) {
+        row.show(even, end);
+        return;
+    }
+    for (std::int32_t band = row.x() / size; row.x() < end; ++band)
+        row.show(band % 2 == 0 ? even : odd, std::min((band + 1) * size, end));
+}
+
+}  // namespace
+
+/// Bands of rows: even ones open from the left edge, odd ones from the right.
+VANTLE_API void TrRowVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t opened = Progress(param).easedSize(stage.width());
+    const std::int32_t band = std::max(truncated(10.0 * stage.height() / 320.0), 1);
+    for (Row row : stage.rows()) {
+        if (row.y() / band % 2 == 0)
+            row.to(opened).fromRest();
+        else
+            row.fromAllBut(opened).toRest();
+    }
+}
+
+/// Bands of columns: even ones open from the top edge, odd ones from the bottom. Padding is not written.
+VANTLE_API void TrColVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t height = stage.height();
+    const std::int32_t opened = rounded(easeCubic(Progress(param).linear()) * height);
+    const auto tenWidths = static_cast<float>(std::int64_t{10} * stage.width());
+    const std::int32_t band = std::max(truncated(tenWidths / 640.0F), 1);
+    for (Row row : stage.rows()) {
+        const Source even = row.y() < opened ? Source::to : Source::from;
+        const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
+        columnBands(row, band, even, odd, stage.width());
+    }
+}
+
+/// Both at once, in bands of ten pixels: a pixel that either pattern has reached shows the incoming frame.
+VANTLE_API void TrCrossVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    constexpr std::int32_t band = 10;
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t width = stage.width();
+    const std::int32_t height = stage.height();
+    const Progress progress(param);
+    const std::int32_t openedColumns = progress.easedSize(width);
+    const std::int32_t openedRows = progress.easedSize(height);
+    for (Row row : stage.rows()) {
+        const Source even = row.y() < openedRows ? Source::to : Source::from;
+        const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
+        const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
+        columnBands(row, band, even, odd, left);
+        row.to(left + openedColumns);
+        columnBands(row, band, even, odd, width);
+        row.fromRest();
+    }
+}
