@@ -1,0 +1,15 @@
+/// Ctrl-C and the like: they end a rendering in order, so that nothing half-written stays behind.
+#pragma once
+
+namespace vantle {
+
+/// From here on SIGINT, SIGTERM and SIGHUP only raise a flag; a second one ends the program as usual.
+void catchInterrupts();
+
+/// True once one of those signals has come.
+bool interrupted();
+
+/// Throws Error once one of those signals has come.
+void throwIfInterrupted();
+
+}  // namespace vantle

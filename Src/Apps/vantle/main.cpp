@@ -1,0 +1,133 @@
+// The command line: what the options mean, and what the exit status says.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <exception>
+#include <map>
+
+extern "C" {
+#include <libavutil/log.h>
+#include <libavutil/parseutils.h>
+}
+
+#include "error.h"
+#include "interrupt.h"
+#include "list_command.h"
+#include "render_command.h"
+
+namespace {
+
+using namespace vantle;
+
+constexpr int failed = 1;
+constexpr int wrongUsage = 2;
+
+// Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
+
+AVRational parseRate(const std::string& text) {
+    AVRational rate{};
+    if (av_parse_video_rate(&rate, text.c_str()) < 0 || av_q2d(rate) > 1000.0)
+        throw CLI::ValidationError("--fps", "\"" + text + "\" is no frame rate (as 25, 29.97 or 30000/1001)");
+    return rate;
+}
+
+Size parseSize(const std::string& text) {
+    constexpr int largest = 16384;
+    Size size;
+    if (av_parse_video_size(&size.width, &size.height, text.c_str()) < 0 || size.width > largest ||
+        size.height > largest)
+        throw CLI::ValidationError("--size", "\"" + text + "\" is no size (as 1280x720, at most 16384 each)");
+    return size;
+}
+
+FrameRange parseFrames(const std::string& text) {
+    long long first = 0;
+    long long last = 0;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%lld-%lld%n", &first, &last, &length) != 2 ||
+        length != static_cast<int>(text.size()) || first < 0 || last < first)
+        throw CLI::ValidationError("--frames", "\"" + text + "\" is no range of frames (as 10-19)");
+    return {first, last};
+}
+
+void addRender(CLI::App& app, RenderOptions& options) {
+    CLI::App* const command = app.add_subcommand("render", "Render a transition between two inputs");
+    command->footer(
+        "FROM and TO are stills, videos, image sequences (img_%04d.png) or generated sources\n"
+        "(lavfi:GRAPH, as lavfi:testsrc2=size=640x360:duration=3). OUT is a video (.mp4 .mkv .webm .mov\n"
+        ".gif), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
+    command->add_option("FROM", options.from, "What is left")->required();
+    command->add_option("TO", options.to, "What comes")->required();
+    command->add_option("-t,--transition", options.transition, "Catalogue name, index, GUID or function name")
+        ->required();
+    command->add_option("-o,--output", options.output, "What to write: its name says in which form")
+        ->required();
+    command->add_option("--duration", options.duration, "Length of the transition in seconds")
+        ->check(CLI::Range(0.001, 3600.0))
+        ->capture_default_str();
+    command->add_option_function<std::string>(
+        "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
+        "Frames per second (default: FROM's)");
+    command->add_option_function<std::string>(
+        "--size", [&](const std::string& text) { options.size = parseSize(text); },
+        "WIDTHxHEIGHT of the output (default: FROM's)");
+    command->add_option("--fit", options.fit, "How an input of another shape fills the picture")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, Fit>{
+                {"contain", Fit::contain}, {"cover", Fit::cover}, {"stretch", Fit::stretch}},
+            CLI::ignore_case))
+        ->default_str("contain");
+    command
+        ->add_option("--hold", options.hold,
+                     "Seconds that a still shows before or after (default: 1 in a video, else 0)")
+        ->check(CLI::Range(0.0, 86400.0));
+    command->add_option("--at", options.at, "Only the picture at this position, 0 to 1")
+        ->check(CLI::Range(0.0, 1.0));
+    command->add_option_function<std::string>(
+        "--frames", [&](const std::string& text) { options.frames = parseFrames(text); },
+        "Only frames A-B of the output, counted from 0");
+    command->add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
+    command->add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+    command->add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
+    command->callback([&] { render(options); });
+}
+
+// One line, whatever a library's message holds.
+int report(const std::string& message, int status) {
+    std::string line = message;
+    std::ranges::replace(line, '\n', ' ');
+    std::fprintf(stderr, "vantle: %s\n", line.c_str());
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    av_log_set_level(AV_LOG_QUIET);
+    catchInterrupts();
+
+    CLI::App app("Video transitions on real pictures and video", "vantle");
+    app.require_subcommand(1);
+    RenderOptions renderOptions;
+    addRender(app, renderOptions);
+    bool json = false;
+    std::string listedPlugin;
+    CLI::App* const listing = app.add_subcommand("list", "List the transitions");
+    listing->add_flag("--json", json, "As JSON");
+    listing->add_option("--plugin", listedPlugin, "The plug-in to load (default: the installed one)");
+    listing->callback([&] { list(listedPlugin, json); });
+
+    try {
+        app.parse(argc, argv);
+        return 0;
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        return report(std::string(error.what()) + " (vantle --help shows the usage)", wrongUsage);
+    } catch (const UsageError& error) {
+        return report(error.what(), wrongUsage);
+    } catch (const std::exception& error) {
+        return report(error.what(), failed);
+    }
+}

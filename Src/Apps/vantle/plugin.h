@@ -1,0 +1,51 @@
+/// A transition plug-in, loaded and read as any host does it.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/contract.h"
+
+namespace vantle {
+
+/// One transition of a plug-in.
+struct Transition {
+    std::optional<std::int32_t> index;  ///< place in the catalogue; none for those only exported by name
+    std::string name;                   ///< display name; empty without a catalogue record
+    std::string function;               ///< name of the function that draws it; empty while there is none
+    std::string guid;                   ///< empty without a catalogue record
+    TransFunc* draw = nullptr;          ///< null when this build of the plug-in does not have it
+};
+
+class Plugin {
+   public:
+    /// Loads the plug-in at `library`, or the one installed with this program when that is empty. Throws
+    /// Error when it cannot be loaded or lacks the entry points.
+    explicit Plugin(const std::filesystem::path& library = {});
+
+    /// The catalogue in its order, then the transitions that are exported without a record.
+    std::span<const Transition> transitions() const { return transitions_; }
+
+    /// The transition with this catalogue name, index, GUID or function name, in any case of letters. Throws
+    /// UsageError when there is none, naming the nearest.
+    const Transition& find(std::string_view wanted) const;
+
+    /// Address of an exported symbol, or null.
+    void* symbol(const std::string& name) const;
+
+   private:
+    struct Close {
+        void operator()(void* library) const;
+    };
+
+    std::unique_ptr<void, Close> library_;
+    std::vector<Transition> transitions_;
+};
+
+}  // namespace vantle

@@ -1,0 +1,71 @@
+#include "staged_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "error.h"
+
+namespace vantle {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const fs::path& target, int error) {
+    throw Error("cannot write " + target.string() + ": " + std::generic_category().message(error));
+}
+
+[[noreturn]] void refuse(const fs::path& target) {
+    throw Error(target.string() + " exists; --force overwrites it");
+}
+
+}  // namespace
+
+StagedFile::StagedFile(fs::path target, bool overwrite) : target_(std::move(target)), overwrite_(overwrite) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(target_, ignored);
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        throw Error(target_.string() + " is not a regular file");
+    if (fs::exists(status) && !overwrite_) refuse(target_);
+    std::string name = fs::path(target_).remove_filename() / ".";
+    name += target_.filename().string() + ".XXXXXX";
+    const int file = mkstemp(name.data());
+    if (file < 0) fail(target_, errno);
+    // mkstemp makes files that only the owner may read; an output gets the rights of any new file.
+    const mode_t mask = umask(0);
+    umask(mask);
+    fchmod(file, 0666 & ~mask);
+    close(file);
+    path_ = name;
+}
+
+StagedFile::StagedFile(StagedFile&& other) noexcept
+    : target_(std::move(other.target_)),
+      path_(std::exchange(other.path_, fs::path())),
+      overwrite_(other.overwrite_) {}
+
+StagedFile::~StagedFile() {
+    std::error_code ignored;
+    if (!path_.empty()) fs::remove(path_, ignored);
+}
+
+void StagedFile::commit() {
+    int result = -1;
+    if (!overwrite_) {
+        result = renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE);
+        if (result != 0 && errno == EEXIST) refuse(target_);
+    }
+    // Also where the file system knows no rename that refuses to replace.
+    if (result != 0) result = std::rename(path_.c_str(), target_.c_str());
+    if (result != 0) fail(target_, errno);
+    path_.clear();
+}
+
+}  // namespace vantle

@@ -1,0 +1,32 @@
+/// An output file that exists under its name only when it is complete.
+#pragma once
+
+#include <filesystem>
+
+namespace vantle {
+
+/// A file written beside its target and renamed to it at the end; without `commit` it is removed and what
+/// stood at the target stays.
+class StagedFile {
+   public:
+    /// Creates the empty file beside `target`. Throws Error when the target exists and may not be
+    /// overwritten, is no regular file, or its folder cannot be written.
+    StagedFile(std::filesystem::path target, bool overwrite);
+    StagedFile(StagedFile&& other) noexcept;
+    StagedFile& operator=(StagedFile&&) = delete;
+    ~StagedFile();
+
+    const std::filesystem::path& path() const { return path_; }      ///< where to write
+    const std::filesystem::path& target() const { return target_; }  ///< what it becomes
+
+    /// Gives the file its name. Throws Error when that fails, or the target has come to exist meanwhile and
+    /// may not be overwritten.
+    void commit();
+
+   private:
+    std::filesystem::path target_;
+    std::filesystem::path path_;  // empty once committed or moved from
+    bool overwrite_;
+};
+
+}  // namespace vantle
