@@ -21,8 +21,8 @@ class Row {
         const std::uint8_t* to)
         : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to) {}
 
-    std::int32_t y() const { return y_; }      ///< picture row, counted from the top
-    std::int32_t x() const { return at_ / 4; } ///< column that the next run starts with
+    std::int32_t y() const { return y_; }       ///< picture row, counted from the top
+    std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
 
     /// Pixels of one input frame up to column `end`.
     Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::min(end, width_)); }

@@ -1,0 +1,159 @@
+// What holds for all transitions alike, whatever they draw.
+#include <dlfcn.h>
+
+#include <climits>
+#include <cmath>
+#include <latch>
+#include <thread>
+
+#include "frames.h"
+
+using namespace tests;
+
+// A host's accessors need not survive a null handle: here the library gets to hear of one.
+VANTLE_API std::uint8_t* DIGetBits(DIImage image) {
+    EXPECT_NE(image, nullptr) << "an accessor was asked for the pixels of no frame";
+    return reinterpret_cast<decltype(&DIGetBits)>(dlsym(RTLD_NEXT, "DIGetBits"))(image);
+}
+
+// Odd and even sizes from one pixel on; rows without padding, with some, and no multiple of a pixel long.
+constexpr Geometry geometries[] = {{1, 1, 4},     {1, 1, 9},     {2, 2, 8},       {3, 101, 12},
+                                   {37, 23, 151}, {64, 32, 320}, {101, 100, 404}, {640, 360, 2560}};
+
+class EveryTransition : public testing::TestWithParam<Traits> {
+   protected:
+    const Traits traits = GetParam();
+    TransFunc* const draw = transition(traits.function);
+
+    template <typename Check>
+    void inEveryGeometry(Check check) {
+        for (const Geometry& g : geometries)
+            for (const Guard guard : {Guard::before, Guard::after}) {
+                SCOPED_TRACE(testing::Message() << g.width << "x" << g.height << ", pitch " << g.pitch);
+                Scene scene(g, guard);
+                check(scene);
+            }
+    }
+
+    void expectOnly(char source, const Scene& scene) const {
+        const auto& [width, height, pitch] = scene.geometry;
+        std::string row = std::to_string(width) + source;
+        if (pitch > 4 * width)
+            row += " |" + std::to_string(pitch - 4 * width) + (traits.padding == Padding::kept ? 'k' : 'f');
+        for (std::int32_t y = 0; y < height; ++y) ASSERT_EQ(scene.row(y), row) << "row " << y;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(All, EveryTransition, testing::ValuesIn(transitionTable),
+                         [](const auto& tested) { return tested.param.function; });
+
+TEST_P(EveryTransition, StartsAndEndsOnWholeFrames) {
+    inEveryGeometry([this](Scene& scene) {
+        for (const double duration : {1.0, 30.0, 0.7}) {
+            expectOnly(traits.first, scene.draw(draw, 0.0, duration));
+            if (traits.padding != Padding::opened || scene.geometry.pitch == 4 * scene.geometry.width)
+                expectOnly(traits.last, scene.draw(draw, duration, duration));
+        }
+    });
+}
+
+TEST_P(EveryTransition, WritesEveryByteItShouldAndNoOther) {
+    inEveryGeometry([this](Scene& scene) {
+        const auto& [width, height, pitch] = scene.geometry;
+        for (const double position : {0.1, 0.25, 0.505, 0.75, 0.9}) {
+            scene.before = contentOf(scene.geometry, 3);
+            Bytes expected = scene.draw(draw, position).out;
+            scene.before = contentOf(scene.geometry, 2);
+            const Bytes& padding = traits.padding == Padding::kept ? scene.before : scene.from;
+            for (std::size_t i = 0; i < expected.size() && traits.padding != Padding::opened; ++i)
+                if (static_cast<std::int32_t>(i) % pitch >= 4 * width) expected[i] = padding[i];
+            EXPECT_TRUE(scene.draw(draw, position).out == expected) << "at " << position;
+        }
+    });
+}
+
+TEST_P(EveryTransition, TakesUnusablePositionsForTheNearestEnd) {
+    Scene scene({37, 23, 151});
+    const Bytes first = scene.draw(draw, 0.0).out;
+    const Bytes middle = scene.draw(draw, 0.505).out;
+    const Bytes last = scene.draw(draw, 1.0).out;
+    EXPECT_TRUE(first != middle && middle != last && last != first);
+    EXPECT_EQ(scene.draw(draw, nullptr).out, first);
+    for (const double duration : {0.0, -1.0, double{NAN}, double{INFINITY}})
+        for (const double position : {0.5, -2.0})
+            EXPECT_EQ(scene.draw(draw, position, duration).out, first) << position << " of " << duration;
+    for (const double position : {double{NAN}, double{INFINITY}, double{-INFINITY}, -0.01, -1e300})
+        EXPECT_EQ(scene.draw(draw, position).out, first) << position;
+    for (const double position : {1.01, 1e300}) EXPECT_EQ(scene.draw(draw, position).out, last) << position;
+}
+
+TEST_P(EveryTransition, DrawsTheSameInAnyUnitOfTime) {
+    Scene scene({101, 100, 404});
+    const Bytes expected = scene.draw(draw, 0.3125).out;
+    for (const int exponent : {-900, -40, -3, 5, 60, 900})
+        EXPECT_EQ(scene.draw(draw, std::ldexp(0.3125, exponent), std::ldexp(1, exponent)).out, expected)
+            << exponent;
+}
+
+/// What a host says of a frame that really has 5 x 4 pixels in rows of 20 bytes.
+struct Claim {
+    std::int32_t width = 5, height = 4, pitch = 20, bitCount = 32;
+    bool handle = true, bits = true;
+};
+
+/// What is drawn under such claims of imgOut, imgFrom and imgTo.
+static Bytes drawnUnder(const Claim (&claims)[3], TransFunc* draw, Scene& scene) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        const auto& [width, height, pitch, bitCount, handle, bits] = claims[i];
+        std::uint8_t* const pixels = bits ? scene.buffers[i].get() : nullptr;
+        scene.images[i].reset(handle ? DIWrap(pixels, width, height, pitch, bitCount) : nullptr);
+    }
+    return scene.draw(draw, 0.5).out;
+}
+
+TEST_P(EveryTransition, LeavesTheOutputAloneWhenAFrameIsBad) {
+    const auto expectUntouched = [this](const Claim& out, const Claim& from, const Claim& to) {
+        Scene scene({5, 4, 20});
+        EXPECT_EQ(drawnUnder({out, from, to}, draw, scene), scene.before);
+    };
+    for (const Claim& bad : {Claim{.handle = false}, {.bits = false}, {.pitch = 19}}) {
+        expectUntouched(bad, {}, {});
+        expectUntouched({}, bad, {});
+        expectUntouched({}, {}, bad);
+    }
+    expectUntouched({}, {.height = 3}, {});
+    expectUntouched({}, {}, {.height = 3});
+    constexpr Claim limit{.width = 4, .height = 1 << 11, .pitch = 1 << 20};     // 2^31 bytes
+    constexpr Claim wrapping{.width = 4, .height = 1 << 16, .pitch = 1 << 16};  // 2^32 bytes
+    for (const Claim& bad :
+         {limit, wrapping, {.bitCount = 24}, {.pitch = -20}, {.height = 0}, {.height = -4}})
+        expectUntouched(bad, bad, bad);
+}
+
+TEST_P(EveryTransition, DrawsOnWhenTheFramesDifferButHoldEnough) {
+    Scene scene({5, 4, 20});
+    const Bytes expected = scene.draw(draw, 0.5).out;
+    EXPECT_EQ(drawnUnder({{}, {.width = 4}, {.width = 9, .height = 5}}, draw, scene), expected);
+    EXPECT_EQ(drawnUnder({{}, {.height = 9}, {.height = 2, .pitch = 40}}, draw, scene), expected);
+    EXPECT_EQ(drawnUnder({{}, {.height = 2, .pitch = 40}, {.height = 9}}, draw, scene), expected);
+    for (const std::int32_t width : {0, INT_MIN}) {  // only padding, if anything
+        drawnUnder({{.width = width}, {}, {}}, draw, scene);
+        EXPECT_EQ(scene.runs(0, 1, 80, 1).find('?'), std::string::npos) << width;
+    }
+}
+
+TEST_P(EveryTransition, DrawsTheSameInSeveralThreadsAtOnce) {
+    std::latch start(4);
+    std::vector<int> wrong(4);
+    std::vector<std::jthread> threads;
+    for (std::int32_t i = 0; i < 4; ++i)
+        threads.emplace_back([this, i, &start, &count = wrong[static_cast<std::size_t>(i)]] {
+            Scene scene({90 + 7 * i, 90 - 9 * i, 360 + 28 * i});
+            const auto at = param(0.2 + 0.15 * i, 1);
+            const Bytes expected = scene.draw(draw, at.get()).out;
+            start.arrive_and_wait();
+            for (int frame = 0; frame < 500; ++frame) count += scene.draw(draw, at.get()).out != expected;
+        });
+    threads.clear();
+    EXPECT_EQ(wrong, std::vector<int>(4)) << "frames drawn differently, thread by thread";
+}

@@ -1,0 +1,30 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <set>
+
+#include "transition_table.h"
+
+static std::set<std::string> wordsFrom(const char* command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command, "r"), pclose);
+    std::set<std::string> words;
+    for (char word[1024]; std::fscanf(output.get(), "%1023s", word) == 1;) words.insert(word);
+    return words;
+}
+
+TEST(Exports, AreTheInterfaceAndNothingElse) {
+    std::set<std::string> expected{"GetTransType", "GetTransCount", "GetTransInfo", "g_arTransInfo",
+                                   "_Z10smoothStepfff"};
+    for (const tests::Traits& traits : tests::transitionTable)
+        expected.insert(tests::symbolOf(traits.function));
+    std::set<std::string> exports =
+        wordsFrom(NM " -D --defined-only --format=just-symbols \"" PLUGIN_PATH "\"");
+    exports.erase("__odr_asan.g_arTransInfo");  // the address sanitizer's, in a build with it
+    EXPECT_EQ(exports, expected);
+}
+
+TEST(Exports, BothPlatformLibrariesAreNeededByName) {
+    const std::set<std::string> dynamic = wordsFrom(READELF " -d \"" PLUGIN_PATH "\"");
+    for (const char* const library : {"[libBrix_ImageProc.so]", "[libQeltLogger.so]"})
+        EXPECT_TRUE(dynamic.contains(library)) << library;
+}
