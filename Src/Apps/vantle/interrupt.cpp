@@ -14,9 +14,14 @@ volatile std::sig_atomic_t raised = 0;
 
 void catchInterrupts() {
     struct sigaction action {};
-    action.sa_handler = [](int) { raised = 1; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+    action.sa_handler = [](int signal) {
+        // Not the second: `timeout` and terminals may send the first one twice.
+        if (raised == 2) std::signal(signal, SIG_DFL);
+        raised = raised + 1;
+    };
+    for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+    // Under nohup it is ignored and stays so.
+    if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
 }
 
 bool interrupted() { return raised != 0; }

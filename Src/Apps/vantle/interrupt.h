@@ -3,7 +3,7 @@
 
 namespace vantle {
 
-/// From here on SIGINT, SIGTERM and SIGHUP only raise a flag; a second one ends the program as usual.
+/// From here on SIGINT, SIGTERM and SIGHUP only raise a flag; a fourth one ends the program as usual.
 void catchInterrupts();
 
 /// True once one of those signals has come.

@@ -1,10 +1,9 @@
 // The command line: what the options mean, and what the exit status says.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <exception>
-#include <map>
+#include <string>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -41,6 +40,13 @@ Size parseSize(const std::string& text) {
     return size;
 }
 
+Fit parseFit(const std::string& text) {
+    if (text == "contain") return Fit::contain;
+    if (text == "cover") return Fit::cover;
+    if (text == "stretch") return Fit::stretch;
+    throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
+}
+
 FrameRange parseFrames(const std::string& text) {
     long long first = 0;
     long long last = 0;
@@ -72,12 +78,9 @@ void addRender(CLI::App& app, RenderOptions& options) {
     command->add_option_function<std::string>(
         "--size", [&](const std::string& text) { options.size = parseSize(text); },
         "WIDTHxHEIGHT of the output (default: FROM's)");
-    command->add_option("--fit", options.fit, "How an input of another shape fills the picture")
-        ->transform(CLI::CheckedTransformer(
-            std::map<std::string, Fit>{
-                {"contain", Fit::contain}, {"cover", Fit::cover}, {"stretch", Fit::stretch}},
-            CLI::ignore_case))
-        ->default_str("contain");
+    command->add_option_function<std::string>(
+        "--fit", [&](const std::string& text) { options.fit = parseFit(text); },
+        "How an input of another shape fills the picture: contain (default), cover or stretch");
     command
         ->add_option("--hold", options.hold,
                      "Seconds that a still shows before or after (default: 1 in a video, else 0)")

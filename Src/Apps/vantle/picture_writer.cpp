@@ -5,9 +5,11 @@ extern "C" {
 }
 
 #include <array>
+#include <cerrno>
 #include <deque>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "encoder.h"
@@ -64,10 +66,13 @@ class PictureWriter final : public Writer {
     void encode(const AVFrame* picture) {
         encoder_.encode(picture, [&](const AVPacket& packet) {
             const StagedFile& file = files_.at(written_++);
+            errno = 0;
             std::ofstream out(file.path(), std::ios::binary);
             out.write(reinterpret_cast<const char*>(packet.data), packet.size);
             out.close();
-            if (!out) throw Error("cannot write " + file.target().string() + ": the disk is full or failing");
+            if (!out)
+                throw Error("cannot write " + file.target().string() + ": " +
+                            std::generic_category().message(errno));
         });
     }
 

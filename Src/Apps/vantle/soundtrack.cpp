@@ -59,8 +59,8 @@ av::Frame SoundReader::read(int samples) {
         if (av::Frame frame = filters_->pullSamples(samples)) return frame;
         if (filters_->ended()) throw Error(decoder_.name() + ": its sound cannot be read");
         if (av::Frame frame = decoder_.next()) {
-            end_ = frame->pts + av_rescale_q(frame->nb_samples, {1, frame->sample_rate},
-                                             decoder_.stream().time_base);
+            end_ = frame->pts +
+                   av_rescale_q(frame->nb_samples, {1, frame->sample_rate}, decoder_.stream().time_base);
             filters_->push(0, std::move(frame));
         } else {
             filters_->close(0, end_);

@@ -1,0 +1,126 @@
+/// Running the command line as its user does, on real files.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tests {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+
+/// What a command wrote to standard output, and its exit status (128 + signal when it was killed).
+struct Outcome {
+    Bytes output;
+    int status = -1;
+    std::string text() const { return {output.begin(), output.end()}; }
+};
+
+inline Outcome shell(const std::string& command) {
+    Outcome outcome;
+    FILE* const pipe = popen(command.c_str(), "r");
+    std::array<std::uint8_t, 65536> block{};
+    while (const std::size_t got = fread(block.data(), 1, block.size(), pipe))
+        outcome.output.insert(outcome.output.end(), block.begin(), block.begin() + got);
+    const int status = pclose(pipe);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return outcome;
+}
+
+/// Decoded pictures, one after the other.
+struct Pictures {
+    Bytes bytes;
+    std::size_t count = 0;
+    std::size_t each = 0;
+    int width = 0;
+    std::uint8_t luma(std::size_t picture, int x, int y) const {
+        return bytes.at(picture * each + static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                        static_cast<std::size_t>(x));
+    }
+};
+
+/// A folder of its own for each test, with what the command line needs to be tried in it.
+class CommandTest : public testing::Test {
+   protected:
+    CommandTest() {
+        std::string name = (fs::temp_directory_path() / "vantle-test-XXXXXX").string();
+        folder_ = mkdtemp(name.data());
+    }
+    ~CommandTest() override { fs::remove_all(folder_); }
+
+    std::string in(const std::string& command) const { return "cd '" + folder_.string() + "' && " + command; }
+
+    /// Runs vantle in the folder; standard error comes with the output.
+    Outcome vantle(const std::string& arguments) const { return shell(in(VANTLE " " + arguments + " 2>&1")); }
+
+    /// Runs vantle, which must succeed.
+    void render(const std::string& arguments) const {
+        const Outcome outcome = vantle("render -q " + arguments);
+        EXPECT_EQ(outcome.status, 0) << arguments << "\n" << outcome.text();
+    }
+
+    void ffmpeg(const std::string& arguments) const {
+        ASSERT_EQ(shell(in("ffmpeg -v error -y " + arguments)).status, 0) << arguments;
+    }
+
+    /// A clip of flat pictures whose luma says their number: 40 + 3 N.
+    void countingClip(const std::string& name, int frames, int cb, const std::string& sound = "") const {
+        ffmpeg("-f lavfi -i \"color=s=64x320:r=25,format=yuv420p,geq=lum='40+3*N':cb=" + std::to_string(cb) +
+               ":cr=128\" " + (sound.empty() ? "" : "-f lavfi -i \"" + sound + "\" -c:a aac") + " -t " +
+               std::to_string(frames / 25.0) + " -c:v libx264 -crf 4 " + name);
+    }
+
+    /// The pictures of a file in one of FFmpeg's pixel formats, its luma or first colour plane first.
+    Pictures decode(const std::string& name, int width, int height, const std::string& format = "yuv420p",
+                    std::size_t bytesPerTwoPixels = 3) const {
+        Pictures pictures;
+        pictures.bytes =
+            shell(in("ffmpeg -v error -i " + name + " -f rawvideo -pix_fmt " + format + " -")).output;
+        pictures.width = width;
+        pictures.each =
+            static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * bytesPerTwoPixels / 2;
+        EXPECT_EQ(pictures.bytes.size() % pictures.each, 0U) << name << " is not of the size expected";
+        pictures.count = pictures.bytes.size() / pictures.each;
+        return pictures;
+    }
+
+    Bytes rgb(const std::string& name) const {
+        return shell(in("ffmpeg -v error -i " + name + " -f rawvideo -pix_fmt rgb24 -")).output;
+    }
+
+    std::string probe(const std::string& name, const std::string& entries) const {
+        std::string text =
+            shell(in("ffprobe -v error -count_frames -show_entries " + entries + " -of csv=p=0 " + name))
+                .text();
+        while (!text.empty() && text.back() == '\n') text.pop_back();
+        return text;
+    }
+
+    Bytes contents(const std::string& name) const {
+        std::ifstream file(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// All names in the folder, hidden ones too.
+    std::set<std::string> files() const {
+        std::set<std::string> names;
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder_))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    fs::path folder_;
+};
+
+}  // namespace tests

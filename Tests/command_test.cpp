@@ -1,0 +1,118 @@
+// The command line itself: what it lists, what it refuses and what it leaves behind.
+#include "command.h"
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+namespace tests {
+
+using Command = CommandTest;
+
+TEST_F(Command, ListsTheCatalogue) {
+    const auto rows = nlohmann::json::parse(vantle("list --json").text());
+    ASSERT_GE(rows.size(), 42U);
+    EXPECT_EQ(rows[1], (nlohmann::json{{"index", 1},
+                                       {"name", "Col_vantle"},
+                                       {"function", "TrColVantle"},
+                                       {"guid", "25045AAA-9ACA-445c-B24C-21052C9B8D27"}}));
+    EXPECT_NE(vantle("list").text().find("TrColVantle"), std::string::npos);
+}
+
+TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
+    ffmpeg("-f lavfi -i testsrc2=s=64x48:d=2 -movflags +faststart clip.mp4");
+    ffmpeg("-f lavfi -i testsrc2=s=640x480 -frames:v 1 still.jpg");
+    ffmpeg("-f lavfi -i testsrc2=s=640x480 -frames:v 1 still.png");
+    ffmpeg("-f lavfi -i sine=d=1 sound.wav");
+    shell(
+        in("for f in clip.mp4 still.jpg still.png; do head -c $(($(stat -c %s $f) / 2)) $f > half_$f; done;"
+           " : > empty.mp4; echo text > text.mp4; mkdir folder; cp clip.mp4 there.mp4"));
+    const std::set<std::string> before = files();
+    struct Case {
+        const char* arguments;
+        int status;
+        const char* says;
+    };
+    const Case cases[] = {
+        {"none.mp4 clip.mp4 -t 0 -o out.mp4", 1, "none.mp4: No such file"},
+        {"clip.mp4 empty.mp4 -t 0 -o out.mp4", 1, "empty.mp4: "},
+        {"text.mp4 clip.mp4 -t 0 -o out.mp4", 1, "text.mp4: Invalid data"},
+        {"half_clip.mp4 clip.mp4 -t 0 -o out.mp4", 1, "half_clip.mp4: "},
+        {"clip.mp4 half_clip.mp4 -t 0 -o out.mp4 --duration 0.2", 1, "half_clip.mp4: "},
+        {"half_still.jpg clip.mp4 -t 0 -o out.mp4", 1, "half_still.jpg: "},
+        {"half_still.png clip.mp4 -t 0 -o out.mp4", 1, "half_still.png: "},
+        {"sound.wav clip.mp4 -t 0 -o out.mp4", 1, "no picture"},
+        {"folder clip.mp4 -t 0 -o out.mp4", 1, "is a directory"},
+        {"lavfi:nonsense clip.mp4 -t 0 -o out.mp4", 1, "lavfi:nonsense: "},
+        {"clip.mp4 clip.mp4 -t 0 -o there.mp4", 1, "--force"},
+        {"clip.mp4 clip.mp4 -t 0 -o folder/none/out.mp4", 1, "No such file"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --duration 2.5", 1, "fewer than"},
+        {"still.jpg clip.mp4 -t 0 -o out.mp4 --duration 2.5", 1, "fewer than"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --frames 500-600", 1, "frame 500"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --plugin none.so", 1, "none.so"},
+        {"clip.mp4 clip.mp4 -t Row_vntle -o out.mp4", 2, "did you mean \"Row_vantle\""},
+        {"clip.mp4 clip.mp4 -t 0 -o out.xyz", 2, "out.xyz"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.png", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --at 0.5", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.png --at 1.5", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 0x48", 2, "0x48"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 65x48", 2, "even"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --duration 0", 2, "--duration"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --frames 6-5", 2, "--frames"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --fps fast", 2, "--fps"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --fit tight", 2, "--fit"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --colour", 2, "--colour"},
+        {"clip.mp4 -t 0 -o out.mp4", 2, "TO"},
+    };
+    for (const Case& bad : cases) {
+        const Outcome outcome = vantle(std::string("render -q ") + bad.arguments);
+        const std::string text = outcome.text();
+        EXPECT_EQ(outcome.status, bad.status) << bad.arguments << "\n" << text;
+        EXPECT_NE(text.find(bad.says), std::string::npos) << bad.arguments << "\n" << text;
+        EXPECT_EQ(text.find('\n'), text.size() - 1) << bad.arguments << "\n" << text;
+        EXPECT_EQ(files(), before) << bad.arguments;
+    }
+    EXPECT_EQ(contents("there.mp4"), contents("clip.mp4"));
+}
+
+TEST_F(Command, KeepsWhatStoodThereWhenItCannotFinish) {
+    shell(in("echo precious > out.mp4"));
+    const Bytes precious = contents("out.mp4");
+    const std::string endless =
+        VANTLE " render -q -f lavfi:testsrc2=s=640x360:d=600 lavfi:testsrc2 -t 0 -o out.mp4";
+    // A limit on the size of files fails a write as a full disk does.
+    const Outcome full = shell(in("trap '' XFSZ; ulimit -f 16; " + endless + " 2>&1"));
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.text().find("cannot write out.mp4: "), std::string::npos) << full.text();
+    for (const std::string signal : {"INT", "TERM"}) {
+        const Outcome stopped =
+            shell(in("timeout --preserve-status -s " + signal + " 1 " + endless + " 2>&1"));
+        EXPECT_EQ(stopped.status, 1);
+        EXPECT_NE(stopped.text().find("interrupted"), std::string::npos) << stopped.text();
+    }
+    EXPECT_EQ(contents("out.mp4"), precious);
+    EXPECT_EQ(files(), std::set<std::string>{"out.mp4"});
+    render("-f lavfi:testsrc2=s=64x48 lavfi:testsrc2=s=64x48 -t 0 --duration 0.1 -o out.mp4");
+    EXPECT_EQ(probe("out.mp4", "stream=codec_name"), "h264");
+}
+
+TEST_F(Command, WorksInstalledAndServesOtherHosts) {
+    ASSERT_EQ(shell(in(CMAKE_COMMAND " --install " BUILD_FOLDER " --prefix there >/dev/null")).status, 0);
+    EXPECT_EQ(shell(in("there/bin/vantle list")).text(), vantle("list").text());
+    // A host of its own: two headers and the loader.
+    std::ofstream(folder_ / "host.cpp") << R"(
+#include <catalogue/catalogue.h>
+#include <dlfcn.h>
+#include <cstdio>
+int main(int, char** arguments) {
+    void* plugin = dlopen(arguments[1], RTLD_NOW);
+    auto* info = reinterpret_cast<decltype(&GetTransInfo)>(dlsym(plugin, "GetTransInfo"));
+    std::printf("%ls", info(2)->szName);
+})";
+    const std::string pkgConfig =
+        "PKG_CONFIG_PATH=$(dirname $(find there -name tp_vantle.pc)) pkg-config tp_vantle ";
+    const Outcome host = shell(in("c++ -std=c++20 host.cpp -o host $(" + pkgConfig +
+                                  "--cflags) && ./host $(" + pkgConfig + "--variable=plugin) 2>&1"));
+    EXPECT_EQ(host.text(), "Cross_vantle");
+}
+
+}  // namespace tests

@@ -1,0 +1,149 @@
+// What `vantle render` makes of real inputs.
+#include <cmath>
+
+#include "command.h"
+
+namespace tests {
+
+namespace {
+
+/// Loudness of a moment of a file's sound: root mean square over 20 ms, from 0 to 1.
+double loudness(const Bytes& samples, double seconds) {
+    double sum = 0.0;
+    const auto first = static_cast<std::size_t>(seconds * 8000.0);
+    for (std::size_t i = first; i < first + 160; ++i) {
+        const auto sample = static_cast<std::int16_t>(samples.at(2 * i) | samples.at(2 * i + 1) << 8);
+        sum += std::pow(sample / 32768.0, 2.0);
+    }
+    return std::sqrt(sum / 160.0);
+}
+
+/// The luma of a counting clip's picture.
+double number(std::size_t picture) { return 40.0 + 3.0 * static_cast<double>(picture); }
+
+constexpr const char* tone = "sine=frequency=400:sample_rate=44100,volume=4";
+constexpr const char* burstAtOneSecond =
+    "aevalsrc='if(between(t,1,1.2),0.5*sin(2000*t),0)':sample_rate=48000";
+
+}  // namespace
+
+using Render = CommandTest;
+
+TEST_F(Render, JoinsClipsWithoutLosingOrRepeatingAFrame) {
+    countingClip("from.mp4", 50, 90);
+    countingClip("to.mp4", 40, 170);
+    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 -o joined.mp4");
+    EXPECT_EQ(probe("joined.mp4", "stream=codec_name,nb_read_frames,duration"), "h264,3.200000,80");
+    const Pictures joined = decode("joined.mp4", 64, 320);
+    ASSERT_EQ(joined.count, 80U);
+    for (std::size_t i = 0; i < 80; ++i) {
+        if (i >= 40 && i < 50) continue;
+        EXPECT_NEAR(joined.luma(i, 60, 4), number(i < 50 ? i : i - 40), 1.5) << "frame " << i;
+    }
+
+    // The overlap, without a lossy encoder between: bands ten rows high open from each side in turn.
+    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 --frames 40-50 -o f_%d.png");
+    for (std::size_t k = 0; k <= 10; ++k) {
+        const Pictures picture = decode("f_" + std::to_string(40 + k) + ".png", 64, 320);
+        const auto shows = [&](int x, int y) { return static_cast<double>(picture.luma(0, x, y)); };
+        if (k <= 7) {
+            EXPECT_NEAR(shows(63, 4), number(40 + k), 1.5) << "FROM in frame " << k;
+        }
+        if (k >= 3) {
+            EXPECT_NEAR(shows(63, 14), number(k), 1.5) << "TO in frame " << k;
+        }
+    }
+    const Pictures middle = decode("f_45.png", 64, 320);
+    EXPECT_NEAR(middle.luma(0, 33, 4), number(45), 1.5);
+    EXPECT_NEAR(middle.luma(0, 30, 4), number(5), 1.5);
+    EXPECT_NEAR(middle.luma(0, 33, 14), number(5), 1.5);
+    EXPECT_NEAR(middle.luma(0, 30, 14), number(45), 1.5);
+
+    // A part of the frames is that part of the whole, and other rates keep the time.
+    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 --frames 44-46 -o part.mkv");
+    const Pictures part = decode("part.mkv", 64, 320);
+    ASSERT_EQ(part.count, 3U);
+    EXPECT_NEAR(part.luma(1, 56, 14), number(5), 3);
+    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 --fps 50 -o faster.mp4");
+    EXPECT_EQ(probe("faster.mp4", "stream=nb_read_frames,r_frame_rate"), "50/1,160");
+}
+
+TEST_F(Render, CrossfadesSoundInStepWithThePictures) {
+    countingClip("from.mp4", 50, 90, tone);
+    countingClip("to.mp4", 50, 170, burstAtOneSecond);
+    countingClip("mute.mp4", 50, 170);
+    const auto sound = [&](const std::string& inputs) {
+        render(inputs + " -t 0 --duration 0.8 -f -o joined.mp4");
+        EXPECT_EQ(probe("joined.mp4", "stream=codec_name,duration"), "h264,3.200000\naac,3.200000");
+        return shell(in("ffmpeg -v error -i joined.mp4 -f s16le -ac 1 -ar 8000 -")).output;
+    };
+    const Bytes both = sound("from.mp4 to.mp4");
+    const double full = loudness(both, 1.0);
+    EXPECT_GT(full, 0.1);
+    EXPECT_NEAR(loudness(both, 1.6), full / 2, full / 10);  // half way through the overlap, 1.2 s to 2 s
+    EXPECT_LT(loudness(both, 2.05), full / 50);
+    EXPECT_LT(loudness(both, 2.17), full / 50);  // TO's burst is due at 1.2 s + 1 s
+    EXPECT_GT(loudness(both, 2.21), 0.2);
+
+    const Bytes onlyFrom = sound("from.mp4 mute.mp4");
+    EXPECT_NEAR(loudness(onlyFrom, 1.9), full, full / 10);
+    EXPECT_LT(loudness(onlyFrom, 2.05), full / 50);
+    const Bytes onlyTo = sound("mute.mp4 to.mp4");
+    EXPECT_LT(loudness(onlyTo, 2.17), full / 50);
+    EXPECT_GT(loudness(onlyTo, 2.21), 0.2);
+}
+
+TEST_F(Render, WritesNumberedPicturesOfStills) {
+    ffmpeg("-f lavfi -i gradients=s=101x75:c0=red:c1=blue:x0=50:y0=0:x1=50:y1=74 -frames:v 1 from.png");
+    ffmpeg("-f lavfi -i testsrc=s=202x150 -frames:v 1 -q:v 2 to.jpg");
+    render("from.png to.jpg -t 2 --duration 0.2 -o f_%03d.png");  // 30 per second: 6 frames and the end
+    EXPECT_EQ(files(), (std::set<std::string>{"from.png", "to.jpg", "f_000.png", "f_001.png", "f_002.png",
+                                              "f_003.png", "f_004.png", "f_005.png", "f_006.png"}));
+    EXPECT_EQ(rgb("f_000.png"), rgb("from.png"));
+    // Every way of naming a transition and a position gives the same picture.
+    render("from.png to.jpg -t col_VANTLE --duration 0.2 --at 0.5 -o name.png");
+    render("from.png to.jpg -t trcolvantle --duration 0.2 --frames 3-3 -o n_%d.png");
+    render("from.png to.jpg -t 25045aaa-9aca-445C-B24C-21052C9B8D27 --at 0.5 -o guid.png");
+    render("from.png to.jpg -t 1 --at 1 -o end.png");
+    EXPECT_EQ(contents("name.png"), contents("n_3.png"));
+    EXPECT_EQ(contents("name.png"), contents("guid.png"));
+    EXPECT_EQ(rgb("end.png"), rgb("f_006.png"));
+    EXPECT_NE(rgb("end.png"), rgb("name.png"));
+
+    // A sequence reads as a video; a video of odd pictures gets an even size.
+    render("f_%03d.png to.jpg -t 0 --fps 25 --duration 0.16 -o back.mp4");
+    EXPECT_EQ(probe("back.mp4", "stream=width,height,nb_read_frames"), "100,74,32");  // 7 + 25 held
+}
+
+TEST_F(Render, WritesEveryKindOfVideoFromGeneratedSources) {
+    for (const auto& [name, codec] :
+         {std::pair{"a.mkv", "h264"}, {"a.mov", "h264"}, {"a.webm", "vp9"}, {"a.gif", "gif"}}) {
+        render(
+            "lavfi:testsrc2=s=128x72:r=25 lavfi:smptebars=s=96x72:r=25:d=0.8 -t 1 --duration 0.4 --hold 0.2 "
+            "-o " +
+            std::string(name));
+        // FROM never ends, so it is held; TO plays its 20 frames.
+        EXPECT_EQ(probe(name, "stream=codec_name,width,height,nb_read_frames"),
+                  std::string(codec) + ",128,72,25");
+    }
+}
+
+TEST_F(Render, FitsAnInputOfAnotherShape) {
+    ffmpeg("-f lavfi -i color=black:s=64x32 -frames:v 1 wide.png");
+    ffmpeg("-f lavfi -i color=white:s=32x32 -vf drawbox=w=32:h=4:color=red:t=fill -frames:v 1 square.png");
+    const auto rowsOfEnd = [&](const std::string& fit) {
+        render("wide.png square.png -t 0 --at 1 -f -o end.png --fit " + fit);
+        return decode("end.png", 64, 32, "gray", 2);
+    };
+    const Pictures contain = rowsOfEnd("contain");
+    EXPECT_EQ(contain.luma(0, 8, 16), 0);
+    EXPECT_EQ(contain.luma(0, 32, 16), 255);
+    EXPECT_LT(contain.luma(0, 32, 0), 128);  // the red bar on top
+    const Pictures cover = rowsOfEnd("cover");
+    EXPECT_EQ(cover.luma(0, 0, 0), 255);  // the bar is cut off
+    const Pictures stretch = rowsOfEnd("stretch");
+    EXPECT_EQ(stretch.luma(0, 0, 16), 255);
+    EXPECT_LT(stretch.luma(0, 0, 0), 128);
+}
+
+}  // namespace tests
