@@ -60,6 +60,8 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --frames 6-5", 2, "--frames"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --fps fast", 2, "--fps"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --fit tight", 2, "--fit"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --encoder-option crf", 2, "KEY=VALUE"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --encoder-option colour=red", 2, "no option colour"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --colour", 2, "--colour"},
         {"clip.mp4 -t 0 -o out.mp4", 2, "TO"},
     };

@@ -82,9 +82,12 @@ Clip::Clip(const std::string& name) : decoder_(name, AVMEDIA_TYPE_VIDEO) {
 
 av::Frame Clip::decode() {
     av::Frame frame = decoder_.next();
+    if (!frame) return frame;
     // Video that does not say which colours it means is taken as players do, by its height.
-    if (frame && frame->colorspace == AVCOL_SPC_UNSPECIFIED)
+    if (frame->colorspace == AVCOL_SPC_UNSPECIFIED)
         frame->colorspace = frame->height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    if (frame->color_range == AVCOL_RANGE_UNSPECIFIED)
+        frame->color_range = frame->format == AV_PIX_FMT_YUVJ420P ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
     return frame;
 }
 

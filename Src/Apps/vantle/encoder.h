@@ -2,9 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <span>
+#include <map>
 #include <string>
-#include <utility>
 
 #include "av.h"
 
@@ -13,11 +12,11 @@ namespace vantle {
 class Encoder {
    public:
     /// Names and values of an encoder's settings, as FFmpeg knows them.
-    using Options = std::span<const std::pair<const char*, const char*>>;
+    using Options = std::map<std::string, std::string>;
 
     /// Opens the encoder of FFmpeg called `name`, or of `id` when that is null; `setUp` fills in its context
-    /// before. Throws Error when there is none or it refuses.
-    Encoder(const char* name, AVCodecID id, Options options,
+    /// before. Throws Error when there is none or it refuses, and UsageError when it does not know an option.
+    Encoder(const char* name, AVCodecID id, const Options& options,
             const std::function<void(AVCodecContext&)>& setUp);
 
     AVCodecContext& context() const { return *context_; }

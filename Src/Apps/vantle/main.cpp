@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <utility>
+#include <vector>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -45,6 +47,13 @@ Fit parseFit(const std::string& text) {
     if (text == "cover") return Fit::cover;
     if (text == "stretch") return Fit::stretch;
     throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
+}
+
+std::pair<std::string, std::string> parseSetting(const std::string& text) {
+    const std::size_t middle = text.find('=');
+    if (middle == std::string::npos || middle == 0)
+        throw CLI::ValidationError("--encoder-option", "\"" + text + "\" is not KEY=VALUE");
+    return {text.substr(0, middle), text.substr(middle + 1)};
 }
 
 FrameRange parseFrames(const std::string& text) {
@@ -90,6 +99,14 @@ void addRender(CLI::App& app, RenderOptions& options) {
     command->add_option_function<std::string>(
         "--frames", [&](const std::string& text) { options.frames = parseFrames(text); },
         "Only frames A-B of the output, counted from 0");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--encoder-option",
+            [&](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) options.encoderOptions.insert(parseSetting(text));
+            },
+            "KEY=VALUE for a video's encoder, as FFmpeg knows it (crf=23, preset=fast); repeatable")
+        ->take_all();
     command->add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
     command->add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
     command->add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");

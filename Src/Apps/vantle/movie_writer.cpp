@@ -55,7 +55,9 @@ class MovieWriter final : public Writer {
         output_.reset(output);
         av::check(avio_open(&output->pb, url.c_str(), AVIO_FLAG_WRITE), writing_);
 
-        video_.emplace(kind.videoEncoder, AV_CODEC_ID_NONE, kind.videoOptions,
+        Encoder::Options settings = options.encoderOptions;
+        settings.insert(kind.videoOptions.begin(), kind.videoOptions.end());  // the user's own stay
+        video_.emplace(kind.videoEncoder, AV_CODEC_ID_NONE, settings,
                        [&](AVCodecContext& codec) { setUpVideo(codec, kind, options); });
         videoStream_ = addStream(*video_);
         videoStream_->avg_frame_rate = options.canvas.rate;
@@ -73,11 +75,10 @@ class MovieWriter final : public Writer {
                            [&](AVCodecContext& codec) { setUpSound(codec, *options.soundSampleRate); });
             soundStream_ = addStream(*sound_);
         }
-        AVDictionary* settings = nullptr;
-        if (kind.ending == ".mp4" || kind.ending == ".mov")
-            av_dict_set(&settings, "movflags", "+faststart", 0);
-        const int code = avformat_write_header(output, &settings);
-        av_dict_free(&settings);
+        AVDictionary* muxing = nullptr;
+        if (kind.ending == ".mp4" || kind.ending == ".mov") av_dict_set(&muxing, "movflags", "+faststart", 0);
+        const int code = avformat_write_header(output, &muxing);
+        av_dict_free(&muxing);
         av::check(code, writing_);
     }
 

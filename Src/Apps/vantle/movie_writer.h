@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string_view>
+#include <utility>
 
 #include "encoder.h"
 #include "writer.h"
@@ -13,7 +15,7 @@ struct MovieKind {
     std::string_view ending;
     const char* muxer;
     const char* videoEncoder;
-    Encoder::Options videoOptions;
+    std::span<const std::pair<const char*, const char*>> videoOptions;
     AVPixelFormat pixels;
     const char* soundEncoder;  ///< null: the format holds no sound
 };

@@ -22,6 +22,8 @@ void checkOptions(const RenderOptions& options, const OutputKind& kind) {
         throw UsageError("--at makes one picture, so OUT must be one: a name such as picture.png");
     if (!options.at && onePicture)
         throw UsageError("OUT is one picture: say which with --at (0 to 1), or number them (frame_%04d.png)");
+    if (kind.movie == nullptr && !options.encoderOptions.empty())
+        throw UsageError("--encoder-option is for a video");
     if (options.at && options.frames) throw UsageError("--at and --frames exclude each other");
 }
 
@@ -79,7 +81,8 @@ void render(const RenderOptions& options) {
 
     std::string fromSound;
     std::string toSound;
-    WriterOptions writerOptions{options.output, canvas, &from.first(), {}, options.force};
+    WriterOptions writerOptions{options.output,        canvas, &from.first(), {}, options.force,
+                                options.encoderOptions};
     if (kind.holdsSound) {
         for (const auto& [input, sound] : {std::pair{&options.from, &fromSound}, {&options.to, &toSound}})
             if (const std::optional<int> sampleRate = soundSampleRate(*input)) {

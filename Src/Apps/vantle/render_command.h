@@ -1,6 +1,7 @@
 /// `vantle render`: turns two inputs and a transition into an output.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -22,6 +23,7 @@ struct RenderOptions {
     std::optional<double> hold;  ///< seconds that an endless input plays outside the overlap
     std::optional<double> at;    ///< only the picture at this position, 0 to 1
     std::optional<FrameRange> frames;
+    std::map<std::string, std::string> encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
     bool force = false;
     bool quiet = false;
 };

@@ -111,7 +111,8 @@ void Soundtrack::advance(std::int64_t frames) {
 }
 
 void Soundtrack::finish() {
-    filters_->close(crossfades_ ? 1 : 0, crossfades_ ? secondFed_ : firstFed_ + secondFed_);
+    if (!firstClosed_) filters_->close(0, crossfades_ ? firstFed_ : firstFed_ + secondFed_);
+    if (crossfades_) filters_->close(1, secondFed_);
 }
 
 void Soundtrack::feed(SoundReader& reader, std::size_t input, std::int64_t& fed, std::int64_t until) {

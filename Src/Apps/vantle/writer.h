@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,6 +62,7 @@ struct WriterOptions {
     const AVFrame* colours = nullptr;    ///< a picture whose description of its colours a video takes over
     std::optional<int> soundSampleRate;  ///< rate of the inputs' sound, if it is wanted
     bool overwrite = false;
+    std::map<std::string, std::string> encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
 };
 
 /// The writer for an output of a kind.
