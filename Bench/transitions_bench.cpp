@@ -70,7 +70,7 @@ void run(benchmark::State& state, TransFunc* draw, const Size& size) {
     const Frames& frames = framesByHeight.try_emplace(size.height, size).first->second;
     std::vector<double> ratios;
     std::size_t input = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         double copying = 0, drawing = 0;
         for (const double position : positions) {
             TransParam param{};

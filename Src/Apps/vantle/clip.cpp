@@ -88,6 +88,9 @@ av::Frame Clip::decode() {
         frame->colorspace = frame->height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
     if (frame->color_range == AVCOL_RANGE_UNSPECIFIED)
         frame->color_range = frame->format == AV_PIX_FMT_YUVJ420P ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+    // A stream without a container, or one without times for delayed pictures: they follow each other.
+    if (frame->pts == AV_NOPTS_VALUE) frame->pts = end_;
+    end_ = frame->pts + shownFor(*frame);
     return frame;
 }
 
@@ -162,7 +165,6 @@ av::Frame Clip::next() {
         }
         drained_ = !frame;
         if (frame) {
-            end_ = frame->pts + shownFor(*frame);
             filters_->push(0, std::move(frame));
         } else {
             filters_->close(0, end_);

@@ -30,14 +30,14 @@ void listJson(const Plugin& plugin) {
 
 }  // namespace
 
-void list(const std::filesystem::path& path, bool json) {
-    const Plugin plugin(path);
+void list(const std::filesystem::path& plugin, bool json) {
+    const Plugin loaded(plugin);
     if (json) {
-        listJson(plugin);
+        listJson(loaded);
         return;
     }
     std::printf("%5s  %-21s %-22s %s\n", "INDEX", "NAME", "FUNCTION", "GUID");
-    for (const Transition& transition : plugin.transitions())
+    for (const Transition& transition : loaded.transitions())
         std::printf("%5s  %-21s %-22s %s\n",
                     transition.index ? std::to_string(*transition.index).c_str() : "-",
                     orDash(transition.name), orDash(transition.function), orDash(transition.guid));

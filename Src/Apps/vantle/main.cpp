@@ -123,7 +123,8 @@ int report(const std::string& message, int status) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+// Only a message that does not fit into memory could still throw, and then there is nothing left to say.
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     av_log_set_level(AV_LOG_QUIET);
     catchInterrupts();
 

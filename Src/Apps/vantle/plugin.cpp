@@ -24,7 +24,7 @@ constexpr const char* uncatalogued[] = {"TrCrossSplit2", "TrRoundZoomIn2", "TrCi
 fs::path installedPlugin() {
     const fs::path bin = fs::read_symlink("/proc/self/exe").parent_path();
     for (const fs::path& folder : {bin, bin / VANTLE_LIB_FROM_BIN})
-        if (const fs::path library = folder / "libtp_vantle.so"; fs::exists(library)) return library;
+        if (fs::path library = folder / "libtp_vantle.so"; fs::exists(library)) return library;
     return bin / VANTLE_LIB_FROM_BIN / "libtp_vantle.so";
 }
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -19,7 +20,7 @@ int columns() {
 }
 
 std::string clock(double seconds) {
-    const auto whole = static_cast<long>(seconds + 0.5);
+    const long whole = std::lround(seconds);
     char text[32] = "";
     std::snprintf(text, sizeof text, "%ld:%02ld", whole / 60, whole % 60);
     return text;
@@ -48,7 +49,7 @@ void ProgressBar::update(std::int64_t done) {
     double part = 0.0;
     if (total_ && *total_ > 0) {
         // The total is what the inputs state; they may turn out longer.
-        const double total = static_cast<double>(std::max(*total_, done));
+        const auto total = static_cast<double>(std::max(*total_, done));
         part = static_cast<double>(done) / total;
         const std::string left = clock((total - static_cast<double>(done)) / std::max(speed, 1e-3));
         std::snprintf(numbers, sizeof numbers, "%3.0f %%  frame %lld of %.0f  %.1f frames/s  %s left",
