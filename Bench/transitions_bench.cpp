@@ -17,8 +17,8 @@
 namespace {
 
 constexpr double positions[] = {0.1, 0.25, 0.505, 0.75, 0.9};
-constexpr double secondsPerBenchmark =
-    0.1;  // of drawing alone at one position: the whole takes 10 to 20 times that
+// Of drawing alone, at one position: the whole takes 10 to 20 times that.
+constexpr double secondsPerBenchmark = 0.1;
 
 struct Size {
     std::int32_t width, height;

@@ -48,9 +48,6 @@ Decoder::Decoder(const std::string& name, AVMediaType type)
     : name_(name), input_(open(name)), packet_(av::makePacket()) {
     stream_ = bestStream(*input_, type);
     if (stream_ < 0) fail(type == AVMEDIA_TYPE_VIDEO ? "holds no picture" : "holds no sound");
-    for (unsigned i = 0; i < input_->nb_streams; ++i)
-        if (static_cast<int>(i) != stream_) input_->streams[i]->discard = AVDISCARD_ALL;
-
     const AVCodecParameters& parameters = *stream().codecpar;
     const AVCodec* const decoder = avcodec_find_decoder(parameters.codec_id);
     if (decoder == nullptr) fail(std::string("no decoder for ") + avcodec_get_name(parameters.codec_id));
@@ -87,14 +84,8 @@ void Decoder::feed() {
         checkLength();
         code = avcodec_send_packet(codec_.get(), nullptr);
     } else if (code >= 0) {
-        if (packet_->stream_index == stream_) {
-            const std::int64_t start = stream().start_time != AV_NOPTS_VALUE ? stream().start_time : 0;
-            const std::int64_t time = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
-            if (time != AV_NOPTS_VALUE)
-                endSeconds_ = std::max(endSeconds_, static_cast<double>(time - start + packet_->duration) *
-                                                        av_q2d(stream().time_base));
-            code = avcodec_send_packet(codec_.get(), packet_.get());
-        }
+        noteEnd(*packet_);
+        if (packet_->stream_index == stream_) code = avcodec_send_packet(codec_.get(), packet_.get());
         av_packet_unref(packet_.get());
     }
     if (code < 0) fail(av::message(code));
@@ -107,16 +98,23 @@ std::optional<double> Decoder::statedSeconds() const {
     return {};
 }
 
+void Decoder::noteEnd(const AVPacket& packet) {
+    const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    if (time == AV_NOPTS_VALUE) return;
+    const AVRational base = input_->streams[packet.stream_index]->time_base;
+    const std::int64_t start = input_->start_time != AV_NOPTS_VALUE ? input_->start_time : 0;
+    end_ = std::max(end_, av_rescale_q(time + packet.duration, base, {1, AV_TIME_BASE}) - start);
+}
+
 void Decoder::checkLength() const {
-    if (codec_->codec_type != AVMEDIA_TYPE_VIDEO) return;
-    // Containers round, and state the length of their longest stream: only a clear shortfall counts.
-    const double stated = statedSeconds().value_or(0.0);
-    if (endSeconds_ > 0.0 && stated > 1.0 && endSeconds_ < 0.9 * stated - 0.5) {
-        char text[96] = "";
-        std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated",
-                      endSeconds_, stated);
-        fail(text);
-    }
+    if (input_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE) return;
+    // Containers round, and some leave out the length of the last picture: only a clear shortfall counts.
+    const double stated = static_cast<double>(input_->duration) / AV_TIME_BASE;
+    const double end = static_cast<double>(end_) / AV_TIME_BASE;
+    if (stated < 1.0 || end_ <= 0 || end >= 0.9 * stated - 0.5) return;
+    char text[96] = "";
+    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated", end, stated);
+    fail(text);
 }
 
 void Decoder::fail(const std::string& what) const { throw Error(name_ + ": " + what); }

@@ -1,6 +1,7 @@
 /// One stream of a media file, decoded.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -27,12 +28,13 @@ class Decoder {
     AVStream& stream() const { return *input_->streams[stream_]; }
     const AVCodecContext& codec() const { return *codec_; }
 
-    /// The length of the stream in seconds as its container states it, if it does.
+    /// The length of the stream in seconds as its container states or estimates it, if it does.
     std::optional<double> statedSeconds() const;
 
    private:
     [[noreturn]] void fail(const std::string& what) const;
     void feed();
+    void noteEnd(const AVPacket& packet);
     void checkLength() const;
 
     std::string name_;
@@ -40,7 +42,7 @@ class Decoder {
     av::Codec codec_;
     av::Packet packet_;
     int stream_ = -1;
-    double endSeconds_ = 0.0;  // where the packets read so far end, counted from the start of the stream
+    std::int64_t end_ = 0;  // of the packets read so far, of any stream; microseconds from the file's start
 };
 
 }  // namespace vantle

@@ -99,11 +99,11 @@ void render(const RenderOptions& options) {
 
     ProgressBar progress(options.at ? 1 : expectedFrames(from, to, canvas, overlap, hold, wanted),
                          options.quiet);
-    const auto limit = [&](const Clip& clip) {
-        return clip.endless() ? std::optional(overlap + hold) : std::nullopt;
+    const auto limit = [&](const Clip& clip, std::int64_t outside) {
+        return clip.endless() ? std::optional(overlap + outside) : std::nullopt;
     };
-    from.start(canvas, limit(from));
-    to.start(canvas, limit(to));
+    from.start(canvas, limit(from, hold));
+    to.start(canvas, limit(to, kind.numbered ? std::max<std::int64_t>(hold, 1) : hold));
     Renderer renderer(transition.draw, canvas.size, *writer, sound ? &*sound : nullptr, wanted, progress);
     if (options.at)
         joinAt(from, to, canvas, overlap, *options.at, renderer);
