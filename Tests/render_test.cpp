@@ -108,6 +108,9 @@ TEST_F(Render, WritesNumberedPicturesOfStills) {
     EXPECT_EQ(contents("name.png"), contents("n_3.png"));
     EXPECT_EQ(contents("name.png"), contents("guid.png"));
     EXPECT_EQ(rgb("end.png"), rgb("f_006.png"));
+    render("from.png to.jpg -t 1 --fps 100 --at 0.29 -o at.png");
+    render("from.png to.jpg -t 1 --fps 100 --frames 29-29 -o at_%d.png");
+    EXPECT_EQ(contents("at.png"), contents("at_29.png"));
     EXPECT_NE(rgb("end.png"), rgb("name.png"));
 
     // A sequence reads as a video; a video of odd pictures gets an even size.

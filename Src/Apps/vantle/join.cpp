@@ -1,6 +1,7 @@
 #include "join.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
 #include <optional>
 #include <utility>
@@ -95,8 +96,11 @@ void join(Clip& from, Clip& to, const Canvas& canvas, const Overlap& overlap, Re
 void joinAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFrames, double position,
             Renderer& renderer) {
     const auto duration = static_cast<double>(overlapFrames);
+    // A fraction such as 29 / 100 times 100 falls just short of frame 29, which is what is meant.
+    const double frame = position * duration;
+    const double drawn = std::abs(frame - std::round(frame)) < 1e-6 ? std::round(frame) : frame;
     // The picture of the overlap that shows at this position; at its very end TO's next one, if it has one.
-    const auto k = static_cast<std::int64_t>(position * duration);
+    const auto k = static_cast<std::int64_t>(drawn);
     FromPictures outgoing(from, canvas, overlapFrames);
     av::Frame fromPicture;
     for (std::int64_t seen = 0; seen <= std::min(k, overlapFrames - 1);) {
@@ -110,7 +114,7 @@ void joinAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFram
         if (!picture && seen < overlapFrames) tooShort(to, seen, overlapFrames);
         if (picture) toPicture = std::move(picture);
     }
-    renderer.mix(*fromPicture, *toPicture, position * duration, duration);
+    renderer.mix(*fromPicture, *toPicture, drawn, duration);
 }
 
 }  // namespace vantle
