@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -51,21 +52,42 @@ struct Geometry {
     std::int32_t width, height, pitch;
 };
 
-/// The bytes of frame number `frame`, 0 to 3. At any one offset these four differ, so that a byte tells
-/// which frame it came from.
+/// The bytes of frame number `frame`, 0 to 3. At any one offset these four differ by two or more, so that a
+/// byte tells which frame it came from even when it has lost a level.
 inline Bytes contentOf(const Geometry& geometry, unsigned frame) {
     Bytes bytes(static_cast<std::size_t>(geometry.pitch) * static_cast<std::size_t>(geometry.height));
     for (std::uint32_t i = 0; i < bytes.size(); ++i) {
         const std::uint32_t hash = (i * 2654435761U ^ i * 2654435761U >> 15) * 2246822507U >> 8;
-        bytes[i] = static_cast<std::uint8_t>(hash + frame * (1 + (hash >> 8) % 85));
+        bytes[i] = static_cast<std::uint8_t>(hash + frame * (2 + (hash >> 8) % 84));
     }
     return bytes;
 }
 
+using Pixel = std::array<std::uint8_t, 4>;
+
+/// The bytes of a frame whose pixels are all the same.
+inline Bytes filledWith(const Pixel& pixel, const Geometry& geometry) {
+    Bytes bytes = contentOf(geometry, 0);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = pixel[i % static_cast<std::size_t>(geometry.pitch) % 4];
+    return bytes;
+}
+
+/// What a host says of a frame that really has 5 x 4 pixels in rows of 20 bytes.
+struct Claim {
+    std::int32_t width = 5, height = 4, pitch = 20, bitCount = 32;
+    bool handle = true, bits = true;
+};
+
 /// Two input frames, read-only, and the output that a transition draws from them.
 struct Scene {
     explicit Scene(const Geometry& g, Guard guard = Guard::after)
-        : geometry(g), from(contentOf(g, 0)), to(contentOf(g, 1)), before(contentOf(g, 2)) {
+        : Scene(g, contentOf(g, 0), contentOf(g, 1), guard) {}
+    Scene(const Geometry& g, const Pixel& fromPixel, const Pixel& toPixel)
+        : Scene(g, filledWith(fromPixel, g), filledWith(toPixel, g), Guard::after) {}
+    Scene(const Geometry& g, const Bytes& fromBytes, const Bytes& toBytes, Guard guard)
+        : geometry(g), from(fromBytes), to(toBytes), dimmed(toBytes), before(contentOf(g, 2)) {
+        for (std::uint8_t& byte : dimmed) byte = static_cast<std::uint8_t>(byte * 255 / 256);
         for (const auto& [bytes, protection] :
              {std::pair{before, PROT_READ | PROT_WRITE}, {from, PROT_READ}, {to, PROT_READ}}) {
             buffers.push_back(guarded(bytes, guard, protection));
@@ -84,8 +106,19 @@ struct Scene {
         return draw(transition, param(position, duration).get());
     }
 
+    /// Draws at one half, under such claims of imgOut, imgFrom and imgTo.
+    Scene& drawUnder(const Claim (&claims)[3], const std::function<TransFunc>& transition) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            const auto& [width, height, pitch, bitCount, handle, bits] = claims[i];
+            std::uint8_t* const pixels = bits ? buffers[i].get() : nullptr;
+            images[i].reset(handle ? DIWrap(pixels, width, height, pitch, bitCount) : nullptr);
+        }
+        return draw(transition, 0.5);
+    }
+
     /// Where the pixels of picture row `y` came from, as runs: "960t 960f" for 960 of imgTo, then 960 of
-    /// imgFrom; k: as they were before the call, ?: none of these. Padding follows a bar, counted in bytes.
+    /// imgFrom; k: as they were before the call, d: imgTo dimmed by 255/256, ?: none of these. A second
+    /// letter is the source of byte 3 where that has its own. Padding follows a bar, counted in bytes.
     std::string row(std::int32_t y) const {
         const std::ptrdiff_t start = std::ptrdiff_t{geometry.height - 1 - y} * geometry.pitch;
         const std::int32_t used = 4 * geometry.width;
@@ -100,26 +133,45 @@ struct Scene {
         return runs(top + 4 * x, -geometry.pitch, geometry.height, 4);
     }
 
-    char sourceOf(std::ptrdiff_t at, std::ptrdiff_t size) const {
-        for (const auto& [source, bytes] : {std::pair{'f', &from}, {'t', &to}, {'k', &before}})
-            if (std::equal(out.begin() + at, out.begin() + at + size, bytes->begin() + at)) return source;
-        return '?';
+    std::string sourceOf(std::ptrdiff_t at, std::ptrdiff_t size) const {
+        const Bytes* const sources[] = {&from, &to, &before, &dimmed};
+        for (std::size_t i = 0; i < 4; ++i)
+            if (std::equal(out.begin() + at, out.begin() + at + size, sources[i]->begin() + at))
+                return std::string(1, "ftkd"[i]);
+        return size == 4 ? sourceOf(at, 3) + sourceOf(at + 3, 1) : "?";
     }
 
     std::string runs(std::ptrdiff_t at, std::ptrdiff_t step, std::int32_t count, std::ptrdiff_t size) const {
-        std::string sources, text;
-        for (std::int32_t i = 0; i < count; ++i) sources += sourceOf(at + i * step, size);
-        for (std::size_t i = 0, end; i < sources.size(); i = end) {
-            end = std::min(sources.find_first_not_of(sources[i], i), sources.size());
+        return runsOf(count, [&](std::int32_t i) { return sourceOf(at + i * step, size); });
+    }
+
+    std::int32_t value(std::int32_t x, std::int32_t y, std::int32_t byte) const {
+        return out[static_cast<std::size_t>((geometry.height - 1 - y) * geometry.pitch + 4 * x + byte)];
+    }
+
+    /// The values that one byte of the pixels has in a row, as runs: "2x255 1x0"; and in a column.
+    std::string rowValues(std::int32_t y, std::int32_t byte) const {
+        return runsOf(geometry.width, [&](auto x) { return 'x' + std::to_string(value(x, y, byte)); });
+    }
+    std::string columnValues(std::int32_t x, std::int32_t byte) const {
+        return runsOf(geometry.height, [&](auto y) { return 'x' + std::to_string(value(x, y, byte)); });
+    }
+
+    template <typename Label>
+    static std::string runsOf(std::int32_t count, Label labelOf) {
+        std::string text;
+        for (std::int32_t i = 0, end; i < count; i = end) {
+            const std::string label = labelOf(i);
+            for (end = i + 1; end < count && labelOf(end) == label;) ++end;
             if (i > 0) text += ' ';
-            (text += std::to_string(end - i)) += sources[i];
+            (text += std::to_string(end - i)) += label;
         }
         return text;
     }
 
     const Geometry geometry;
     const Bytes from, to;
-    Bytes before, out;
+    Bytes dimmed, before, out;
     std::vector<std::shared_ptr<std::uint8_t>> buffers;  // of imgOut, imgFrom, imgTo
     std::vector<vantle::Image> images;
 };

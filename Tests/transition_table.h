@@ -1,6 +1,7 @@
 /// What the tests of all transitions must know of each one.
 #pragma once
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 
@@ -12,15 +13,20 @@ namespace tests {
 enum class Padding {
     from,   ///< those of imgFrom
     kept,   ///< those that imgOut held
+    shown,  ///< those of the frame that the row shows there
     opened  ///< opened with the pixels, so that a padded row ends with some pixels still from imgFrom
 };
+
+/// For an end at which no one frame fills the picture.
+inline constexpr const char* other = "";
 
 struct Traits {
     const char* function;
     const char* name;  ///< in the catalogue; empty for those exported without a record
     Padding padding = Padding::from;
-    char first = 'f';  ///< the frame that every pixel shows at position 0: f imgFrom, t imgTo
-    char last = 't';   ///< and at the end
+    const char* first = "f";  ///< what every pixel is at position 0, in the letters of Scene::row
+    const char* last = "t";   ///< and at the end
+    std::int32_t leastWidth = 1, leastHeight = 1;  ///< the smallest frame of which both are true
 };
 
 inline void PrintTo(const Traits& traits, std::ostream* out) { *out << traits.function; }
@@ -29,6 +35,25 @@ inline constexpr Traits transitionTable[] = {
     {"TrRowVantle", "Row_vantle", Padding::opened},
     {"TrColVantle", "Col_vantle", Padding::kept},
     {"TrCrossVantle", "Cross_vantle"},
+    {"TrRowSplit", "Row_split", Padding::from, "f", "tf", 1, 2},
+    {"TrColSplit", "Col_split", Padding::from, "f", "t", 2, 1},
+    {"TrRowMerge", "Row_merge", Padding::shown, other},
+    {"TrColMerge", "Col_merge", Padding::from, other},
+    {"TrCrossSplit", "Cross_split", Padding::shown, "f", other},
+    {"TrCrossMerge", "Cross_merge", Padding::from, other, "tf"},
+    {"TrSkewLeftSplit", "Skew_right_split", Padding::from, "f", "d"},
+    {"TrSkewRightSplit", "Skew_left_split", Padding::from, "f", "df"},
+    {"TrSkewLeftMerge", "Skew_left_merge", Padding::from, "f", "df"},
+    {"TrSkewRightMerge", "Skew_right_merge", Padding::from, "f", "df"},
+    {"TrVerShutter", "Vertical_shutter", Padding::from, "f", "tf"},
+    {"TrHorShutter", "Horizontal_shutter", Padding::from, "f", "tf"},
+    {"TrCrossShutter1", "Cross_shutter_1"},
+    {"TrCrossShutter2", "Cross_shutter_2"},
+    {"TrDepositUp", "Deposit_up", Padding::from, "f", "tf"},
+    {"TrRowSplit2", "Row_split_2", Padding::kept, "fk", "tk"},
+    {"TrColSplit2", "Col_split_2", Padding::shown},
+    {"TrBlind", "Blind_1", Padding::kept, "f", other, 32, 1},
+    {"TrCrossSplit2", "", Padding::kept, "fk", "tk"},
 };
 
 /// The built plug-in, loaded once.

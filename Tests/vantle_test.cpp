@@ -21,7 +21,7 @@ TEST(RowVantle, ClipsTheLastBandsAtTheBottomRow) {
 TEST(RowVantle, CountsTheRightBandsFromTheEndOfThePitch) {
     expectRows("TrRowVantle", {8, 2, 40}, 0.5, {{0, "4t 4f |8f"}, {1, "6f 2t |8t"}});
     expectRows("TrRowVantle", {8, 2, 40}, 1, {{0, "8t |8f"}, {1, "2f 6t |8t"}});
-    expectRows("TrRowVantle", {8, 2, 35}, 0.5, {{0, "4t 4f |3f"}, {1, "4f 1? 3t |3t"}});
+    expectRows("TrRowVantle", {8, 2, 35}, 0.5, {{0, "4t 4f |3f"}, {1, "4f 1ft 3t |3t"}});
 }
 
 // A band is a sixty-fourth of the width, at least one column. The easing is the cubic alone: 3/16 - 2/64 =

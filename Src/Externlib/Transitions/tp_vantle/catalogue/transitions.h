@@ -5,3 +5,17 @@
 
 // strips/vantle.cpp
 TransFunc TrRowVantle, TrColVantle, TrCrossVantle;
+// strips/shutters.cpp
+TransFunc TrVerShutter, TrHorShutter, TrCrossShutter1, TrCrossShutter2;
+// strips/blind.cpp
+TransFunc TrBlind;
+// strips/splits.cpp
+TransFunc TrRowSplit, TrColSplit, TrRowMerge, TrColMerge, TrCrossSplit, TrCrossMerge;
+// strips/second_splits.cpp
+TransFunc TrRowSplit2, TrColSplit2;
+// strips/skews.cpp
+TransFunc TrSkewLeftSplit, TrSkewRightSplit, TrSkewLeftMerge, TrSkewRightMerge;
+// strips/deposit.cpp
+TransFunc TrDepositUp;
+// Exported by name, without a record in the catalogue: second_splits.cpp.
+TransFunc TrCrossSplit2;

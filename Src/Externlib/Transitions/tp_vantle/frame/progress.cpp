@@ -27,8 +27,16 @@ double Progress::easedPosition() const {
     return (3.0 * d * p * p - 2.0 * p * p * p) / (d * d);
 }
 
-std::int32_t Progress::easedSize(std::int32_t size) const {
-    return rounded(size * easedPosition() / duration_);
+std::int32_t Progress::easedSize(double size) const { return rounded(easedPart(size)); }
+
+std::int32_t Progress::easedRemainder(double size) const {
+    return rounded((duration_ - easedPosition()) * size / duration_);
+}
+
+std::int32_t Progress::linearSize(double size) const { return rounded(size * position_ / duration_); }
+
+std::int32_t Progress::linearRemainder(double size) const {
+    return rounded((duration_ - position_) * size / duration_);
 }
 
 }  // namespace vantle

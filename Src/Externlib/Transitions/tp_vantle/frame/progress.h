@@ -28,8 +28,23 @@ class Progress {
     /// The position eased by t - sin(2 pi t) / (2 pi), then by the cubic; in position units, 0 to duration.
     double easedPosition() const;
 
-    /// `size` times the eased position as a fraction, rounded: 0 at the start, `size` at the end.
-    std::int32_t easedSize(std::int32_t size) const;
+    /// The same as a fraction, 0 to 1.
+    double eased() const { return easedPosition() / duration_; }
+
+    /// `size` times the eased fraction: 0 at the start, `size` at the end.
+    double easedPart(double size) const { return size * easedPosition() / duration_; }
+
+    /// The same, rounded.
+    std::int32_t easedSize(double size) const;
+
+    /// `size` times what is left of the eased fraction, rounded: `size` at the start, 0 at the end.
+    std::int32_t easedRemainder(double size) const;
+
+    /// `size` times the linear fraction, rounded.
+    std::int32_t linearSize(double size) const;
+
+    /// `size` times what is left of the linear fraction, rounded.
+    std::int32_t linearRemainder(double size) const;
 
    private:
     double duration_ = 1.0;

@@ -6,11 +6,9 @@
 #include <cstring>
 
 #include "frame/contract.h"
+#include "frame/pixels.h"
 
 namespace vantle {
-
-/// Which of the two input frames a run of pixels shows.
-enum class Source : std::uint8_t { from, to };
 
 /// One row of the output, written from left to right: each call continues where the last one ended and
 /// writes up to (not including) column `end`. An `end` outside the picture is clipped to it and one already
@@ -24,7 +22,7 @@ class Row {
     std::int32_t y() const { return y_; }       ///< picture row, counted from the top
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
 
-    /// Pixels of one input frame up to column `end`.
+    /// Whole pixels of one input frame.
     Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::min(end, width_)); }
     Row& from(std::int32_t end) { return show(Source::from, end); }
     Row& to(std::int32_t end) { return show(Source::to, end); }
@@ -33,8 +31,43 @@ class Row {
     Row& fromAllBut(std::int32_t count) { return copy(Source::from, pitch_ - 4 * count); }
 
     /// The rest of the row with its padding.
-    void fromRest() { copy(Source::from, pitch_); }
-    void toRest() { copy(Source::to, pitch_); }
+    void showRest(Source source) { copy(source, pitch_); }
+    void fromRest() { showRest(Source::from); }
+    void toRest() { showRest(Source::to); }
+
+    /// Bytes 0 to 2 of one input frame; what byte 3 gets is `fourth`.
+    Row& colours(Source source, Fourth fourth, std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) copyColours(run, source, fourth);
+        return *this;
+    }
+
+    /// Bytes 0 to 2 of `imgTo`, byte 3 of `imgFrom`.
+    Row& toColours(std::int32_t end) { return colours(Source::to, Fourth::ofFrom, end); }
+
+    /// Both frames, `imgTo` with `weight` 0 to 255 and `imgFrom` with the rest of 255.
+    Row& mix(Divisor divisor, Fourth fourth, std::int32_t weight, std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) vantle::mix(run, divisor, fourth, weight);
+        return *this;
+    }
+
+    /// The same with a weight for each column; `weights[0]` is that of column `first`, at or before `x()`.
+    Row& mix(Divisor divisor, Fourth fourth, const Weight* weights, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
+        if (const Run run = next(end); run.count > 0) vantle::mix(run, divisor, fourth, weights + skipped);
+        return *this;
+    }
+
+    /// Bytes 0 to 2 of one input frame looked up in a table, byte 3 as it is.
+    Row& lookedUp(Source source, const ByteTable& table, std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) lookUp(run, source, table);
+        return *this;
+    }
+
+    /// Leaves pixels as they are.
+    Row& skip(std::int32_t end) {
+        next(end);
+        return *this;
+    }
 
    private:
     Row& copy(Source source, std::int32_t endByte) {
@@ -44,6 +77,13 @@ class Row {
             at_ = endByte;
         }
         return *this;
+    }
+
+    /// The pixels from here to column `end`, which the row then has passed.
+    Run next(std::int32_t end) {
+        const std::int32_t start = at_;
+        at_ = std::max(at_, 4 * std::min(end, width_));
+        return {out_ + start, from_ + start, to_ + start, (at_ - start) / 4};
     }
 
     std::int32_t y_;

@@ -1,0 +1,13 @@
+/// Compiles a function for several levels of the processor; the one that fits is chosen at load time. The
+/// result is the same on all: integer arithmetic, or IEEE operations one by one.
+#pragma once
+
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
+#define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
+#else
+#define VANTLE_MULTIVERSION
+#endif
+
+/// For what such a function is made of: a helper that is not compiled into it would be one for any processor.
+#define VANTLE_INLINE [[gnu::always_inline]] inline

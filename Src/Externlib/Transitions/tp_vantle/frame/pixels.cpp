@@ -1,0 +1,138 @@
+#include "frame/pixels.h"
+
+#include <algorithm>
+
+#include "frame/multiversion.h"
+
+namespace vantle {
+
+namespace {
+
+// Pixels as the loops see them; rows may start at any byte.
+using Word [[gnu::may_alias, gnu::aligned(1)]] = std::uint32_t;  // a pixel
+using Half [[gnu::may_alias, gnu::aligned(1)]] = std::uint16_t;  // two of its bytes: a lane for products
+
+constexpr std::int32_t tilePixels = 256;
+
+// Not templates: the attributes that let these types look at any bytes do not survive as template arguments.
+const Word* words(const void* pixels) { return static_cast<const Word*>(pixels); }
+Word* words(void* pixels) { return static_cast<Word*>(pixels); }
+const Half* halves(const void* pixels) { return static_cast<const Half*>(pixels); }
+Half* halves(void* pixels) { return static_cast<Half*>(pixels); }
+
+const std::uint8_t* pixelsOf(const Run& run, Source source) {
+    return source == Source::to ? run.to : run.from;
+}
+
+const std::uint8_t* fourthOf(const Run& run, Fourth fourth) {
+    if (fourth == Fourth::kept) return run.out;
+    return fourth == Fourth::ofTo ? run.to : run.from;
+}
+
+Run tail(const Run& run, std::int32_t first, std::int32_t count) {
+    const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
+    return {run.out + offset, run.from + offset, run.to + offset, count};
+}
+
+/// Bytes 0 to 2 of one pixel and byte 3 of another. `out` may be either.
+VANTLE_INLINE void mergeFourth(std::uint8_t* out, const void* colours, const std::uint8_t* fourth,
+                               std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i)
+        words(out)[i] = (words(colours)[i] & 0x00FFFFFFU) | (words(fourth)[i] & 0xFF000000U);
+}
+
+/// `byte` times `weight`, both up to 255, divided: x / 255 = (x + 1 + x / 256) / 256 for x <= 65025.
+template <Divisor divisor>
+constexpr std::uint16_t share(std::uint16_t byte, std::uint16_t weight) {
+    const auto product = static_cast<std::uint16_t>(byte * weight);
+    if constexpr (divisor == Divisor::by256) return product >> 8;
+    return static_cast<std::uint16_t>(product + 1 + (product >> 8)) >> 8;
+}
+
+template <Divisor divisor, typename Weights>
+VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, Weights weightAt,
+                             std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::uint16_t toWeight = weightAt(i);
+        const auto fromWeight = static_cast<std::uint16_t>(255 - toWeight);
+        const std::uint16_t f = from[i];
+        const std::uint16_t t = to[i];
+        const auto low = static_cast<std::uint16_t>(share<divisor>(f & 255, fromWeight) +
+                                                    share<divisor>(t & 255, toWeight));
+        const auto high =
+            static_cast<std::uint16_t>(share<divisor>(f >> 8, fromWeight) + share<divisor>(t >> 8, toWeight));
+        out[i] = static_cast<std::uint16_t>(low | high << 8);
+    }
+}
+
+/// Mixes tile by tile, so that a fourth byte of another kind is put in while the tile is in the cache.
+template <Divisor divisor, typename WeightsFrom>
+VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
+    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
+        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
+        const auto weightAt = weightsFrom(first);
+        if (fourth == Fourth::mixed) {
+            mixHalves<divisor>(halves(tile.out), halves(tile.from), halves(tile.to), weightAt,
+                               2 * tile.count);
+        } else {
+            Half mixed[2 * tilePixels];
+            mixHalves<divisor>(mixed, halves(tile.from), halves(tile.to), weightAt, 2 * tile.count);
+            mergeFourth(tile.out, mixed, fourthOf(tile, fourth), tile.count);
+        }
+    }
+}
+
+/// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0.
+VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
+    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
+        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
+        std::uint8_t dimmed[4 * tilePixels];
+        std::uint8_t* const out = fourth == Fourth::mixed ? tile.out : dimmed;
+        for (std::int32_t i = 0; i < 4 * tile.count; ++i)
+            out[i] = static_cast<std::uint8_t>(tile.to[i] - (tile.to[i] != 0 ? 1 : 0));
+        if (fourth != Fourth::mixed) mergeFourth(tile.out, dimmed, fourthOf(tile, fourth), tile.count);
+    }
+}
+
+}  // namespace
+
+VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
+    mergeFourth(run.out, pixelsOf(run, colours), fourthOf(run, fourth), run.count);
+}
+
+VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
+    if (divisor == Divisor::by256 && weight == 255) {
+        dim(run, fourth);
+        return;
+    }
+    const auto same = [=](std::int32_t) {
+        return [=](std::int32_t) { return static_cast<std::uint16_t>(weight); };
+    };
+    if (divisor == Divisor::by255)
+        mixTiles<Divisor::by255>(run, fourth, same);
+    else
+        mixTiles<Divisor::by256>(run, fourth, same);
+}
+
+VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights) {
+    const auto each = [=](std::int32_t first) {
+        return [each = halves(weights + first)](std::int32_t i) -> std::uint16_t { return each[i]; };
+    };
+    if (divisor == Divisor::by255)
+        mixTiles<Divisor::by255>(run, fourth, each);
+    else
+        mixTiles<Divisor::by256>(run, fourth, each);
+}
+
+void lookUp(const Run& run, Source source, const ByteTable& table) {
+    const std::uint8_t* in = pixelsOf(run, source);
+    std::uint8_t* out = run.out;
+    for (std::int32_t i = 0; i < run.count; ++i, in += 4, out += 4) {
+        out[0] = table[in[0]];
+        out[1] = table[in[1]];
+        out[2] = table[in[2]];
+        out[3] = in[3];
+    }
+}
+
+}  // namespace vantle

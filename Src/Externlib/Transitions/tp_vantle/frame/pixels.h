@@ -1,0 +1,63 @@
+/// What is done to a run of pixels: the loops that all effects share, one family for every way in which they
+/// write bytes.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace vantle {
+
+/// Which of the two input frames pixels come from.
+enum class Source : std::uint8_t { from, to };
+
+/// What becomes of the fourth byte of a pixel.
+enum class Fourth : std::uint8_t {
+    mixed,   ///< treated like the other three
+    ofFrom,  ///< that of imgFrom
+    ofTo,    ///< that of imgTo
+    kept     ///< not written: that which imgOut held
+};
+
+/// What a weighted byte is divided by. Each of the two products is divided on its own and truncated; by 256
+/// a byte of full weight loses one level (255 / 256).
+enum class Divisor : std::uint8_t { by255, by256 };
+
+/// A run of pixels at the same place in the three frames, at any alignment.
+struct Run {
+    std::uint8_t* out;
+    const std::uint8_t* from;
+    const std::uint8_t* to;
+    std::int32_t count;  ///< pixels
+};
+
+/// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: twice, for the two
+/// halves of a pixel.
+struct Weight {
+    constexpr Weight() = default;
+    constexpr explicit Weight(std::int32_t weight) : halves(static_cast<std::uint32_t>(weight) * 0x10001U) {}
+    std::uint32_t halves = 0;
+};
+
+/// Half the sum of two weights, truncated.
+constexpr Weight mean(Weight a, Weight b) {
+    Weight result;
+    result.halves = (a.halves + b.halves) >> 1 & 0x00FF00FFU;
+    return result;
+}
+
+/// Bytes 0 to 2 of one frame; `fourth` must not be `mixed`.
+void copyColours(const Run& run, Source colours, Fourth fourth);
+
+/// Bytes from * (255 - weight) / divisor + to * weight / divisor, with one weight for the whole run.
+void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight);
+
+/// The same with a weight for each pixel.
+void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights);
+
+/// What becomes of each of bytes 0 to 2.
+using ByteTable = std::array<std::uint8_t, 256>;
+
+/// Bytes 0 to 2 of one frame looked up in a table; byte 3 of the same frame.
+void lookUp(const Run& run, Source source, const ByteTable& table);
+
+}  // namespace vantle

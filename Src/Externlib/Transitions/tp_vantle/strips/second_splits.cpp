@@ -1,0 +1,106 @@
+// Second splits: a band about the centre line grows over the outgoing frame and then shrinks with the
+// incoming one outside it. Within it the incoming frame's share grows with the distance from the centre. The
+// three have a shape in common and hardly a rule.
+#include <cstdlib>
+
+#include "frame/frame_check.h"
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+/// Columns whose weights are worked out at a time, to be used in every row.
+constexpr std::int32_t tileColumns = 4096;
+
+/// 0 on the centre line to 255 at half of `size` from it.
+std::int32_t ramp(std::int32_t distance, std::int32_t size) {
+    return truncated(2.0 * (distance / static_cast<double>(size)) * 255.0);
+}
+
+}  // namespace
+
+/// A band of rows. Byte 3 and the padding are not written.
+VANTLE_API void TrRowSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t height = stage.height();
+    const Progress progress(param);
+    const double eased = progress.eased();
+    const Source outside = eased < 0.5 ? Source::from : Source::to;
+    const std::int32_t half = eased < 0.5 ? progress.easedSize(height) : rounded((1.0 - eased) * height);
+    for (Row row : stage.rows()) {
+        const std::int32_t distance = std::abs(row.y() - height / 2);
+        if (half != 0 && distance <= half)
+            row.mix(Divisor::by255, Fourth::kept, ramp(distance, height), stage.width());
+        else
+            row.colours(outside, Fourth::kept, stage.width());
+    }
+}
+
+/// A band of columns, in 256ths. Byte 3 and the padding are those of the frame outside.
+VANTLE_API void TrColSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    const bool drawable = stage.drawable();
+    checkColSplit2Frames(imgOut, imgFrom, imgTo);
+    if (!drawable) return;
+    const std::int32_t width = stage.width();
+    const double eased = Progress(param).eased();
+    const Source outside = eased < 0.5 ? Source::from : Source::to;
+    const Fourth fourth = eased < 0.5 ? Fourth::ofFrom : Fourth::ofTo;
+    const std::int32_t half = truncated(width * (eased < 0.5 ? eased : 1.0 - eased));
+    const std::int32_t left = width / 2 - half;
+    const std::int32_t right = width / 2 + half;
+    // Columns outside the band first, so that the tiles are those of the band.
+    for (Row row : stage.rows()) row.show(outside, left).skip(right).showRest(outside);
+    for (std::int32_t first = left; first < right; first += tileColumns) {
+        const std::int32_t end = std::min(first + tileColumns, right);
+        Weight weights[tileColumns];
+        for (std::int32_t x = first; x < end; ++x) {
+            const bool onLeft = x < width / 2;
+            const std::int64_t distance = onLeft ? x : x - width / 2;
+            const auto share = static_cast<std::int32_t>(510 * distance / width);
+            weights[x - first] = Weight(onLeft ? 255 - share : share);
+        }
+        for (Row row : stage.rows()) row.skip(first).mix(Divisor::by256, fourth, weights, first, end);
+    }
+}
+
+/// A cross, growing linearly: the mean of a ramp along the rows and one along the columns. Byte 3 and the
+/// padding are not written.
+VANTLE_API void TrCrossSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t width = stage.width();
+    const std::int32_t height = stage.height();
+    const Progress progress(param);
+    const double t = progress.linear();
+    const Source outside = t < 0.5 ? Source::from : Source::to;
+    const auto half = [&](std::int32_t size) {
+        return t < 0.5 ? progress.linearSize(size) : rounded(size * (1.0 - t));
+    };
+    const std::int32_t halfRows = half(height);
+    const std::int32_t halfColumns = half(width);
+    for (std::int32_t first = 0; first < width; first += tileColumns) {
+        const std::int32_t end = std::min(first + tileColumns, width);
+        Weight acrossRamp[tileColumns];
+        for (std::int32_t x = first; x < end; ++x)
+            acrossRamp[x - first] = Weight(ramp(std::abs(x - width / 2), width));
+        for (Row row : stage.rows()) {
+            const std::int32_t distance = std::abs(row.y() - height / 2);
+            const Weight downRamp(ramp(distance, height));
+            const bool wholeRow = distance < halfRows;
+            const std::int32_t left = wholeRow ? first : std::max(width / 2 - halfColumns + 1, first);
+            const std::int32_t right = wholeRow ? end : std::min(width / 2 + halfColumns, end);
+            Weight weights[tileColumns];
+            for (std::int32_t x = left; x < right; ++x)
+                weights[x - first] = mean(acrossRamp[x - first], downRamp);
+            row.skip(first)
+                .colours(outside, Fourth::kept, std::min(left, end))
+                .mix(Divisor::by255, Fourth::kept, weights, first, right)
+                .colours(outside, Fourth::kept, end);
+        }
+    }
+}

@@ -1,0 +1,87 @@
+// Shutters: the incoming frame opens through slats that all widen at the same time, linearly.
+#include "frame/frame_check.h"
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+/// Slats repeat every `period` pixels; the first `open` of each show the incoming frame.
+struct Slats {
+    std::int32_t period;
+    std::int32_t open;
+    bool opens(std::int32_t coordinate) const { return coordinate % period < open; }
+};
+
+/// `share` of the frame's size as the period, at least one pixel.
+Slats wideSlats(double period, const Progress& progress) {
+    const std::int32_t size = std::max(truncated(period), 1);
+    return {size, truncated(progress.linear() * size)};
+}
+
+/// Even periods of a tenth of the height, opening by two pixels at a time.
+Slats evenSlats(std::int32_t height, const Progress& progress) {
+    const std::int32_t tenth = truncated(height * 0.1);
+    const std::int32_t size = std::max(tenth + tenth % 2, 2);
+    return {size, truncated(progress.linear() * size) & ~1};
+}
+
+/// Runs of the incoming frame at the start of every period, of the outgoing one between them.
+void crossSlats(Row& row, const Slats& slats, std::int32_t width) {
+    for (std::int32_t start = 0; start < width; start += slats.period)
+        row.to(start + slats.open).from(start + slats.period);
+}
+
+}  // namespace
+
+/// Vertical slats. Byte 3 stays that of the outgoing frame.
+VANTLE_API void TrVerShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t width = stage.width();
+    const Slats slats = wideSlats(30.0 * width / 640.0, Progress(param));
+    for (Row row : stage.rows()) {
+        for (std::int32_t start = 0; start < width; start += slats.period)
+            row.toColours(start + slats.open).from(start + slats.period);
+        row.fromRest();
+    }
+}
+
+/// Horizontal slats. Byte 3 stays that of the outgoing frame.
+VANTLE_API void TrHorShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const Slats slats = wideSlats(30.0 * stage.height() / 360.0, Progress(param));
+    for (Row row : stage.rows()) {
+        if (slats.opens(row.y())) row.toColours(stage.width());
+        row.fromRest();
+    }
+}
+
+/// Slats in both directions: whole pixels of the incoming frame in either.
+VANTLE_API void TrCrossShutter1(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    checkCrossShutterFrames(imgOut, imgFrom);
+    if (!stage.drawable()) return;
+    const Slats slats = evenSlats(stage.height(), Progress(param));
+    for (Row row : stage.rows()) {
+        if (slats.opens(row.y()))
+            row.to(stage.width());
+        else
+            crossSlats(row, slats, stage.width());
+        row.fromRest();
+    }
+}
+
+/// Growing squares: whole pixels of the incoming frame where slats in both directions meet.
+VANTLE_API void TrCrossShutter2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const Slats slats = evenSlats(stage.height(), Progress(param));
+    for (Row row : stage.rows()) {
+        if (slats.opens(row.y())) crossSlats(row, slats, stage.width());
+        row.fromRest();
+    }
+}
