@@ -23,7 +23,7 @@ class Row {
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
 
     /// Whole pixels of one input frame.
-    Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::min(end, width_)); }
+    Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::clamp(end, 0, width_)); }
     Row& from(std::int32_t end) { return show(Source::from, end); }
     Row& to(std::int32_t end) { return show(Source::to, end); }
 
@@ -82,7 +82,7 @@ class Row {
     /// The pixels from here to column `end`, which the row then has passed.
     Run next(std::int32_t end) {
         const std::int32_t start = at_;
-        at_ = std::max(at_, 4 * std::min(end, width_));
+        at_ = std::max(at_, 4 * std::clamp(end, 0, width_));
         return {out_ + start, from_ + start, to_ + start, (at_ - start) / 4};
     }
 
