@@ -37,7 +37,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 empty.mp4 -t 0 -o out.mp4", 1, "empty.mp4: "},
         {"text.mp4 clip.mp4 -t 0 -o out.mp4", 1, "text.mp4: Invalid data"},
         {"half_clip.mp4 clip.mp4 -t 0 -o out.mp4", 1, "half_clip.mp4: "},
-        {"clip.mp4 half_clip.mp4 -t 0 -o out.mp4 --duration 0.2", 1, "half_clip.mp4: "},
+        {"clip.mp4 half_clip.mp4 -t 0 -o out.mp4 --duration 0.2", 1, "the file is truncated"},
         {"half_still.jpg clip.mp4 -t 0 -o out.mp4", 1, "half_still.jpg: "},
         {"half_still.png clip.mp4 -t 0 -o out.mp4", 1, "half_still.png: "},
         {"sound.wav clip.mp4 -t 0 -o out.mp4", 1, "no picture"},
