@@ -94,7 +94,8 @@ TEST_P(EveryTransition, TakesUnusablePositionsForTheNearestEnd) {
             EXPECT_EQ(scene.draw(draw, position, duration).out, first) << position << " of " << duration;
     for (const double position : {double{NAN}, double{INFINITY}, double{-INFINITY}, -0.01, -1e300})
         EXPECT_EQ(scene.draw(draw, position).out, first) << position;
-    for (const double position : {1.01, 1e300}) EXPECT_EQ(scene.draw(draw, position).out, last) << position;
+    for (const double position : {1.01, 1e300})
+        EXPECT_TRUE(traits.onward || scene.draw(draw, position).out == last) << position;
 }
 
 TEST_P(EveryTransition, DrawsTheSameInAnyUnitOfTime) {

@@ -27,6 +27,7 @@ struct Traits {
     const char* first = "f";  ///< what every pixel is at position 0, in the letters of Scene::row
     const char* last = "t";   ///< and at the end
     std::int32_t leastWidth = 1, leastHeight = 1;  ///< the smallest frame of which both are true
+    bool onward = false;                           ///< positions beyond the end are drawn as they are
 };
 
 inline void PrintTo(const Traits& traits, std::ostream* out) { *out << traits.function; }
@@ -53,6 +54,20 @@ inline constexpr Traits transitionTable[] = {
     {"TrRowSplit2", "Row_split_2", Padding::kept, "fk", "tk"},
     {"TrColSplit2", "Col_split_2", Padding::shown},
     {"TrBlind", "Blind_1", Padding::kept, "f", other, 32, 1},
+    {"TrRectZoomIn", "Rect_zoom_in", Padding::from, other, "df"},
+    {"TrRectZoomOut", "Rect_zoom_out", Padding::from, "f", other, 1, 1, true},
+    {"TrRoundZoomIn", "Round_zoom_out", Padding::from, "f", other},
+    {"TrRoundZoomOut", "Round_zoom_in", Padding::shown, other},
+    {"TrDiamondZoomIn", "Diamond_zoom_in", Padding::shown},
+    {"TrDiamondZoomOut", "Diamond_zoom_out", Padding::shown},
+    {"TrGridZoomIn", "Grid_zoom_in", Padding::from, "f", "tf"},
+    {"TrGridZoomOut", "Grid_zoom_out", Padding::shown},
+    {"TrSweepClockwise", "sweep_clockwise", Padding::from, "f", "tf"},
+    {"TrSweepAntiClockwise", "sweep_anti_clockwise", Padding::from, "f", "tf"},
+    {"TrWind", "Pinwheel"},
+    {"TrZoom", "Zoom", Padding::kept, "fk", "tk"},
+    {"TrRoundZoomIn2", "", Padding::kept, "fk", "tk"},
+    {"TrCirqueZoomIn", "", Padding::shown, other},
     {"TrCrossSplit2", "", Padding::kept, "fk", "tk"},
 };
 

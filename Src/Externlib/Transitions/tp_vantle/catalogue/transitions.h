@@ -17,5 +17,10 @@ TransFunc TrRowSplit2, TrColSplit2;
 TransFunc TrSkewLeftSplit, TrSkewRightSplit, TrSkewLeftMerge, TrSkewRightMerge;
 // strips/deposit.cpp
 TransFunc TrDepositUp;
-// Exported by name, without a record in the catalogue: second_splits.cpp.
-TransFunc TrCrossSplit2;
+// shapes/rect_zoom.cpp, diamond_zoom.cpp, grid_zoom.cpp, pinwheel.cpp, zoom.cpp
+TransFunc TrRectZoomIn, TrRectZoomOut, TrDiamondZoomIn, TrDiamondZoomOut, TrGridZoomIn, TrGridZoomOut;
+TransFunc TrWind, TrZoom, TrRoundZoomIn, TrRoundZoomOut;
+TransFunc TrSweepClockwise, TrSweepAntiClockwise;
+// Exported by name, without a record in the catalogue: second_splits.cpp, round_zoom.cpp,
+// cirque_zoom.cpp.
+TransFunc TrCrossSplit2, TrRoundZoomIn2, TrCirqueZoomIn;

@@ -124,6 +124,23 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, con
         mixTiles<Divisor::by256>(run, fourth, each);
 }
 
+VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
+    constexpr std::int32_t tile = 128;
+    for (std::int32_t first = 0; first < run.count; first += tile) {
+        const Run part = tail(run, first, std::min(tile, run.count - first));
+        std::uint32_t spread[tile];  // each weight four times over: one for each byte
+        for (std::int32_t i = 0; i < part.count; ++i)
+            spread[i] = weights[first + i].halves | weights[first + i].halves << 8;
+        const auto* const weightOf = reinterpret_cast<const std::uint8_t*>(spread);
+        for (std::int32_t i = 0; i < 4 * part.count; ++i) {
+            const auto weight = static_cast<float>(weightOf[i]);
+            const float to = static_cast<float>(part.to[i]) * weight / 255.0F;
+            const float from = static_cast<float>(part.from[i]) * (255.0F - weight) / 255.0F;
+            part.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(to + from));
+        }
+    }
+}
+
 void lookUp(const Run& run, Source source, const ByteTable& table) {
     const std::uint8_t* in = pixelsOf(run, source);
     std::uint8_t* out = run.out;
@@ -132,6 +149,25 @@ void lookUp(const Run& run, Source source, const ByteTable& table) {
         out[1] = table[in[1]];
         out[2] = table[in[2]];
         out[3] = in[3];
+    }
+}
+
+VANTLE_MULTIVERSION void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
+                                std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i)
+        words(out)[i] = (words(pixels)[columns[i]] & 0x00FFFFFFU) | (words(out)[i] & 0xFF000000U);
+}
+
+void sampleFaded(std::uint8_t* out, const std::uint8_t* over, const std::int32_t* overColumns,
+                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity,
+                 std::int32_t count) {
+    const float rest = 1.0F - opacity;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::uint8_t* const g = over + std::ptrdiff_t{4} * overColumns[i];
+        const std::uint8_t* const f = under + std::ptrdiff_t{4} * underColumns[i];
+        for (std::int32_t byte = 0; byte < 3; ++byte)
+            out[4 * i + byte] = static_cast<std::uint8_t>(static_cast<float>(g[byte]) * opacity +
+                                                          static_cast<float>(f[byte]) * rest);
     }
 }
 

@@ -33,16 +33,15 @@ struct Run {
 /// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: twice, for the two
 /// halves of a pixel.
 struct Weight {
-    constexpr Weight() = default;
+    Weight() = default;
     constexpr explicit Weight(std::int32_t weight) : halves(static_cast<std::uint32_t>(weight) * 0x10001U) {}
-    std::uint32_t halves = 0;
+    std::uint32_t halves;
 };
 
 /// Half the sum of two weights, truncated.
 constexpr Weight mean(Weight a, Weight b) {
-    Weight result;
-    result.halves = (a.halves + b.halves) >> 1 & 0x00FF00FFU;
-    return result;
+    a.halves = (a.halves + b.halves) >> 1 & 0x00FF00FFU;
+    return a;
 }
 
 /// Bytes 0 to 2 of one frame; `fourth` must not be `mixed`.
@@ -54,10 +53,22 @@ void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight);
 /// The same with a weight for each pixel.
 void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights);
 
+/// All four bytes mixed in single precision: to * weight / 255 + from * (255 - weight) / 255, each term
+/// divided on its own and their sum truncated.
+void mixSingle(const Run& run, const Weight* weights);
+
 /// What becomes of each of bytes 0 to 2.
 using ByteTable = std::array<std::uint8_t, 256>;
 
 /// Bytes 0 to 2 of one frame looked up in a table; byte 3 of the same frame.
 void lookUp(const Run& run, Source source, const ByteTable& table);
+
+/// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 is not written.
+void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);
+
+/// The same from two rows: bytes over * opacity + under * (1 - opacity) in single precision, truncated.
+void sampleFaded(std::uint8_t* out, const std::uint8_t* over, const std::int32_t* overColumns,
+                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity,
+                 std::int32_t count);
 
 }  // namespace vantle

@@ -7,13 +7,14 @@
 
 namespace vantle {
 
-Progress::Progress(const TransParam* param) {
+Progress::Progress(const TransParam* param, Range range) {
     if (param == nullptr) return;
     const double duration = param->dDuration;
     const double position = param->dPosition;
     if (!(std::isfinite(duration) && duration > 0.0 && std::isfinite(position))) return;
     duration_ = duration;
-    position_ = std::clamp(position, 0.0, duration);
+    position_ = std::max(position, 0.0);
+    if (range == Range::within) position_ = std::min(position_, duration);
     // The easings take the third power of the duration: outside this range it leaves the doubles.
     if (duration < 1e-100 || duration > 1e100) {
         position_ /= duration_;
@@ -35,8 +36,6 @@ std::int32_t Progress::easedRemainder(double size) const {
 
 std::int32_t Progress::linearSize(double size) const { return rounded(size * position_ / duration_); }
 
-std::int32_t Progress::linearRemainder(double size) const {
-    return rounded((duration_ - position_) * size / duration_);
-}
+std::int32_t Progress::linearRemainder(double size) const { return rounded(linearLeftOf(size)); }
 
 }  // namespace vantle

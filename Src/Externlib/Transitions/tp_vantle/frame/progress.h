@@ -20,16 +20,36 @@ constexpr double easeCubic(double u) {
 /// 0..duration. A record that is null or holds anything else stands for the nearest end, or the first frame.
 class Progress {
    public:
-    explicit Progress(const TransParam* param);
+    /// Which positions are drawn as they are; others stand for the nearest one that is.
+    enum class Range : std::uint8_t {
+        within,  ///< 0 to duration
+        onward,  ///< 0 and all above
+    };
+
+    explicit Progress(const TransParam* param, Range range = Range::within);
+
+    double duration() const { return duration_; }
+
+    /// True at the very end, and beyond it.
+    bool ended() const { return position_ >= duration_; }
 
     /// position / duration, 0 to 1.
     double linear() const { return position_ / duration_; }
+
+    /// (duration - position) / duration, 1 to 0.
+    double linearLeft() const { return (duration_ - position_) / duration_; }
+
+    /// (duration - position) * size / duration, in this order.
+    double linearLeftOf(double size) const { return (duration_ - position_) * size / duration_; }
 
     /// The position eased by t - sin(2 pi t) / (2 pi), then by the cubic; in position units, 0 to duration.
     double easedPosition() const;
 
     /// The same as a fraction, 0 to 1.
     double eased() const { return easedPosition() / duration_; }
+
+    /// What is left of it, 1 to 0.
+    double easedLeft() const { return (duration_ - easedPosition()) / duration_; }
 
     /// `size` times the eased fraction: 0 at the start, `size` at the end.
     double easedPart(double size) const { return size * easedPosition() / duration_; }

@@ -15,6 +15,10 @@ namespace vantle {
 /// passed writes nothing, so spans may be given as computed.
 class Row {
    public:
+    /// Pixels to be taken from another row of an input frame: column `first + i` from its column
+    /// `columns[i]`.
+    struct Samples;
+
     Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
         const std::uint8_t* to)
         : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to) {}
@@ -57,9 +61,32 @@ class Row {
         return *this;
     }
 
+    /// All bytes mixed in single precision; `weights[0]` is that of column `first`.
+    Row& mixSingle(const Weight* weights, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
+        if (const Run run = next(end); run.count > 0) vantle::mixSingle(run, weights + skipped);
+        return *this;
+    }
+
     /// Bytes 0 to 2 of one input frame looked up in a table, byte 3 as it is.
     Row& lookedUp(Source source, const ByteTable& table, std::int32_t end) {
         if (const Run run = next(end); run.count > 0) lookUp(run, source, table);
+        return *this;
+    }
+
+    /// Bytes 0 to 2 of sampled pixels.
+    Row& sampled(const Samples& samples, std::int32_t end);
+
+    /// The same with `opacity` 0 to 1, faded in over other samples.
+    Row& faded(const Samples& over, const Samples& under, float opacity, std::int32_t end);
+
+    /// Bytes 0 to 2 as another row of the output has them, in the same columns.
+    Row& repeated(const Row& drawn, std::int32_t end) {
+        const std::int32_t start = at_;
+        if (Run run = next(end); run.count > 0) {
+            run.from = drawn.out_ + start;
+            copyColours(run, Source::from, Fourth::kept);
+        }
         return *this;
     }
 
@@ -94,6 +121,31 @@ class Row {
     const std::uint8_t* from_;
     const std::uint8_t* to_;
 };
+
+struct Row::Samples {
+    const Row& row;
+    Source source;
+    const std::int32_t* columns;
+    std::int32_t first;
+
+    const std::uint8_t* pixels() const { return source == Source::to ? row.to_ : row.from_; }
+};
+
+inline Row& Row::sampled(const Samples& samples, std::int32_t end) {
+    const std::int32_t skipped = x() - samples.first;
+    if (const Run run = next(end); run.count > 0)
+        sample(run.out, samples.pixels(), samples.columns + skipped, run.count);
+    return *this;
+}
+
+inline Row& Row::faded(const Samples& over, const Samples& under, float opacity, std::int32_t end) {
+    const std::int32_t overSkipped = x() - over.first;
+    const std::int32_t underSkipped = x() - under.first;
+    if (const Run run = next(end); run.count > 0)
+        sampleFaded(run.out, over.pixels(), over.columns + overSkipped, under.pixels(),
+                    under.columns + underSkipped, opacity, run.count);
+    return *this;
+}
 
 /// The three frames of one call under the geometry of the output frame.
 class Stage {

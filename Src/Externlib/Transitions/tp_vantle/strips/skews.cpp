@@ -22,7 +22,7 @@ struct Profile {
     Zone outer;
     std::int32_t start;
     std::int32_t length;
-    Weight weights[edge + 1] = {};  // of the soft edge, by distance from its start
+    Weight weights[edge + 1];  // of the soft edge, by distance from its start
 
     template <typename WeightAt>
     Profile(Zone innerZone, Zone outerZone, std::int32_t first, std::int32_t end, WeightAt weightAt)

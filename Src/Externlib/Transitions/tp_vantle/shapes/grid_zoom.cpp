@@ -1,0 +1,67 @@
+// Grid zooms: in every cell of a grid a centred square grows or shrinks, linearly and by two pixels at a
+// time. Cells start at the left column and the bottom row of the picture.
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+/// A tenth of the height, raised to an even number, at least 2.
+std::int32_t cellSize(const Stage& stage) {
+    const std::int32_t tenth = truncated(stage.height() * 0.1);
+    return std::max(tenth + tenth % 2, 2);
+}
+
+/// The squares have side + 1 pixels on each side (`side` is even) and lie about the middle of their cells.
+struct Squares {
+    std::int32_t cell;
+    std::int32_t first;  // of a cell's rows and columns
+    std::int32_t last;
+    Squares(std::int32_t cellSide, std::int32_t side)
+        : cell(cellSide), first((cellSide - side) / 2), last(first + side) {}
+
+    bool crosses(const Stage& stage, const Row& row) const {
+        const std::int32_t phase = (stage.height() - 1 - row.y()) % cell;
+        return phase >= first && phase <= last;
+    }
+};
+
+}  // namespace
+
+/// Squares of the incoming frame grow from a pixel; byte 3 stays.
+VANTLE_API void TrGridZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const double t = Progress(param).linear();
+    const std::int32_t cell = cellSize(stage);
+    const std::int32_t side = truncated(t * cell);
+    const Squares squares(cell, side + side % 2);
+    for (Row row : stage.rows()) {
+        if (t >= 0.001 && squares.crosses(stage, row))
+            for (std::int32_t start = 0; start < stage.width(); start += cell)
+                row.from(start + squares.first).toColours(start + squares.last + 1);
+        row.fromRest();
+    }
+}
+
+/// The outgoing frame shrinks into squares, to a pixel each; byte 3 stays but at the very end.
+VANTLE_API void TrGridZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const Progress progress(param);
+    const std::int32_t cell = cellSize(stage);
+    const std::int32_t side = truncated(cell * progress.linearLeft());
+    const Squares squares(cell, side - side % 2);
+    for (Row row : stage.rows()) {
+        if (progress.linear() > 0.999) {
+            row.toRest();
+            continue;
+        }
+        if (squares.crosses(stage, row))
+            for (std::int32_t start = 0; start < stage.width(); start += cell)
+                row.toColours(start + squares.first).from(start + squares.last + 1);
+        row.toColours(stage.width()).fromRest();
+    }
+}

@@ -1,0 +1,126 @@
+// Round zooms: one frame inside a disc about the centre of the frame. The twins share their radius and their
+// soft rim; they differ in the bytes they write, in the arithmetic and in what lies under them.
+#include <cmath>
+
+#include "frame/distance.h"
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+constexpr std::int32_t rim = 100;
+
+double diagonal(const Stage& stage) {
+    const double width = stage.width();
+    const double height = stage.height();
+    return std::sqrt(width * width + height * height);
+}
+
+/// The share of 255 that the disc's frame has at the end of each pixel of the rim, from the circle inward.
+constexpr std::int32_t rimWeight(std::int32_t depth) { return std::clamp(depth * 255 / rim, 0, 255); }
+
+/// One row of the disc: columns of the solid part and of the whole disc about the centre column; empty when
+/// the last is before the first.
+struct Chord {
+    std::int32_t solidFirst, solidLast, first, last;
+
+    Chord(std::int32_t radius, std::int32_t centreColumn, std::int32_t dy) {
+        const std::int64_t below = std::int64_t{dy} * dy;
+        const std::int64_t solidRadius = radius - rim + 1;  // what is nearer than this is solid
+        const std::int32_t solid = radius >= rim ? wholeRoot(solidRadius * solidRadius - 1 - below) : -1;
+        const std::int32_t whole = wholeRoot(std::int64_t{radius} * radius - below);
+        // An empty chord has its end at the centre column, so that runs may be given in order.
+        solidFirst = solid < 0 ? centreColumn : centreColumn - solid;
+        solidLast = solid < 0 ? centreColumn - 1 : centreColumn + solid;
+        first = whole < 0 ? centreColumn : centreColumn - whole;
+        last = whole < 0 ? centreColumn - 1 : centreColumn + whole;
+    }
+};
+
+double largestRadius(const Stage& stage) { return diagonal(stage) * 0.5 + 0.5 + 100.0; }
+
+/// Draws a disc with its rim over the frame `outside`: `solid(row, end)` within the rim, and on it
+/// `soft(row, weights, end)`, with weights by the truncated distance.
+template <typename Solid, typename Soft>
+void drawDisc(const Stage& stage, std::int32_t radius, const DistanceTable& table, Source outside,
+              Solid solid, Soft soft) {
+    const std::int32_t width = stage.width();
+    const std::int32_t centreColumn = (width + 1) / 2;
+    const std::int32_t centreRow = (stage.height() + 1) / 2;
+    for (Row row : stage.rows()) {
+        const std::int32_t dy = row.y() - centreRow;
+        const Chord chord(radius, centreColumn, dy);
+        const auto rimUpTo = [&](std::int32_t end) {
+            drawByDistance(
+                row, centreColumn, dy, std::min(end, width), DistanceRounding::truncated, table,
+                [&](const Weight* weights, std::int32_t stretchEnd) { soft(row, weights, stretchEnd); });
+        };
+        row.show(outside, chord.first);
+        rimUpTo(chord.solidFirst);
+        solid(row, chord.solidLast + 1);
+        rimUpTo(chord.last + 1);
+        row.showRest(outside);
+    }
+}
+
+}  // namespace
+
+/// "Round_zoom_out": a growing disc of the incoming frame, all bytes, in single precision.
+VANTLE_API void TrRoundZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linear());
+    const DistanceTable table(radius + 1,
+                              [=](std::int32_t distance) { return rimWeight(radius - distance); });
+    drawDisc(
+        stage, radius, table, Source::from, [](Row& row, std::int32_t end) { row.to(end); },
+        [](Row& row, const Weight* weights, std::int32_t end) { row.mixSingle(weights, row.x(), end); });
+}
+
+/// "Round_zoom_in": a shrinking disc of the outgoing frame over the incoming one, whose byte 3 stays.
+VANTLE_API void TrRoundZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linearLeft());
+    const DistanceTable table(radius + 1,
+                              [=](std::int32_t distance) { return 255 - rimWeight(radius - distance); });
+    drawDisc(
+        stage, radius, table, Source::to,
+        [](Row& row, std::int32_t end) { row.colours(Source::from, Fourth::ofTo, end); },
+        [](Row& row, const Weight* weights, std::int32_t end) {
+            row.mix(Divisor::by255, Fourth::ofTo, weights, row.x(), end);
+        });
+}
+
+/// A disc that grows to half the diagonal and shrinks again; in it the incoming frame's share grows with the
+/// distance from the centre. Byte 3 and the padding are not written.
+VANTLE_API void TrRoundZoomIn2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t width = stage.width();
+    const double t = Progress(param).linear();
+    const Source outside = t < 0.5 ? Source::from : Source::to;
+    const std::int32_t limit = truncated((diagonal(stage) + 0.5) * (t < 0.5 ? t : 1.0 - t));
+    const double scale = rounded(diagonal(stage) * 0.5);
+    const DistanceTable table(limit,
+                              [=](std::int32_t distance) { return truncated(distance / scale * 255.0); });
+    const std::int32_t centreColumn = (width + 1) / 2;
+    const std::int32_t centreRow = (stage.height() + 1) / 2;
+    for (Row row : stage.rows()) {
+        const std::int32_t dy = row.y() - centreRow;
+        // Distances are rounded to the nearest: those up to limit - 1 have squares up to limit^2 - limit.
+        const std::int64_t square = std::int64_t{limit} * limit - limit - std::int64_t{dy} * dy;
+        const std::int32_t half = limit > 0 ? wholeRoot(square) : -1;
+        if (half >= 0) {
+            row.colours(outside, Fourth::kept, centreColumn - half);
+            drawByDistance(row, centreColumn, dy, std::min(centreColumn + half + 1, width),
+                           DistanceRounding::nearest, table, [&](const Weight* weights, std::int32_t end) {
+                               row.mix(Divisor::by255, Fourth::kept, weights, row.x(), end);
+                           });
+        }
+        row.colours(outside, Fourth::kept, width);
+    }
+}

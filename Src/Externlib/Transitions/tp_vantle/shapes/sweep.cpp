@@ -1,0 +1,132 @@
+// Sweeps: a hand about the centre turns once round from 12 o'clock and uncovers the incoming frame behind it,
+// with a soft edge. When the hand has come round, what is left of the edge is squeezed in before 12 o'clock.
+#include <algorithm>
+#include <cmath>
+
+#include "frame/progress.h"
+#include "frame/soft_edge.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+// Angles clockwise from the upward vertical. The shortened values are part of the rule.
+constexpr double softWidth = 0.157079632675;
+constexpr double fullTurn = 6.283185307;
+constexpr double travel = 6.440264939675;
+constexpr double quarterTurn = 1.57079632675;
+constexpr double halfTurn = 3.1415926535;
+constexpr double threeQuarters = 4.71238898025;
+
+/// The angle of a pixel `u` columns right of and `v` rows below the centre.
+double angleOf(double u, double v) {
+    constexpr double neverZero = 1e-07;
+    if (u >= 0.0)
+        return v >= 0.0 ? std::atan(v / (u + neverZero)) + quarterTurn : std::atan(-u / (v + neverZero));
+    return v >= 0.0 ? halfTurn - std::atan(u / (v + neverZero))
+                    : std::atan(v / (u + neverZero)) + threeQuarters;
+}
+
+enum class Zone { kept, soft, full };
+
+/// Pixels whose angle lies between two limits are soft, in the order in which the hand passes them: `share`
+/// of 255 for the incoming frame is their angle's distance from `origin`.
+struct Clockwise {
+    explicit Clockwise(double hand)
+        : closing(hand > fullTurn),
+          origin(closing ? fullTurn : hand),
+          first(hand - softWidth),
+          width(closing ? travel - hand : softWidth) {}
+
+    Zone zoneOf(double angle) const {
+        if (closing) return angle > first && angle < fullTurn ? Zone::soft : Zone::full;
+        if (angle >= origin) return Zone::kept;
+        return origin - angle >= softWidth ? Zone::full : Zone::soft;
+    }
+    double share(double angle) const { return (origin - angle) * 255.0 / width; }
+    Ray ray() const { return {std::sin(origin), std::cos(origin), -255.0 / width}; }
+
+    bool closing;
+    double origin;
+    double first;
+    double width;
+};
+
+struct AntiClockwise {
+    explicit AntiClockwise(double hand)
+        : closing(hand <= 0.0), origin(closing ? 0.0 : hand), width(closing ? hand + softWidth : softWidth) {}
+
+    Zone zoneOf(double angle) const {
+        if (closing) return angle > 0.0 && angle < width ? Zone::soft : Zone::full;
+        if (angle < origin) return Zone::kept;
+        return angle - origin >= softWidth ? Zone::full : Zone::soft;
+    }
+    double share(double angle) const { return (angle - origin) * 255.0 / width; }
+    Ray ray() const { return {std::sin(origin), std::cos(origin), 255.0 / width}; }
+
+    bool closing;
+    double origin;
+    double width;
+};
+
+/// Draws the columns up to `end`, over which the angle only rises or only falls, so that each zone is one
+/// run.
+template <typename Hand>
+void drawSector(Row& row, const Hand& hand, const Ray& ray, std::int32_t centreColumn, std::int32_t v,
+                std::int32_t end) {
+    constexpr double tolerance = 3e-7;  // the rule's own divisors are off by 1e-7
+    constexpr std::int32_t tile = 512;
+    const auto angleAt = [=](std::int32_t x) { return angleOf(x - centreColumn, v); };
+    while (row.x() < end) {
+        const Zone zone = hand.zoneOf(angleAt(row.x()));
+        std::int32_t inside = row.x();
+        std::int32_t outside = end;
+        if (hand.zoneOf(angleAt(end - 1)) == zone) inside = end - 1;
+        while (outside - inside > 1) {
+            const std::int32_t middle = inside + (outside - inside) / 2;
+            (hand.zoneOf(angleAt(middle)) == zone ? inside : outside) = middle;
+        }
+        if (zone == Zone::kept) row.from(outside);
+        if (zone == Zone::full) row.toColours(outside);
+        while (row.x() < outside) {
+            const std::int32_t start = row.x();
+            const std::int32_t count = std::min(outside - start, tile);
+            Weight weights[tile];
+            softEdgeWeights(weights, ray, start - centreColumn, v, count, tolerance,
+                            [&](std::int32_t i) { return hand.share(angleAt(start + i)); });
+            row.mix(Divisor::by255, Fourth::ofFrom, weights, start, start + count);
+        }
+    }
+}
+
+template <typename Hand>
+void draw(const Stage& stage, const Hand& hand) {
+    const std::int32_t width = stage.width();
+    const std::int32_t centreColumn = width / 2;
+    const std::int32_t centreRow = stage.height() / 2;
+    const Ray ray = hand.ray();
+    for (Row row : stage.rows()) {
+        const std::int32_t v = row.y() - centreRow;
+        drawSector(row, hand, ray, centreColumn, v, centreColumn);
+        // Straight up is where the turn starts and ends: a zone of its own.
+        if (v < 0) drawSector(row, hand, ray, centreColumn, v, std::min(centreColumn + 1, width));
+        drawSector(row, hand, ray, centreColumn, v, width);
+        row.fromRest();
+    }
+}
+
+}  // namespace
+
+/// Byte 3 stays.
+VANTLE_API void TrSweepClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (stage.drawable()) draw(stage, Clockwise(Progress(param).eased() * travel));
+}
+
+/// Byte 3 stays.
+VANTLE_API void TrSweepAntiClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo,
+                                     const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (stage.drawable()) draw(stage, AntiClockwise(fullTurn - Progress(param).eased() * travel));
+}

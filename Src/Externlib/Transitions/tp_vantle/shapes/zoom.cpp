@@ -1,0 +1,86 @@
+// Zoom: the outgoing frame is magnified about the centre while the incoming one, whole and reduced, grows and
+// fades in over it. Pixels are the nearest ones; coordinates are truncated single-precision values.
+#include <cstdlib>
+#include <optional>
+
+#include "frame/progress.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+/// Columns whose source columns are worked out at a time, to be used in every row.
+constexpr std::int32_t tileColumns = 4096;
+
+/// Where a coordinate lies in a frame that is shown `scale` times as large about `centre`.
+std::int32_t sourceOf(std::int32_t coordinate, std::int32_t centre, float scale) {
+    const auto middle = static_cast<float>(centre);
+    return static_cast<std::int32_t>(static_cast<float>(coordinate - centre) / scale + middle);
+}
+
+}  // namespace
+
+/// Byte 3 and the padding are not written.
+VANTLE_API void TrZoom(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t width = stage.width();
+    const std::int32_t height = stage.height();
+    const Progress progress(param);
+    const bool atEnd = param != nullptr && param->dPosition == param->dDuration;
+    if (atEnd || progress.ended()) {
+        for (Row row : stage.rows()) row.colours(Source::to, Fourth::kept, width);
+        return;
+    }
+    const auto s = static_cast<float>(progress.linear());
+    const float magnification = 20.0F * s + 1.0F;
+    const float opacity = std::min(3.0F * s, 1.0F);
+    const auto shownWidth = static_cast<std::int32_t>(static_cast<float>(width) * s);
+    const auto shownHeight = static_cast<std::int32_t>(static_cast<float>(height) * s);
+    const std::int32_t centreColumn = width / 2;
+    const std::int32_t centreRow = height / 2;
+    const std::int32_t halfColumns = shownWidth / 2;
+
+    for (std::int32_t first = 0; first < width; first += tileColumns) {
+        const std::int32_t end = std::min(first + tileColumns, width);
+        const std::int32_t left = std::clamp(centreColumn - halfColumns + 1, first, end);
+        const std::int32_t right = std::clamp(centreColumn + halfColumns, left, end);
+        std::int32_t fromColumns[tileColumns];
+        std::int32_t toColumns[tileColumns];
+        for (std::int32_t x = first; x < end; ++x)
+            fromColumns[x - first] = sourceOf(x, centreColumn, magnification);
+        for (std::int32_t x = left; x < right; ++x) toColumns[x - first] = sourceOf(x, centreColumn, s);
+        std::optional<Row> last;
+        std::int32_t lastSource = 0;
+        bool lastInRectangle = false;
+        for (Row row : stage.rows()) {
+            const Row whole = row;
+            const std::int32_t sourceRow = sourceOf(row.y(), centreRow, magnification);
+            const Row source = stage.row(sourceRow);
+            const bool inRectangle = std::abs(row.y() - centreRow) < shownHeight / 2 && shownWidth >= 6;
+            // Magnified rows repeat: the one just drawn is at hand.
+            const bool repeats = last && sourceRow == lastSource && inRectangle == lastInRectangle;
+            const auto magnified = [&](std::int32_t to) {
+                if (repeats)
+                    row.repeated(*last, to);
+                else
+                    row.sampled({source, Source::from, fromColumns, first}, to);
+            };
+            row.skip(first);
+            if (inRectangle) {
+                const Row shown = stage.row(sourceOf(row.y(), centreRow, s));
+                magnified(left);
+                if (opacity < 1.0F)
+                    row.faded({shown, Source::to, toColumns, first},
+                              {source, Source::from, fromColumns, first}, opacity, right);
+                else
+                    row.sampled({shown, Source::to, toColumns, first}, right);
+            }
+            magnified(end);
+            last.emplace(whole);
+            lastSource = sourceRow;
+            lastInRectangle = inRectangle;
+        }
+    }
+}

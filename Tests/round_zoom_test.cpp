@@ -1,0 +1,69 @@
+#include "plain_rule.h"
+
+using namespace tests;
+
+static void mixFourInSingle(const std::uint8_t* from, const std::uint8_t* to, std::uint8_t* out, int weight) {
+    const auto toward = static_cast<float>(weight), away = 255 - toward;
+    for (int i = 0; i < 4; ++i)
+        out[i] = static_cast<std::uint8_t>(to[i] * toward / 255 + from[i] * away / 255);
+}
+
+template <bool in>
+static Bytes zoom(const Scene& s, double position, double duration) {
+    const double share = in ? position / duration : (duration - position) / duration;
+    const int radius = truncated((diagonal(s.geometry) * 0.5 + 0.5 + 100.0) * share);
+    const auto weight = [&s, radius](int x, int y) {
+        const int square = distanceSquared(s.geometry, x, y);
+        if (square > radius * radius) return untouched;
+        const int inside = std::clamp((radius - truncated(std::sqrt(square))) * 255 / 100, 0, 255);
+        return in ? inside : 255 - inside;
+    };
+    return blended(s, in ? s.from : s.to, weight, in ? mixFourInSingle : mixThree);
+}
+
+static Bytes zoomIn2(const Scene& s, double position, double duration) {
+    const double t = position / duration, scale = rounded(diagonal(s.geometry) * 0.5);
+    const int limit = truncated((diagonal(s.geometry) + 0.5) * (t < 0.5 ? t : 1 - t));
+    return blended(s, s.before, [&](int x, int y) {
+        const int distance = rounded(std::sqrt(distanceSquared(s.geometry, x, y)));
+        return distance < limit ? truncated(distance / scale * 255.0) : t < 0.5 ? 0 : 255;
+    });
+}
+
+TEST(RoundZoom, FollowsItsRulePixelByPixel) {
+    expectRule("TrRoundZoomIn", zoom<true>, 0.9);
+    expectRule("TrRoundZoomOut", zoom<false>, 0.1);
+    expectRule("TrRoundZoomIn2", zoomIn2);
+}
+
+// Half of 800 and 100.5 more is 500.5: at one half the radius is 250. imgTo gains 2.55 a pixel inward.
+TEST(RoundZoom, SoftensAHundredPixelsInsideTheDisc) {
+    const auto columns = {320, 170, 169, 520, 569, 570, 571};
+    EXPECT_EQ(weights("TrRoundZoomIn", 640, 480, 0.5, 240, columns), " 255 255 252 127 2 0 0");
+    EXPECT_EQ(weights("TrRoundZoomIn", 640, 480, 0.5, 240, columns, 3), " 255 255 252 127 2 0 0");
+    EXPECT_EQ(weights("TrRoundZoomOut", 640, 480, 0.5, 240, columns), " 0 0 3 128 253 255 255");
+    EXPECT_EQ(weights("TrRoundZoomOut", 640, 480, 0.5, 240, {320, 520, 571}, 3), " 255 255 255");
+}
+
+// The radii are whole numbers but for the order of the operations: 500.5 x 16 / 77 = 104, 500.5 x 510 / 1001
+// = 254.99...
+TEST(RoundZoom, KeepsTheOrderOfItsOperations) {
+    EXPECT_EQ(weights("TrRoundZoomOut", 640, 480, 61, 240, {324, 325}, 0, 77), " 0 3");
+    EXPECT_EQ(weights("TrRoundZoomIn", 640, 480, 510, 240, {474, 475}, 0, 1001), " 255 252");
+}
+
+// 9 x 9: half the diagonal is 6.36, the radius 106, the top left corner 7 from the centre (5, 5).
+TEST(RoundZoom, FallsShortByOneStepInTheCornerOfAnOddFrame) {
+    expectRows("TrRoundZoomIn", {9, 9, 40}, 1, {{0, "1d 8t |4f"}, {1, "9t |4f"}, {8, "9t |4f"}});
+    EXPECT_EQ(weights("TrRoundZoomIn", 9, 9, 1, 0, {0, 1, 8}, 3), " 252 255 255");
+    EXPECT_EQ(weights("TrRoundZoomOut", 9, 9, 0, 0, {0, 1, 8}), " 3 0 0");
+}
+
+// D = 10: the limit is 5 on both sides of one half, a step from the centre (4, 3) weighs 51.
+TEST(RoundZoom, BlendsAlongTheRadiusInTheDiscThatReturns) {
+    const auto columns = {0, 1, 2, 3, 4, 5, 6, 7};
+    EXPECT_EQ(weights("TrRoundZoomIn2", 8, 6, 0.5, 3, columns), " 204 153 102 51 0 51 102 153");
+    EXPECT_EQ(weights("TrRoundZoomIn2", 8, 6, 0.5, 0, columns), " 255 204 204 153 153 153 204 204");
+    EXPECT_EQ(weights("TrRoundZoomIn2", 8, 6, 0.49, 0, columns), " 0 204 204 153 153 153 204 204");
+    EXPECT_EQ(weights("TrRoundZoomIn2", 8, 6, 0.49, 0, {0, 3}, 3), " 77 77");
+}
