@@ -48,7 +48,9 @@ TEST(Catalogue, RecordsHoldTheirTextsToTheLetter) {
 TEST(Catalogue, RecordsPointAtTheFunctionsOfTheirNames) {
     std::set<std::pair<std::string, std::string>> expected, found;
     for (const Traits& traits : transitionTable) expected.emplace(traits.name, traits.function);
-    for (const vantle::Transition& transition : plugin().transitions())
-        if (transition.draw != nullptr) found.emplace(transition.name, transition.function);
+    for (const vantle::Transition& transition : plugin().transitions()) {
+        EXPECT_NE(transition.draw, nullptr) << transition.name;
+        found.emplace(transition.name, transition.function);
+    }
     EXPECT_EQ(found, expected);
 }

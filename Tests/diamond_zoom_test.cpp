@@ -13,7 +13,7 @@ static Bytes diamondZoom(const Scene& s, double position, double duration) {
         const int half = rounded((reach - std::abs(x - cx)) * aspect);
         return (reach >= w || (y >= middle - half && y < middle + half)) != in ? 255 : 0;
     };
-    return blended(s, (reach >= w) == in ? s.from : s.to, weight, takeFour);
+    return blended(s, (reach >= w) == in ? s.from : s.to, weight, mix<4>);
 }
 
 TEST(DiamondZoom, FollowsItsRulePixelByPixel) {

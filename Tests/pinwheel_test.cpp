@@ -10,7 +10,7 @@ static Bytes pinwheel(const Scene& s, double position, double duration) {
         const double ratio = fromVertical ? std::abs(u) / std::abs(v) : std::abs(v) / std::abs(u);
         return opened >= 0.01 && opened > (u == 0 && v == 0 ? 0 : std::atan(ratio)) ? 255 : 0;
     };
-    return blended(s, s.from, weight, takeFour);
+    return blended(s, s.from, weight, mix<4>);
 }
 
 TEST(Pinwheel, FollowsItsRulePixelByPixel) { expectRule("TrWind", pinwheel, 0.1973166); }

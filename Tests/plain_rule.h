@@ -30,34 +30,33 @@ inline std::size_t offsetOf(const Geometry& g, int x, int y) {
     return static_cast<std::size_t>((g.height - 1 - y) * g.pitch + 4 * x);
 }
 
-/// Ways to blend a pixel, by the weight of imgTo.
-inline void mixThree(const std::uint8_t* from, const std::uint8_t* to, std::uint8_t* out, int weight) {
-    for (int i = 0; i < 3; ++i)
+/// Blends the first `bytes` bytes of a pixel by the weight of imgTo.
+template <int bytes>
+void mix(const std::uint8_t* from, const std::uint8_t* to, std::uint8_t* out, int weight) {
+    for (int i = 0; i < bytes; ++i)
         out[i] = static_cast<std::uint8_t>(from[i] * (255 - weight) / 255 + to[i] * weight / 255);
-}
-inline void takeFour(const std::uint8_t* from, const std::uint8_t* to, std::uint8_t* out, int weight) {
-    std::memcpy(out, weight == 255 ? to : from, 4);
 }
 
 constexpr int untouched = -1;
 
 /// `under` with the pixels (x, y) blended by `weightAt(x, y)`, where that is not `untouched`.
 template <typename WeightAt>
-Bytes blended(const Scene& s, Bytes under, const WeightAt& weightAt, decltype(&mixThree) mix = mixThree) {
+Bytes blended(const Scene& s, Bytes under, const WeightAt& weightAt, decltype(&mix<3>) mixPixel = mix<3>) {
     for (int y = 0; y < s.geometry.height; ++y)
         for (int x = 0; x < s.geometry.width; ++x)
             if (const int weight = weightAt(x, y); weight != untouched) {
                 const std::size_t at = offsetOf(s.geometry, x, y);
-                mix(&s.from[at], &s.to[at], &under[at], weight);
+                mixPixel(&s.from[at], &s.to[at], &under[at], weight);
             }
     return under;
 }
 
 /// Expects every byte that a transition leaves in its output to be as `rule(scene, position, duration)` has
-/// it, in some thousand frames: at both ends, at and near `moment`, at ties of rounding and at random, up to
-/// `reach` durations.
+/// it, in some thousand frames: at both ends, at and near `moment`, at ties of rounding and at random, from
+/// `low` to `high` durations.
 template <typename Rule>
-void expectRule(const char* function, const Rule& rule, double moment = 0.5, double reach = 1) {
+void expectRule(const char* function, const Rule& rule, double moment = 0.5, double low = 0,
+                double high = 1) {
     constexpr Geometry large[] = {{641, 360, 0}, {97, 250, 0}, {5600, 102, 0}, {8203, 3, 0}};
     std::mt19937 random(7);
     const auto below = [&random](int end) { return static_cast<int>(random() % static_cast<unsigned>(end)); };
@@ -68,9 +67,9 @@ void expectRule(const char* function, const Rule& rule, double moment = 0.5, dou
         g.pitch = 4 * g.width + below(2) * below(20);
         Scene scene(g, i % 2 == 0 ? Guard::before : Guard::after);
         const int frames = 1 + below(100);
-        for (const double t :
-             {0.0, 1e-9, 0.001, 1 / 3.0, 0.999, 1 - 1e-9, 1.0, moment, moment + (part(1 << 20) - 0.5) / 300,
-              part(frames), part(2 * g.width), part(2 * g.height), reach * part(1 << 20), part(1 << 20)}) {
+        for (const double t : {0.0, 1e-9, 0.001, 1 / 3.0, 0.999, 1 - 1e-9, 1.0, moment,
+                               moment + (part(1 << 20) - 0.5) / 300, part(frames), part(2 * g.width),
+                               part(2 * g.height), low + (high - low) * part(1 << 20), part(1 << 20)}) {
             const double duration = std::array{1.0, 0.7, frames / 1.0}[random() % 3];
             const Bytes expected = rule(scene, t * duration, duration);
             const Bytes& out = scene.draw(transition(function), t * duration, duration).out;

@@ -16,12 +16,12 @@ static Bytes rectZoom(const Scene& s, double position, double duration) {
     const auto weight = [=](int x, int y) {
         return (std::abs(y - cy) < halfHeight && std::abs(x - cx) < halfWidth) != in ? 255 : untouched;
     };
-    return blended(s, s.from, weight, in ? takeDarker : mixThree);
+    return blended(s, s.from, weight, in ? takeDarker : mix<3>);
 }
 
 TEST(RectZoom, FollowsItsRulePixelByPixel) {
     expectRule("TrRectZoomIn", rectZoom<true>);
-    expectRule("TrRectZoomOut", rectZoom<false>, 1, 3);
+    expectRule("TrRectZoomOut", rectZoom<false>, 1, 0, 3);
 }
 
 // What is replaced is neither frame's: byte 3 stays imgFrom's.

@@ -18,7 +18,7 @@ static Bytes zoom(const Scene& s, double position, double duration) {
         const int inside = std::clamp((radius - truncated(std::sqrt(square))) * 255 / 100, 0, 255);
         return in ? inside : 255 - inside;
     };
-    return blended(s, in ? s.from : s.to, weight, in ? mixFourInSingle : mixThree);
+    return blended(s, in ? s.from : s.to, weight, in ? mixFourInSingle : mix<3>);
 }
 
 static Bytes zoomIn2(const Scene& s, double position, double duration) {

@@ -11,10 +11,18 @@ namespace tests {
 
 /// What an ordinary call leaves in the bytes of a row beyond its pixels.
 enum class Padding {
-    from,   ///< those of imgFrom
-    kept,   ///< those that imgOut held
-    shown,  ///< those of the frame that the row shows there
-    opened  ///< opened with the pixels, so that a padded row ends with some pixels still from imgFrom
+    from,      ///< those of imgFrom
+    kept,      ///< those that imgOut held
+    shown,     ///< those of the frame that the row shows there
+    untilEnd,  ///< kept, as byte 3 of a black background is, but imgTo's at the very end
+    opened     ///< opened with the pixels, so that a padded row ends with some pixels still from imgFrom
+};
+
+/// What is drawn at positions outside 0 to the duration.
+enum class Outside {
+    ends,    ///< the nearer end
+    onward,  ///< that only below 0; the formula goes on past the end
+    formula  ///< what the formula gives
 };
 
 /// For an end at which no one frame fills the picture.
@@ -27,7 +35,9 @@ struct Traits {
     const char* first = "f";  ///< what every pixel is at position 0, in the letters of Scene::row
     const char* last = "t";   ///< and at the end
     std::int32_t leastWidth = 1, leastHeight = 1;  ///< the smallest frame of which both are true
-    bool onward = false;                           ///< positions beyond the end are drawn as they are
+    Outside outside = Outside::ends;
+    /// The end is there only where the eased position is exactly 1, as for a duration of 1, but not of 30.
+    bool roundedEnd = false;
 };
 
 inline void PrintTo(const Traits& traits, std::ostream* out) { *out << traits.function; }
@@ -46,16 +56,21 @@ inline constexpr Traits transitionTable[] = {
     {"TrSkewRightSplit", "Skew_left_split", Padding::from, "f", "df"},
     {"TrSkewLeftMerge", "Skew_left_merge", Padding::from, "f", "df"},
     {"TrSkewRightMerge", "Skew_right_merge", Padding::from, "f", "df"},
+    {"TrRollClockwise", "Roll_clockwise", Padding::from, "f", "t", 1, 1, Outside::formula},
+    {"TrRollAntiClockwise", "Roll_anti_clockwise", Padding::from, "f", "tf", 1, 1, Outside::formula, true},
     {"TrVerShutter", "Vertical_shutter", Padding::from, "f", "tf"},
     {"TrHorShutter", "Horizontal_shutter", Padding::from, "f", "tf"},
     {"TrCrossShutter1", "Cross_shutter_1"},
     {"TrCrossShutter2", "Cross_shutter_2"},
     {"TrDepositUp", "Deposit_up", Padding::from, "f", "tf"},
+    {"TrRowCosVantle", "Row_cos_vantle", Padding::from, "f", "tf", 1, 1, Outside::ends, true},
+    {"TrRowCosSlide", "Row_cos_slide", Padding::shown, "f", "t", 1, 1, Outside::ends, true},
     {"TrRowSplit2", "Row_split_2", Padding::kept, "fk", "tk"},
     {"TrColSplit2", "Col_split_2", Padding::shown},
+    {"TrTopple", "Topple", Padding::kept, "f", "t", 1, 1, Outside::ends, true},
     {"TrBlind", "Blind_1", Padding::kept, "f", other, 32, 1},
     {"TrRectZoomIn", "Rect_zoom_in", Padding::from, other, "df"},
-    {"TrRectZoomOut", "Rect_zoom_out", Padding::from, "f", other, 1, 1, true},
+    {"TrRectZoomOut", "Rect_zoom_out", Padding::from, "f", other, 1, 1, Outside::onward},
     {"TrRoundZoomIn", "Round_zoom_out", Padding::from, "f", other},
     {"TrRoundZoomOut", "Round_zoom_in", Padding::shown, other},
     {"TrDiamondZoomIn", "Diamond_zoom_in", Padding::shown},
@@ -66,6 +81,10 @@ inline constexpr Traits transitionTable[] = {
     {"TrSweepAntiClockwise", "sweep_anti_clockwise", Padding::from, "f", "tf"},
     {"TrWind", "Pinwheel"},
     {"TrZoom", "Zoom", Padding::kept, "fk", "tk"},
+    {"TrTwrl", "Twrl", Padding::untilEnd, other},
+    {"TrLinearWipeUpDown", "Linear Wipe Down", Padding::from, "f", other},
+    {"TrLinearWipeLeftRight", "Linear Wipe Right"},
+    {"TrFadeNew", "Dissolve 2"},
     {"TrRoundZoomIn2", "", Padding::kept, "fk", "tk"},
     {"TrCirqueZoomIn", "", Padding::shown, other},
     {"TrCrossSplit2", "", Padding::kept, "fk", "tk"},

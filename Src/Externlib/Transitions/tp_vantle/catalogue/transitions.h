@@ -3,24 +3,18 @@
 
 #include "frame/contract.h"
 
-// strips/vantle.cpp
+// strips/
 TransFunc TrRowVantle, TrColVantle, TrCrossVantle;
-// strips/shutters.cpp
-TransFunc TrVerShutter, TrHorShutter, TrCrossShutter1, TrCrossShutter2;
-// strips/blind.cpp
-TransFunc TrBlind;
-// strips/splits.cpp
+TransFunc TrVerShutter, TrHorShutter, TrCrossShutter1, TrCrossShutter2, TrBlind;
 TransFunc TrRowSplit, TrColSplit, TrRowMerge, TrColMerge, TrCrossSplit, TrCrossMerge;
-// strips/second_splits.cpp
 TransFunc TrRowSplit2, TrColSplit2;
-// strips/skews.cpp
-TransFunc TrSkewLeftSplit, TrSkewRightSplit, TrSkewLeftMerge, TrSkewRightMerge;
-// strips/deposit.cpp
-TransFunc TrDepositUp;
-// shapes/rect_zoom.cpp, diamond_zoom.cpp, grid_zoom.cpp, pinwheel.cpp, zoom.cpp
-TransFunc TrRectZoomIn, TrRectZoomOut, TrDiamondZoomIn, TrDiamondZoomOut, TrGridZoomIn, TrGridZoomOut;
-TransFunc TrWind, TrZoom, TrRoundZoomIn, TrRoundZoomOut;
-TransFunc TrSweepClockwise, TrSweepAntiClockwise;
-// Exported by name, without a record in the catalogue: second_splits.cpp, round_zoom.cpp,
-// cirque_zoom.cpp.
+TransFunc TrSkewLeftSplit, TrSkewRightSplit, TrSkewLeftMerge, TrSkewRightMerge, TrDepositUp;
+// shapes/
+TransFunc TrRectZoomIn, TrRectZoomOut, TrRoundZoomIn, TrRoundZoomOut, TrDiamondZoomIn, TrDiamondZoomOut;
+TransFunc TrGridZoomIn, TrGridZoomOut, TrSweepClockwise, TrSweepAntiClockwise, TrWind, TrZoom;
+// warps/
+TransFunc TrRollClockwise, TrRollAntiClockwise, TrTopple, TrTwrl, TrRowCosVantle, TrRowCosSlide;
+// blends/
+TransFunc TrFadeNew, TrLinearWipeUpDown, TrLinearWipeLeftRight;
+// Exported by name, without a record in the catalogue.
 TransFunc TrCrossSplit2, TrRoundZoomIn2, TrCirqueZoomIn;

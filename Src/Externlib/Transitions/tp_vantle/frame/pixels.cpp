@@ -152,6 +152,53 @@ void lookUp(const Run& run, Source source, const ByteTable& table) {
     }
 }
 
+namespace {
+
+// These take their run by value: what is written might else be the run itself, for all the compiler knows.
+
+template <typename ShareAt>
+VANTLE_INLINE void fadeBytes(Run run, ShareAt shareAt) {
+    for (std::int32_t i = 0; i < 4 * run.count; ++i) {
+        const auto difference = static_cast<float>(run.from[i] - run.to[i]);
+        const float faded = difference * shareAt(i) + static_cast<float>(run.to[i]);
+        run.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(faded));
+    }
+}
+
+VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_t end) {
+    for (std::int32_t i = 0; i < run.count; ++i) {
+        // No branch: the order of the ranks has no pattern to foretell.
+        const std::uint32_t chosen = ranks[i] < end ? 0xFFFFFFFFU : 0U;
+        words(run.out)[i] = (words(run.to)[i] & chosen) | (words(run.from)[i] & ~chosen);
+    }
+}
+
+VANTLE_INLINE void blackenWords(Run run) {
+    for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] &= 0xFF000000U;
+}
+
+}  // namespace
+
+VANTLE_MULTIVERSION void fade(const Run& run, float share) {
+    fadeBytes(run, [=](std::int32_t) { return share; });
+}
+
+VANTLE_MULTIVERSION void fade(const Run& run, const Share* shares) {
+    fadeBytes(run, [bytes = shares->bytes](std::int32_t i) { return bytes[i]; });
+}
+
+VANTLE_MULTIVERSION void blacken(const Run& run) { blackenWords(run); }
+
+VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
+    chooseWords(run, ranks, end);
+}
+
+VANTLE_MULTIVERSION void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
+                              const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i)
+        words(out)[i] = *words(pixels + std::ptrdiff_t{pitch} * rows[i] + std::ptrdiff_t{4} * columns[i]);
+}
+
 VANTLE_MULTIVERSION void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
                                 std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i)

@@ -63,6 +63,29 @@ using ByteTable = std::array<std::uint8_t, 256>;
 /// Bytes 0 to 2 of one frame looked up in a table; byte 3 of the same frame.
 void lookUp(const Run& run, Source source, const ByteTable& table);
 
+/// The share of imgFrom in one pixel, 0 to 1, once for each of its bytes.
+struct Share {
+    Share() = default;
+    explicit Share(float share) : bytes{share, share, share, share} {}
+    float bytes[4];
+};
+
+/// All four bytes (from - to) * share + to in single precision, truncated, with one share for the whole run.
+void fade(const Run& run, float share);
+
+/// The same with a share for each pixel.
+void fade(const Run& run, const Share* shares);
+
+/// Bytes 0 to 2 black; byte 3 is not written.
+void blacken(const Run& run);
+
+/// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
+void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
+
+/// Whole pixels at `pixels` plus 4 bytes for each of `columns` and `pitch` bytes for each of `rows`.
+void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
+          const std::int32_t* rows, std::int32_t pitch, std::int32_t count);
+
 /// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 is not written.
 void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);
 

@@ -13,7 +13,7 @@ Progress::Progress(const TransParam* param, Range range) {
     const double position = param->dPosition;
     if (!(std::isfinite(duration) && duration > 0.0 && std::isfinite(position))) return;
     duration_ = duration;
-    position_ = std::max(position, 0.0);
+    position_ = range == Range::any ? position : std::max(position, 0.0);
     if (range == Range::within) position_ = std::min(position_, duration);
     // The easings take the third power of the duration: outside this range it leaves the doubles.
     if (duration < 1e-100 || duration > 1e100) {
@@ -34,8 +34,14 @@ std::int32_t Progress::easedRemainder(double size) const {
     return rounded((duration_ - easedPosition()) * size / duration_);
 }
 
-std::int32_t Progress::linearSize(double size) const { return rounded(size * position_ / duration_); }
+std::int32_t Progress::linearSize(double size) const { return rounded(linearPart(size)); }
 
 std::int32_t Progress::linearRemainder(double size) const { return rounded(linearLeftOf(size)); }
+
+bool hasEnded(const TransParam* param) {
+    if (param == nullptr) return false;
+    const Progress progress(param);
+    return param->dPosition == param->dDuration || progress.position() == progress.duration();
+}
 
 }  // namespace vantle

@@ -24,14 +24,14 @@ class Progress {
     enum class Range : std::uint8_t {
         within,  ///< 0 to duration
         onward,  ///< 0 and all above
+        any      ///< all
     };
 
     explicit Progress(const TransParam* param, Range range = Range::within);
 
     double duration() const { return duration_; }
 
-    /// True at the very end, and beyond it.
-    bool ended() const { return position_ >= duration_; }
+    double position() const { return position_; }
 
     /// position / duration, 0 to 1.
     double linear() const { return position_ / duration_; }
@@ -60,7 +60,10 @@ class Progress {
     /// `size` times what is left of the eased fraction, rounded: `size` at the start, 0 at the end.
     std::int32_t easedRemainder(double size) const;
 
-    /// `size` times the linear fraction, rounded.
+    /// `size` times the linear fraction: size * position / duration, in this order.
+    double linearPart(double size) const { return size * position_ / duration_; }
+
+    /// The same, rounded.
     std::int32_t linearSize(double size) const;
 
     /// `size` times what is left of the linear fraction, rounded.
@@ -70,5 +73,8 @@ class Progress {
     double duration_ = 1.0;
     double position_ = 0.0;
 };
+
+/// True at the very end and beyond it, and wherever the record holds the same value twice, usable or not.
+bool hasEnded(const TransParam* param);
 
 }  // namespace vantle

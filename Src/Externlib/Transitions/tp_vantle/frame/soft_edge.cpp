@@ -4,14 +4,16 @@
 
 namespace vantle {
 
-VANTLE_MULTIVERSION void estimateShares(double* shares, const Ray& ray, std::int32_t dx, std::int32_t dy,
+VANTLE_MULTIVERSION void estimateShares(double* shares, const Ray& ray, std::int32_t x, std::int32_t y,
                                         std::int32_t count) {
+    const std::int32_t dx = x - ray.column;
+    const std::int32_t dy = y - ray.row;
     const double across = dy * ray.sine;
     const double along = -dy * ray.cosine;
     for (std::int32_t i = 0; i < count; ++i) {
-        const double x = dx + i;
+        const double u = dx + i;
         // The tangent of the angle from the ray, and the arctangent's series: the angle is small.
-        const double tangent = (x * ray.cosine + across) / (x * ray.sine + along);
+        const double tangent = (u * ray.cosine + across) / (u * ray.sine + along);
         const double square = tangent * tangent;
         const double series =
             1.0 - square * (1.0 / 3 - square * (1.0 / 5 - square * (1.0 / 7 - square * (1.0 / 9))));

@@ -1,43 +1,77 @@
-/// Weights in a soft edge that turns about a pivot: a straight edge whose share falls off with the angle to
-/// it.
+/// Soft straight edges that turn about a pivot: the incoming frame's share falls off with the angle to them.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
+#include "frame/crossing.h"
 #include "frame/pixels.h"
+#include "frame/stage.h"
 
 namespace vantle {
 
-/// A ray from a pivot, and how a pixel's share of 255 grows with its angle from it.
+/// A ray from the pixel (column, row), and how a pixel's share of 255 grows with its angle from it.
 struct Ray {
+    std::int32_t column;
+    std::int32_t row;
     double sine;  ///< of its angle, clockwise from the upward vertical
     double cosine;
-    double scale;  ///< share per radian; negative for an edge that lies anticlockwise of the ray
+    double scale;      ///< share per radian; negative for an edge that lies anticlockwise of the ray
+    double tolerance;  ///< how far the effect's own angles may be from the true ones, radians, at least 1e-9
 };
 
-/// Estimates of the shares of pixels (dx + i, dy) from the pivot, x to the right and y downward; good for
-/// angles of up to 0.16 from the ray, to within 2e-10 radians of the true angle. Not a number at the pivot
-/// itself.
-void estimateShares(double* shares, const Ray& ray, std::int32_t dx, std::int32_t dy, std::int32_t count);
+/// What a pixel shows: imgFrom, a mix, or imgTo.
+enum class Zone : std::uint8_t { kept, soft, full };
 
-/// The whole part of each pixel's exact share, as weights. The exact share, `shareAt(i)`, takes an
-/// arctangent: it is asked for only where the estimate, trusted to `tolerance` radians, leaves the whole part
-/// open.
+/// Estimates of the shares of pixels of row `y` from column `x` on; good for angles of up to 0.16 from the
+/// ray, to within 2e-10 radians of the true angle. Not a number at the pivot itself.
+void estimateShares(double* shares, const Ray& ray, std::int32_t x, std::int32_t y, std::int32_t count);
+
+/// The whole part of each pixel's exact share, as weights. The exact share, `shareAt(x)`, takes an
+/// arctangent: it is asked for only where the estimate leaves the whole part open.
 template <typename ShareAt>
-void softEdgeWeights(Weight* weights, const Ray& ray, std::int32_t dx, std::int32_t dy, std::int32_t count,
-                     double tolerance, ShareAt shareAt) {
+void softEdgeWeights(Weight* weights, const Ray& ray, std::int32_t x, std::int32_t y, std::int32_t count,
+                     ShareAt shareAt) {
     constexpr std::int32_t tile = 256;
-    const double open = tolerance * (ray.scale < 0.0 ? -ray.scale : ray.scale);
+    const double open = ray.tolerance * (ray.scale < 0.0 ? -ray.scale : ray.scale);
     for (std::int32_t first = 0; first < count; first += tile) {
-        const std::int32_t pixels = count - first < tile ? count - first : tile;
+        const std::int32_t pixels = std::min(count - first, tile);
         double shares[tile];
-        estimateShares(shares, ray, dx + first, dy, pixels);
+        estimateShares(shares, ray, x + first, y, pixels);
         for (std::int32_t i = 0; i < pixels; ++i) {
             const double share = shares[i];
             auto whole = static_cast<std::int32_t>(share >= 0.0 && share < 256.0 ? share : 0.0);
             const double part = share - whole;
-            if (!(part > open && part < 1.0 - open)) whole = static_cast<std::int32_t>(shareAt(first + i));
+            if (!(part > open && part < 1.0 - open))
+                whole = static_cast<std::int32_t>(shareAt(x + first + i));
             weights[first + i] = Weight(whole);
+        }
+    }
+}
+
+/// Draws the columns of a row up to `end`, over which the angle only rises or only falls, so that each zone,
+/// `zoneAt(x)`, is one run. Byte 3 of what is not kept gets `fourth`: `mixed` or `ofFrom`.
+template <typename ZoneAt, typename ShareAt>
+void drawSoftEdge(Row& row, std::int32_t end, const Ray& ray, Fourth fourth, ZoneAt zoneAt, ShareAt shareAt) {
+    constexpr std::int32_t tile = 512;
+    while (row.x() < end) {
+        const Zone zone = zoneAt(row.x());
+        const std::int32_t outside =
+            zoneAt(end - 1) == zone
+                ? end
+                : crossing(row.x(), end, [&](std::int32_t x) { return zoneAt(x) != zone; });
+        if (zone == Zone::kept)
+            row.from(outside);
+        else if (zone == Zone::full && fourth == Fourth::mixed)
+            row.to(outside);
+        else if (zone == Zone::full)
+            row.toColours(outside);
+        while (row.x() < outside) {
+            const std::int32_t start = row.x();
+            const std::int32_t count = std::min(outside - start, tile);
+            Weight weights[tile];
+            softEdgeWeights(weights, ray, start, row.y(), count, shareAt);
+            row.mix(Divisor::by255, fourth, weights, start, start + count);
         }
     }
 }

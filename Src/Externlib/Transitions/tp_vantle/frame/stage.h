@@ -74,6 +74,49 @@ class Row {
         return *this;
     }
 
+    /// All bytes of both frames, imgFrom with `share` 0 to 1 and imgTo with the rest, in single precision.
+    Row& fade(float share, std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) vantle::fade(run, share);
+        return *this;
+    }
+
+    /// The same with a share for each column; `shares[0]` is that of column `first`.
+    Row& fade(const Share* shares, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
+        if (const Run run = next(end); run.count > 0) vantle::fade(run, shares + skipped);
+        return *this;
+    }
+
+    /// Whole pixels, of imgTo where their rank is below `shown` and of imgFrom; `ranks[0]` is that of the
+    /// row's first pixel.
+    Row& chosen(const std::uint32_t* ranks, std::uint32_t shown, std::int32_t end) {
+        const std::int32_t skipped = x();
+        if (const Run run = next(end); run.count > 0) choose(run, ranks + skipped, shown);
+        return *this;
+    }
+
+    /// Bytes 0 to 2 black, byte 3 as the output held it.
+    Row& black(std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) blacken(run);
+        return *this;
+    }
+
+    /// Whole pixels of an input frame's row `other`, from its column `first` on.
+    Row& moved(const Row& other, Source source, std::int32_t first, std::int32_t end) {
+        const std::uint8_t* const pixels = source == Source::to ? other.to_ : other.from_;
+        if (const Run run = next(end); run.count > 0)
+            std::memcpy(run.out, pixels + std::ptrdiff_t{4} * first, static_cast<std::size_t>(4 * run.count));
+        return *this;
+    }
+
+    /// Whole pixels of an input frame: the next one from picture column `columns[0]` and row `rows[0]`.
+    Row& picked(Source source, const std::int32_t* columns, const std::int32_t* rows, std::int32_t end) {
+        const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // stored bottom-up: row 0 comes last
+        if (const Run run = next(end); run.count > 0)
+            pick(run.out, (source == Source::to ? to_ : from_) + top, columns, rows, -pitch_, run.count);
+        return *this;
+    }
+
     /// Bytes 0 to 2 of sampled pixels.
     Row& sampled(const Samples& samples, std::int32_t end);
 
@@ -159,6 +202,7 @@ class Stage {
 
     std::int32_t width() const { return width_; }    ///< pixels, at least 0
     std::int32_t height() const { return height_; }  ///< rows, at least 0
+    std::int32_t pitch() const { return pitch_; }    ///< bytes from one row to the next
 
     class RowIterator;
     struct Rows;

@@ -28,8 +28,6 @@ double angleOf(double u, double v) {
                     : std::atan(v / (u + neverZero)) + threeQuarters;
 }
 
-enum class Zone { kept, soft, full };
-
 /// Pixels whose angle lies between two limits are soft, in the order in which the hand passes them: `share`
 /// of 255 for the incoming frame is their angle's distance from `origin`.
 struct Clockwise {
@@ -45,7 +43,7 @@ struct Clockwise {
         return origin - angle >= softWidth ? Zone::full : Zone::soft;
     }
     double share(double angle) const { return (origin - angle) * 255.0 / width; }
-    Ray ray() const { return {std::sin(origin), std::cos(origin), -255.0 / width}; }
+    double scale() const { return -255.0 / width; }
 
     bool closing;
     double origin;
@@ -63,55 +61,34 @@ struct AntiClockwise {
         return angle - origin >= softWidth ? Zone::full : Zone::soft;
     }
     double share(double angle) const { return (angle - origin) * 255.0 / width; }
-    Ray ray() const { return {std::sin(origin), std::cos(origin), 255.0 / width}; }
+    double scale() const { return 255.0 / width; }
 
     bool closing;
     double origin;
     double width;
 };
 
-/// Draws the columns up to `end`, over which the angle only rises or only falls, so that each zone is one
-/// run.
-template <typename Hand>
-void drawSector(Row& row, const Hand& hand, const Ray& ray, std::int32_t centreColumn, std::int32_t v,
-                std::int32_t end) {
-    constexpr double tolerance = 3e-7;  // the rule's own divisors are off by 1e-7
-    constexpr std::int32_t tile = 512;
-    const auto angleAt = [=](std::int32_t x) { return angleOf(x - centreColumn, v); };
-    while (row.x() < end) {
-        const Zone zone = hand.zoneOf(angleAt(row.x()));
-        std::int32_t inside = row.x();
-        std::int32_t outside = end;
-        if (hand.zoneOf(angleAt(end - 1)) == zone) inside = end - 1;
-        while (outside - inside > 1) {
-            const std::int32_t middle = inside + (outside - inside) / 2;
-            (hand.zoneOf(angleAt(middle)) == zone ? inside : outside) = middle;
-        }
-        if (zone == Zone::kept) row.from(outside);
-        if (zone == Zone::full) row.toColours(outside);
-        while (row.x() < outside) {
-            const std::int32_t start = row.x();
-            const std::int32_t count = std::min(outside - start, tile);
-            Weight weights[tile];
-            softEdgeWeights(weights, ray, start - centreColumn, v, count, tolerance,
-                            [&](std::int32_t i) { return hand.share(angleAt(start + i)); });
-            row.mix(Divisor::by255, Fourth::ofFrom, weights, start, start + count);
-        }
-    }
-}
-
 template <typename Hand>
 void draw(const Stage& stage, const Hand& hand) {
     const std::int32_t width = stage.width();
-    const std::int32_t centreColumn = width / 2;
-    const std::int32_t centreRow = stage.height() / 2;
-    const Ray ray = hand.ray();
+    const Ray ray{.column = width / 2,
+                  .row = stage.height() / 2,
+                  .sine = std::sin(hand.origin),
+                  .cosine = std::cos(hand.origin),
+                  .scale = hand.scale(),
+                  .tolerance = 3e-7};  // the rule's own divisors are off by 1e-7
     for (Row row : stage.rows()) {
-        const std::int32_t v = row.y() - centreRow;
-        drawSector(row, hand, ray, centreColumn, v, centreColumn);
+        const std::int32_t v = row.y() - ray.row;
+        const auto angleAt = [=](std::int32_t x) { return angleOf(x - ray.column, v); };
+        const auto drawSector = [&](std::int32_t end) {
+            drawSoftEdge(
+                row, end, ray, Fourth::ofFrom, [&](std::int32_t x) { return hand.zoneOf(angleAt(x)); },
+                [&](std::int32_t x) { return hand.share(angleAt(x)); });
+        };
+        drawSector(ray.column);
         // Straight up is where the turn starts and ends: a zone of its own.
-        if (v < 0) drawSector(row, hand, ray, centreColumn, v, std::min(centreColumn + 1, width));
-        drawSector(row, hand, ray, centreColumn, v, width);
+        if (v < 0) drawSector(std::min(ray.column + 1, width));
+        drawSector(width);
         row.fromRest();
     }
 }

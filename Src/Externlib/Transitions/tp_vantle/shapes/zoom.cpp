@@ -28,8 +28,7 @@ VANTLE_API void TrZoom(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tra
     const std::int32_t width = stage.width();
     const std::int32_t height = stage.height();
     const Progress progress(param);
-    const bool atEnd = param != nullptr && param->dPosition == param->dDuration;
-    if (atEnd || progress.ended()) {
+    if (hasEnded(param)) {
         for (Row row : stage.rows()) row.colours(Source::to, Fourth::kept, width);
         return;
     }

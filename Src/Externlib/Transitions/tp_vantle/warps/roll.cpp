@@ -1,0 +1,90 @@
+// Rolls: a straight edge about the bottom left corner turns through a quarter turn and uncovers the incoming
+// frame behind it, softly. When the edge has left the picture, the rest of the softness fades out against
+// the side where it left.
+#include <cmath>
+
+#include "frame/progress.h"
+#include "frame/soft_edge.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+namespace {
+
+// The shortened values are part of the rule.
+constexpr double travel = 1.727875959425;
+constexpr double quarterTurn = 1.57079632675;
+constexpr double softWidth = 0.157079632675;
+
+/// The edge, in angles from the side on which it starts, which pixels are given by their tangents.
+struct Edge {
+    explicit Edge(double turned)
+        : turnedBy(turned),
+          tangent(std::tan(turned)),
+          angle(std::atan(tangent)),
+          leaving(turned > quarterTurn),
+          origin(leaving ? quarterTurn : angle),
+          width(leaving ? travel - turned : softWidth) {}
+
+    Zone zoneOf(double ratio) const {
+        if (leaving)
+            return turnedBy >= travel || std::atan(ratio) <= turnedBy - softWidth ? Zone::full : Zone::soft;
+        if (!(tangent > ratio)) return Zone::kept;
+        return angle - std::atan(ratio) <= softWidth ? Zone::soft : Zone::full;
+    }
+    double share(double ratio) const { return std::max((origin - std::atan(ratio)) * 255.0 / width, 0.0); }
+
+    double turnedBy;
+    double tangent;
+    double angle;
+    bool leaving;
+    double origin;
+    double width;
+};
+
+/// Angles are measured from `startSide` for their sines; `tangentOf(x, up)` is a pixel's tangent, `up` rows
+/// above the line below the picture.
+template <typename TangentOf>
+void draw(const Stage& stage, const Edge& edge, const Ray& ray, Fourth fourth, TangentOf tangentOf) {
+    for (Row row : stage.rows()) {
+        const auto tangentAt = [&](std::int32_t x) {
+            return tangentOf(static_cast<double>(x), static_cast<double>(stage.height() - row.y()));
+        };
+        drawSoftEdge(
+            row, stage.width(), ray, fourth, [&](std::int32_t x) { return edge.zoneOf(tangentAt(x)); },
+            [&](std::int32_t x) { return edge.share(tangentAt(x)); });
+        row.fromRest();
+    }
+}
+
+constexpr double tolerance = 1e-9;
+
+}  // namespace
+
+/// From the left side to the bottom, all bytes.
+VANTLE_API void TrRollClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const Edge edge(travel * Progress(param, Progress::Range::any).eased());
+    const Ray ray{.column = 0,
+                  .row = stage.height(),
+                  .sine = std::sin(edge.origin),
+                  .cosine = std::cos(edge.origin),
+                  .scale = -255.0 / edge.width,
+                  .tolerance = tolerance};
+    draw(stage, edge, ray, Fourth::mixed, [](double x, double up) { return x / up; });
+}
+
+/// From the bottom to the left side; byte 3 stays. The left column is beyond that side and comes last.
+VANTLE_API void TrRollAntiClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const Edge edge(travel * Progress(param, Progress::Range::any).eased());
+    const Ray ray{.column = 0,
+                  .row = stage.height(),
+                  .sine = std::cos(edge.origin),
+                  .cosine = std::sin(edge.origin),
+                  .scale = 255.0 / edge.width,
+                  .tolerance = tolerance};
+    draw(stage, edge, ray, Fourth::ofFrom, [](double x, double up) { return up / x; });
+}

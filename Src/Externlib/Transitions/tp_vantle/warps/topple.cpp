@@ -1,0 +1,26 @@
+// Topple: the incoming frame slides down into the picture, unscaled, and squashes the outgoing one into the
+// strip below it.
+#include "frame/progress.h"
+#include "frame/rounding.h"
+#include "frame/stage.h"
+
+using namespace vantle;
+
+/// Whole pixels; the padding is not written.
+VANTLE_API void TrTopple(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+    const Stage stage(imgOut, imgFrom, imgTo);
+    if (!stage.drawable()) return;
+    const std::int32_t height = stage.height();
+    const std::int32_t slid = std::min(truncated(height * Progress(param).eased()), height);
+    const std::int32_t strip = height - slid;
+    for (Row row : stage.rows()) {
+        if (row.y() < slid) {
+            row.moved(stage.row(strip + row.y()), Source::to, 0, stage.width());
+            continue;
+        }
+        // Counted from the bottom, where both frames have their first row.
+        const std::int32_t up = height - 1 - row.y();
+        const auto squashed = static_cast<std::int32_t>(std::int64_t{height} * up / strip);
+        row.moved(stage.row(height - 1 - squashed), Source::from, 0, stage.width());
+    }
+}

@@ -1,0 +1,79 @@
+#include <cstdlib>
+#include <ctime>
+#include <new>
+#include <numeric>
+
+#include "frames.h"
+
+using namespace tests;
+
+static bool memoryIsShort = false;
+
+// The library's arrays come from here.
+VANTLE_API void* operator new[](std::size_t size) {
+    if (memoryIsShort) throw std::bad_alloc();
+    return ::operator new(size);
+}
+VANTLE_API void operator delete[](void* array) noexcept { ::operator delete(array); }
+VANTLE_API void operator delete[](void* array, std::size_t) noexcept { ::operator delete(array); }
+
+static Scene& dissolved(Scene& scene, double t, double duration = 1) {
+    return scene.draw(transition("TrFadeNew"), t * duration, duration);
+}
+
+/// The memory places of the pixels that are imgTo's. All others must be imgFrom's.
+static std::vector<std::size_t> shown(const Scene& scene) {
+    std::vector<std::size_t> places;
+    const auto& [width, height, pitch] = scene.geometry;
+    for (std::int32_t i = 0; i < width * height; ++i) {
+        const std::string source = scene.sourceOf(i / width * pitch + i % width * 4, 4);
+        EXPECT_TRUE(source == "t" || source == "f") << i << " is " << source;
+        if (source == "t") places.push_back(static_cast<std::size_t>(i));
+    }
+    return places;
+}
+
+// The first N of the pixels shuffled from the end with the remainders of rand(), seeded by the second.
+TEST(Dissolve, ShowsTheFirstPixelsOfOneOrderWhateverWasShownBefore) {
+    constexpr Geometry g{40, 25, 170};
+    std::vector<std::size_t> order(1000);
+    Scene scene(g);
+    for (std::time_t second = 0; second != std::time(nullptr);) {
+        second = std::time(nullptr);
+        Scene another({1, 1, 4});
+        dissolved(another, 0.5);  // the order of another geometry: this one is drawn anew
+        dissolved(scene, 0);
+        std::iota(order.begin(), order.end(), 0);
+        std::srand(static_cast<unsigned>(second));
+        for (int m = 1000; m >= 1; --m)
+            std::swap(order[static_cast<std::size_t>(std::rand() % m)],
+                      order[static_cast<std::size_t>(m - 1)]);
+    }
+    for (const double t : {0.0009, 0.0019, 0.1, 0.9, 0.3, 0.0, 0.5, 0.9999, 1.0}) {
+        std::vector<std::size_t> expected(order.begin(), order.begin() + static_cast<int>(1000 * t));
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(shown(dissolved(scene, t, 30)), expected) << t;
+    }
+}
+
+TEST(Dissolve, DrawsANewOrderForAnyOtherGeometry) {
+    Scene scene({20, 10, 80});
+    dissolved(scene, 0.5);
+    for (const Geometry& g :
+         {Geometry{20, 10, 100}, {25, 10, 100}, {25, 12, 100}, {0, 12, 100}, {20, 10, 80}}) {
+        Scene another(g);
+        const auto count = static_cast<std::size_t>(g.width * g.height);
+        EXPECT_EQ(shown(dissolved(another, 0.5)).size(), count / 2);
+        EXPECT_EQ(shown(dissolved(another, 1)).size(), count);
+    }
+}
+
+TEST(Dissolve, TriesAgainWhenItFoundNoMemory) {
+    Scene first({20, 10, 80}), second({20, 11, 80});
+    dissolved(first, 0.5);
+    memoryIsShort = true;
+    for (int i = 0; i < 2; ++i) EXPECT_THROW(dissolved(second, 0.5), std::bad_alloc);
+    memoryIsShort = false;
+    EXPECT_EQ(shown(dissolved(second, 0.5)).size(), 110U);
+    EXPECT_EQ(shown(dissolved(first, 0.5)).size(), 100U);
+}
