@@ -41,12 +41,11 @@ VANTLE_INLINE void mergeFourth(std::uint8_t* out, const void* colours, const std
         words(out)[i] = (words(colours)[i] & 0x00FFFFFFU) | (words(fourth)[i] & 0xFF000000U);
 }
 
-/// `byte` times `weight`, both up to 255, divided: x / 255 = (x + 1 + x / 256) / 256 for x <= 65025.
+/// `byte` times `weight`, both up to 255, divided.
 template <Divisor divisor>
 constexpr std::uint16_t share(std::uint16_t byte, std::uint16_t weight) {
     const auto product = static_cast<std::uint16_t>(byte * weight);
-    if constexpr (divisor == Divisor::by256) return product >> 8;
-    return static_cast<std::uint16_t>(product + 1 + (product >> 8)) >> 8;
+    return divisor == Divisor::by256 ? product >> 8 : product / 255;
 }
 
 template <Divisor divisor, typename Weights>
