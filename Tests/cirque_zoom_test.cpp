@@ -1,25 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-static Bytes cirqueZoom(const Scene& s, double position, double duration) {
-    const double t = position / duration, most = diagonal(s.geometry) * 0.5 + 0.5;
-    if (t > 0.999) return s.to;
-    const double unit = truncated(most) / 120.0, odd = (duration - position) * 255.0 / duration;
-    return blended(s, s.from, [&, radius = truncated(most * t)](int x, int y) {
-        const int square = distanceSquared(s.geometry, x, y);
-        if (square > radius * radius) return untouched;
-        const int depth = radius - rounded(std::sqrt(square));
-        for (int ring = 0, bound = 15; ring < 15; bound += 14 - ring++)
-            if (const int end = rounded(bound * unit * t); depth < end) {
-                const auto relative = static_cast<float>(static_cast<double>(depth) / end);
-                return ring % 2 == 0 ? truncated(relative * 255.0F) : 255 - truncated(relative * odd);
-            }
-        return 255 - truncated(std::nextafter(1.0F, 0.0F) * odd);
-    });
-}
-
-TEST(CirqueZoom, FollowsItsRulePixelByPixel) { expectRule("TrCirqueZoomIn", cirqueZoom, 0.999); }
 
 // The radius is 200, rings end at the depths 25, 48, 70 ... 198 and 200; the odd ones weigh imgFrom by half.
 TEST(CirqueZoom, WeighsTheRingsInTurn) {

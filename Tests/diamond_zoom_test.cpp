@@ -1,25 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-// The diamond is of imgFrom in the one, of imgTo in the other.
-template <bool in>
-static Bytes diamondZoom(const Scene& s, double position, double duration) {
-    const double e = eased(position, duration);
-    const int w = s.geometry.width, middle = s.geometry.height / 2, cx = (w + 1) / 2;
-    const double aspect = static_cast<double>(s.geometry.height - middle) / cx;
-    const int reach = rounded(w * (in ? (duration - e) / duration : e / duration));
-    const auto weight = [=](int x, int y) {
-        const int half = rounded((reach - std::abs(x - cx)) * aspect);
-        return (reach >= w || (y >= middle - half && y < middle + half)) != in ? 255 : 0;
-    };
-    return blended(s, (reach >= w) == in ? s.from : s.to, weight, mix<4>);
-}
-
-TEST(DiamondZoom, FollowsItsRulePixelByPixel) {
-    expectRule("TrDiamondZoomIn", diamondZoom<true>);
-    expectRule("TrDiamondZoomOut", diamondZoom<false>);
-}
 
 // Eased to 0.0597, 0.2242 and 0.3530 at 0.3, 0.4 and 0.45.
 TEST(DiamondZoom, PeaksRightOfTheMiddleAndCoversTheFrameOnceItReachesItsWidth) {

@@ -145,8 +145,13 @@ struct Scene {
         return runsOf(count, [&](std::int32_t i) { return sourceOf(at + i * step, size); });
     }
 
+    /// The offset of the pixel in picture column `x` and picture row `y`.
+    std::size_t offsetOf(std::int32_t x, std::int32_t y) const {
+        return static_cast<std::size_t>((geometry.height - 1 - y) * geometry.pitch + 4 * x);
+    }
+
     std::int32_t value(std::int32_t x, std::int32_t y, std::int32_t byte) const {
-        return out[static_cast<std::size_t>((geometry.height - 1 - y) * geometry.pitch + 4 * x + byte)];
+        return out[offsetOf(x, y) + static_cast<std::size_t>(byte)];
     }
 
     /// The values that one byte of the pixels has in a row, as runs: "2x255 1x0"; and in a column.
@@ -191,6 +196,18 @@ inline void expectColumns(const char* function, const Geometry& g, double positi
     scene.draw(transition(function), position);
     for (const auto& [x, runs] : lines)
         EXPECT_EQ(scene.column(x), runs) << g.width << "x" << g.height << " column " << x;
+}
+
+/// One byte of some pixels of row `y`, drawn over 77s from an imgFrom of 0 only and an imgTo of 255 only: of
+/// a blended pixel, the weight of imgTo.
+inline std::string weights(const char* function, int w, int h, double position, int y,
+                           std::initializer_list<int> columns, int byte = 0, double duration = 1) {
+    Scene scene({w, h, 4 * w}, Pixel{0, 0, 0, 0}, Pixel{255, 255, 255, 255});
+    scene.before.assign(scene.before.size(), 77);
+    scene.draw(transition(function), position, duration);
+    std::string text;
+    for (const int x : columns) (text += ' ') += std::to_string(scene.value(x, y, byte));
+    return text;
 }
 
 }  // namespace tests

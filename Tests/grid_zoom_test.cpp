@@ -1,25 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-// The squares are of imgTo in the one, of imgFrom in the other. Frames below ten rows have cells of two.
-template <bool in>
-static Bytes gridZoom(const Scene& s, double position, double duration) {
-    const double t = position / duration;
-    if (in ? t < 0.001 : t > 0.999) return in ? s.from : s.to;
-    const int h = s.geometry.height, tenth = static_cast<int>(h * 0.1), cell = std::max(tenth + tenth % 2, 2);
-    const int side = static_cast<int>(in ? t * cell : cell * ((duration - position) / duration));
-    const int low = (cell - (in ? side + side % 2 : side - side % 2)) / 2;
-    const auto within = [=](int phase) { return phase >= low && phase <= cell - low; };
-    return blended(s, s.from, [=](int x, int y) {
-        return (within(x % cell) && within((h - 1 - y) % cell)) == in ? 255 : untouched;
-    });
-}
-
-TEST(GridZoom, FollowsItsRulePixelByPixel) {
-    expectRule("TrGridZoomIn", gridZoom<true>);
-    expectRule("TrGridZoomOut", gridZoom<false>);
-}
 
 // What is replaced is neither frame's: byte 3 stays imgFrom's.
 TEST(GridZoom, CountsItsCellsFromTheBottomLeft) {

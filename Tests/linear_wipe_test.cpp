@@ -1,4 +1,4 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
 

@@ -1,19 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-static Bytes pinwheel(const Scene& s, double position, double duration) {
-    const double opened = eased(position, duration) * 3.141592653589793 / (duration + duration);
-    const auto weight = [&s, opened](int x, int y) {
-        const double u = x - s.geometry.width / 2, v = y - s.geometry.height / 2;
-        const bool fromVertical = (v < 0 && u <= 0) || (v > 0 && u >= 0);
-        const double ratio = fromVertical ? std::abs(u) / std::abs(v) : std::abs(v) / std::abs(u);
-        return opened >= 0.01 && opened > (u == 0 && v == 0 ? 0 : std::atan(ratio)) ? 255 : 0;
-    };
-    return blended(s, s.from, weight, mix<4>);
-}
-
-TEST(Pinwheel, FollowsItsRulePixelByPixel) { expectRule("TrWind", pinwheel, 0.1973166); }
 
 // The blades have opened by 0.01 at 0.1973165, one row off the centre that is 100 columns; by 0.555, a slope
 // of 0.62, at 0.45.

@@ -1,28 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-static void takeDarker(const std::uint8_t*, const std::uint8_t* to, std::uint8_t* out, int) {
-    for (int i = 0; i < 3; ++i) out[i] = static_cast<std::uint8_t>(to[i] - (to[i] > 0));
-}
-
-// The one keeps imgFrom in a rectangle and shows imgTo darkened around it, the other shows imgTo in one.
-template <bool in>
-static Bytes rectZoom(const Scene& s, double position, double duration) {
-    const auto [w, h, pitch] = s.geometry;
-    const double size = in ? duration - position : position;
-    const int halfWidth = rounded(size * w / duration) / 2, halfHeight = rounded(size * h / duration) / 2;
-    const int cx = (in ? w + 1 : w) / 2, cy = (in ? h + 1 : h) / 2;
-    const auto weight = [=](int x, int y) {
-        return (std::abs(y - cy) < halfHeight && std::abs(x - cx) < halfWidth) != in ? 255 : untouched;
-    };
-    return blended(s, s.from, weight, in ? takeDarker : mix<3>);
-}
-
-TEST(RectZoom, FollowsItsRulePixelByPixel) {
-    expectRule("TrRectZoomIn", rectZoom<true>);
-    expectRule("TrRectZoomOut", rectZoom<false>, 1, 0, 3);
-}
 
 // What is replaced is neither frame's: byte 3 stays imgFrom's.
 TEST(RectZoom, ShrinksToARoundedUpCentreAndGrowsFromTheMiddlePastTheEdges) {

@@ -1,40 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-static void mixFourInSingle(const std::uint8_t* from, const std::uint8_t* to, std::uint8_t* out, int weight) {
-    const auto toward = static_cast<float>(weight), away = 255 - toward;
-    for (int i = 0; i < 4; ++i)
-        out[i] = static_cast<std::uint8_t>(to[i] * toward / 255 + from[i] * away / 255);
-}
-
-template <bool in>
-static Bytes zoom(const Scene& s, double position, double duration) {
-    const double share = in ? position / duration : (duration - position) / duration;
-    const int radius = truncated((diagonal(s.geometry) * 0.5 + 0.5 + 100.0) * share);
-    const auto weight = [&s, radius](int x, int y) {
-        const int square = distanceSquared(s.geometry, x, y);
-        if (square > radius * radius) return untouched;
-        const int inside = std::clamp((radius - truncated(std::sqrt(square))) * 255 / 100, 0, 255);
-        return in ? inside : 255 - inside;
-    };
-    return blended(s, in ? s.from : s.to, weight, in ? mixFourInSingle : mix<3>);
-}
-
-static Bytes zoomIn2(const Scene& s, double position, double duration) {
-    const double t = position / duration, scale = rounded(diagonal(s.geometry) * 0.5);
-    const int limit = truncated((diagonal(s.geometry) + 0.5) * (t < 0.5 ? t : 1 - t));
-    return blended(s, s.before, [&](int x, int y) {
-        const int distance = rounded(std::sqrt(distanceSquared(s.geometry, x, y)));
-        return distance < limit ? truncated(distance / scale * 255.0) : t < 0.5 ? 0 : 255;
-    });
-}
-
-TEST(RoundZoom, FollowsItsRulePixelByPixel) {
-    expectRule("TrRoundZoomIn", zoom<true>, 0.9);
-    expectRule("TrRoundZoomOut", zoom<false>, 0.1);
-    expectRule("TrRoundZoomIn2", zoomIn2);
-}
 
 // Half of 800 and 100.5 more is 500.5: at one half the radius is 250. imgTo gains 2.55 a pixel inward.
 TEST(RoundZoom, SoftensAHundredPixelsInsideTheDisc) {

@@ -1,37 +1,8 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
 
-/// The angle of a pixel, clockwise from straight up.
-static double angle(double u, double v) {
-    constexpr double tiny = 1e-07;
-    if (u >= 0) return v >= 0 ? std::atan(v / (u + tiny)) + 1.57079632675 : std::atan(-u / (v + tiny));
-    return v >= 0 ? 3.1415926535 - std::atan(u / (v + tiny)) : std::atan(v / (u + tiny)) + 4.71238898025;
-}
-
-template <bool clockwise>
-static Bytes sweep(const Scene& s, double position, double duration) {
-    constexpr double soft = 0.157079632675, turn = 6.283185307, travel = turn + soft;
-    const double passed = eased(position, duration) / duration * travel;
-    const double hand = clockwise ? passed : turn - passed;
-    return blended(s, s.from, [&](int x, int y) {
-        const double at = angle(x - s.geometry.width / 2, y - s.geometry.height / 2);
-        const double behind = clockwise ? hand - at : at - hand;
-        if (clockwise && hand > turn)
-            return at > hand - soft && at < turn ? truncated((turn - at) * 255.0 / (travel - hand)) : 255;
-        if (!clockwise && hand <= 0)
-            return at > 0 && at < hand + soft ? truncated(at * 255.0 / (hand + soft)) : 255;
-        if (clockwise ? at >= hand : at < hand) return untouched;
-        return behind >= soft ? 255 : truncated(behind * 255.0 / soft);
-    });
-}
-
 constexpr double handIsRound = 0.7477582334787556;  // the soft edge begins to be squeezed
-
-TEST(Sweep, FollowsItsRulePixelByPixel) {
-    expectRule("TrSweepClockwise", sweep<true>, handIsRound);
-    expectRule("TrSweepAntiClockwise", sweep<false>, handIsRound);
-}
 
 // At one half the middle of the soft edge points straight down; the centre is (4, 4) of 8 x 8 and of 9 x 9.
 TEST(Sweep, TurnsFromStraightUp) {

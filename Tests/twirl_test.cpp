@@ -1,41 +1,6 @@
-#include "plain_rule.h"
+#include "frames.h"
 
 using namespace tests;
-
-static Bytes twirl(const Scene& s, double position, double duration) {
-    const auto [w, h, pitch] = s.geometry;
-    const double half = duration * 0.5;
-    if (position == duration) return s.to;
-    const bool first = duration > position + position, middle = duration == position + position;
-    const double passed = first ? position : position - half, grown = first ? half - position : passed;
-    const double angle = (passed / half + passed / half) * 3.141592653589793;
-    const auto k = static_cast<float>(grown * 0.949999988079071 / half + 0.05000000074505806);
-    const int shownWidth = static_cast<int>(static_cast<float>(w) * k), left = (w - shownWidth) >> 1;
-    const int shownHeight = static_cast<int>(static_cast<float>(h) * k), top = (h - shownHeight) >> 1;
-    const double c = std::cos(angle), sine = std::sin(angle);
-    Bytes out = s.before;
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const double dx = x - (w >> 1), dy = y - (h >> 1);
-            const int a = truncated(c * dy), b = truncated(sine * dy + (w >> 1));
-            const int sx = std::clamp(truncated(c * dx + b), 0, w - 1);
-            const int sy = std::clamp(truncated(a - sine * dx + (h >> 1)), 0, h - 1);
-            std::uint8_t* const pixel = &out[offsetOf(s.geometry, x, y)];
-            if (!middle && sx > left && sx < left + shownWidth && sy > top && sy < top + shownHeight) {
-                const int u = static_cast<int>(static_cast<float>(sx - left) / k);
-                const int v = static_cast<int>(static_cast<float>(sy - top) / k);
-                std::memcpy(pixel, &(first ? s.from : s.to)[offsetOf(s.geometry, u, v)], 4);
-            } else {
-                std::memset(pixel, 0, 3);
-            }
-        }
-    return out;
-}
-
-TEST(Twirl, FollowsItsRulePixelByPixel) {
-    expectRule("TrTwrl", twirl);
-    expectRule("TrTwrl", twirl, 0.01);
-}
 
 TEST(Twirl, IsBlackAtTheMiddleAndWithoutTheFirstRowAndColumnAtTheStart) {
     Scene scene({4, 3, 18}, Pixel{1, 2, 3, 4}, Pixel{5, 6, 7, 8});
