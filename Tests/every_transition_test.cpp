@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <latch>
+#include <limits>
 #include <thread>
 
 #include "frames.h"
@@ -113,6 +114,21 @@ TEST_P(EveryTransition, DrawsTheSameInAnyUnitOfTime) {
     for (const int exponent : {-900, -40, -3, 5, 60, 900})
         EXPECT_EQ(scene.draw(draw, std::ldexp(0.3125, exponent), std::ldexp(1, exponent)).out, expected)
             << exponent;
+}
+
+TEST_P(EveryTransition, StaysWithinItsFramesAtAnyPosition) {
+    constexpr double least = std::numeric_limits<double>::denorm_min();
+    for (const Geometry& g : {Geometry{0, 3, 5}, {4, 0, 16}, {0, 0, 0}, {1, 1, 4}, {2, 7, 9}, {33, 11, 132}})
+        for (const Guard guard : {Guard::before, Guard::after}) {
+            Scene scene(g, guard);
+            for (const double duration :
+                 {1.0, 0.0, -1.0, least, 1e-300, 1e300, double{INFINITY}, double{NAN}})
+                for (const double share :
+                     {0.0, -least, -1e-17, 1 + 1e-15, -1.0, 1e300, -1e300, double{NAN}}) {
+                    const Bytes drawn = scene.draw(draw, share * duration, duration).out;
+                    ASSERT_EQ(scene.draw(draw, share * duration, duration).out, drawn);
+                }
+        }
 }
 
 TEST_P(EveryTransition, LeavesTheOutputAloneWhenAFrameIsBad) {

@@ -33,7 +33,7 @@ inline std::shared_ptr<std::uint8_t> guarded(const Bytes& content, Guard guard, 
     if (whole == MAP_FAILED) throw std::bad_alloc();
     auto* const first = static_cast<std::uint8_t*>(whole) + page;
     auto* const data = first + (guard == Guard::after ? size - content.size() : 0);
-    std::memcpy(data, content.data(), content.size());
+    std::copy(content.begin(), content.end(), data);
     mprotect(whole, size + 2 * page, PROT_NONE);
     mprotect(first, size, protection);
     return {data, [=](std::uint8_t*) { munmap(whole, size + 2 * page); }};
@@ -97,7 +97,7 @@ struct Scene {
 
     /// Draws over an output that holds the bytes `before`.
     Scene& draw(const std::function<TransFunc>& transition, const TransParam* at) {
-        std::memcpy(buffers[0].get(), before.data(), before.size());
+        std::copy(before.begin(), before.end(), buffers[0].get());
         transition(images[0].get(), images[1].get(), images[2].get(), at);
         out.assign(buffers[0].get(), buffers[0].get() + before.size());
         return *this;
@@ -106,14 +106,15 @@ struct Scene {
         return draw(transition, param(position, duration).get());
     }
 
-    /// Draws at one half, under such claims of imgOut, imgFrom and imgTo.
-    Scene& drawUnder(const Claim (&claims)[3], const std::function<TransFunc>& transition) {
+    /// Draws under such claims of imgOut, imgFrom and imgTo, at one half unless said otherwise.
+    Scene& drawUnder(const Claim (&claims)[3], const std::function<TransFunc>& transition,
+                     const TransParam* at = param(0.5, 1).get()) {
         for (std::size_t i = 0; i < 3; ++i) {
             const auto& [width, height, pitch, bitCount, handle, bits] = claims[i];
             std::uint8_t* const pixels = bits ? buffers[i].get() : nullptr;
             images[i].reset(handle ? DIWrap(pixels, width, height, pitch, bitCount) : nullptr);
         }
-        return draw(transition, 0.5);
+        return draw(transition, at);
     }
 
     /// Where the pixels of picture row `y` came from, as runs: "960t 960f" for 960 of imgTo, then 960 of

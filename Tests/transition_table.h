@@ -90,10 +90,10 @@ inline constexpr Traits transitionTable[] = {
     {"TrCrossSplit2", "", Padding::kept, "fk", "tk"},
 };
 
-/// The built plug-in, loaded once.
+/// The built plug-in, loaded once and never unloaded: so long it keeps the order of its dissolve.
 inline const vantle::Plugin& plugin() {
-    static const vantle::Plugin loaded(PLUGIN_PATH);
-    return loaded;
+    static const auto* const loaded = new vantle::Plugin(PLUGIN_PATH);
+    return *loaded;
 }
 
 template <typename Function>

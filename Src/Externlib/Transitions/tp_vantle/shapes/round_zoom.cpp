@@ -20,7 +20,7 @@ double diagonal(const Stage& stage) {
 }
 
 /// The share of 255 that the disc's frame has at the end of each pixel of the rim, from the circle inward.
-constexpr std::int32_t rimWeight(std::int32_t depth) { return std::clamp(depth * 255 / rim, 0, 255); }
+constexpr std::int32_t rimWeight(std::int32_t depth) { return std::clamp(depth, 0, rim) * 255 / rim; }
 
 /// One row of the disc: columns of the solid part and of the whole disc about the centre column; empty when
 /// the last is before the first.

@@ -1,0 +1,78 @@
+// Draws what the input says: any transition, geometry, claims and position. Sanitizers and inaccessible pages
+// watch it; where there is a plain rule the output must be as it has it, to the byte.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <bit>
+#include <cmath>
+
+#include "plain_rules.h"
+
+using namespace tests;
+
+static double anyDouble(FuzzedDataProvider& input) {
+    return std::bit_cast<double>(input.ConsumeIntegral<std::uint64_t>());
+}
+
+/// What a host may say of a frame: at most what is there, or what no library may believe.
+static Claim anyClaim(FuzzedDataProvider& input, const Geometry& g) {
+    Claim claim{.width = g.width, .height = g.height, .pitch = g.pitch};
+    switch (input.ConsumeIntegralInRange(0, 40)) {
+        case 0:
+            claim.height = input.ConsumeIntegralInRange(INT32_MIN, g.height);
+            break;
+        case 1:
+            claim.pitch = input.ConsumeIntegralInRange(INT32_MIN, g.pitch);
+            break;
+        case 2:
+            claim.width = input.ConsumeIntegralInRange(INT32_MIN, g.width);
+            break;
+        case 3:
+            claim.bitCount = input.ConsumeIntegral<std::int32_t>();
+            break;
+        case 4:
+            claim.handle = false;
+            break;
+        case 5:
+            claim.bits = false;
+            break;
+        case 6:
+            claim.pitch = 1 << 30, claim.height = std::max(2, g.height);
+            break;
+        default:
+            break;
+    }
+    return claim;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    FuzzedDataProvider input(data, size);
+    const Traits& traits = input.PickValueInArray(transitionTable);
+    Geometry g{input.ConsumeIntegralInRange(0, 150), input.ConsumeIntegralInRange(0, 90), 0};
+    g.pitch = 4 * g.width + input.ConsumeIntegralInRange(0, 9);
+    const bool whole = input.ConsumeBool();
+    const double duration = whole ? input.ConsumeIntegralInRange(1, 1000) : anyDouble(input);
+    const double position =
+        input.ConsumeBool() ? input.ConsumeProbability<double>() * duration : anyDouble(input);
+    const auto out = anyClaim(input, g), from = anyClaim(input, g), to = anyClaim(input, g);
+
+    Scene scene(g, input.ConsumeBool() ? Guard::before : Guard::after);
+    const auto at = param(position, duration);
+    scene.drawUnder({out, from, to}, transition(traits.function), at.get());
+    const Bytes drawn = scene.out;
+    if (scene.drawUnder({out, from, to}, transition(traits.function), at.get()).out != drawn) std::abort();
+
+    const auto isWhole = [&g](const Claim& claim) {
+        return claim.handle && claim.bits && claim.width == g.width && claim.height == g.height &&
+               claim.pitch == g.pitch && claim.bitCount == 32;
+    };
+    // The rules are for what a host sends.
+    const double t = position / duration;
+    if (!isWhole(out) || !isWhole(from) || !isWhole(to) || !(duration >= 1e-9 && duration <= 1e9) ||
+        g.width == 0)
+        return 0;
+    for (const PlainRule& rule : plainRules())
+        if (rule.function == std::string_view(traits.function) && t >= rule.lowest && t <= rule.highest &&
+            rule.draw(scene, position, duration) != drawn)
+            std::abort();
+    return 0;
+}
