@@ -85,8 +85,12 @@ struct Scene {
         : Scene(g, contentOf(g, 0), contentOf(g, 1), guard) {}
     Scene(const Geometry& g, const Pixel& fromPixel, const Pixel& toPixel)
         : Scene(g, filledWith(fromPixel, g), filledWith(toPixel, g), Guard::after) {}
-    Scene(const Geometry& g, const Bytes& fromBytes, const Bytes& toBytes, Guard guard)
-        : geometry(g), from(fromBytes), to(toBytes), dimmed(toBytes), before(contentOf(g, 2)) {
+    Scene(const Geometry& g, Bytes fromBytes, Bytes toBytes, Guard guard)
+        : geometry(g),
+          from(std::move(fromBytes)),
+          to(std::move(toBytes)),
+          dimmed(to),
+          before(contentOf(g, 2)) {
         for (std::uint8_t& byte : dimmed) byte = static_cast<std::uint8_t>(byte * 255 / 256);
         for (const auto& [bytes, protection] :
              {std::pair{before, PROT_READ | PROT_WRITE}, {from, PROT_READ}, {to, PROT_READ}}) {
@@ -138,7 +142,7 @@ struct Scene {
         const Bytes* const sources[] = {&from, &to, &before, &dimmed};
         for (std::size_t i = 0; i < 4; ++i)
             if (std::equal(out.begin() + at, out.begin() + at + size, sources[i]->begin() + at))
-                return std::string(1, "ftkd"[i]);
+                return {"ftkd"[i]};
         return size == 4 ? sourceOf(at, 3) + sourceOf(at + 3, 1) : "?";
     }
 

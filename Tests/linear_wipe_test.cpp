@@ -14,7 +14,7 @@ static std::string ramp(const char* function, int size, double t, const Pixel& f
 TEST(LinearWipe, RampsOverHalfTheWidthWhateverTheHeight) {
     constexpr Pixel from{200, 101, 0, 255}, to{100, 100, 255, 0};
     const auto both = [&](double t, int byte) {
-        const std::string down = ramp("TrLinearWipeUpDown", 8, t, from, to, byte);
+        std::string down = ramp("TrLinearWipeUpDown", 8, t, from, to, byte);
         EXPECT_EQ(ramp("TrLinearWipeLeftRight", 8, t, from, to, byte), down) << t;
         return down;
     };

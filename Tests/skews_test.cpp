@@ -14,7 +14,7 @@ static Scene drawn(const char* function, const Geometry& g, double position) {
 
 /// Expects values of byte 0 in a row of one, by distance from the diagonal at one end of it.
 static void expect(const char* function, std::int32_t width, double position,
-                   std::map<std::int32_t, std::int32_t> values) {
+                   const std::map<std::int32_t, std::int32_t>& values) {
     const Scene scene = drawn(function, {width, 1, 4 * width}, position);
     const bool rising = std::set<std::string>{"TrSkewLeftSplit", "TrSkewRightMerge"}.contains(function);
     for (const auto& [distance, value] : values)

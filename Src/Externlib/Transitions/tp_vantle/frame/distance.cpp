@@ -10,6 +10,7 @@ namespace vantle {
 namespace {
 
 constexpr std::int32_t tile = 256;
+constexpr std::uint32_t beyond = 1U << 30;  // the square of a distance past any table
 
 /// A single-precision root is off by less than one: settled with the squares themselves.
 template <DistanceRounding rounding>
@@ -23,7 +24,7 @@ VANTLE_INLINE void look(Weight* weights, std::int32_t dx, std::int32_t dy, std::
         std::int32_t distances[tile];
         for (std::int32_t i = 0; i < pixels; ++i) {
             const auto across = static_cast<std::uint32_t>(dx + first + i);
-            const auto square = static_cast<std::int32_t>(std::min(across * across + down, 0x7FFF0000U));
+            const auto square = static_cast<std::int32_t>(std::min(across * across + down, beyond));
             constexpr bool nearest = rounding == DistanceRounding::nearest;
             auto distance =
                 static_cast<std::int32_t>(std::sqrt(static_cast<float>(square)) + (nearest ? 0.5F : 0.0F));

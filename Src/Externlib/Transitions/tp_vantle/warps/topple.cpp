@@ -12,15 +12,15 @@ VANTLE_API void TrTopple(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const T
     if (!stage.drawable()) return;
     const std::int32_t height = stage.height();
     const std::int32_t slid = std::min(truncated(height * Progress(param).eased()), height);
-    const std::int32_t strip = height - slid;
+    const std::int32_t strip = height - slid;  // rows left to the outgoing frame
     for (Row row : stage.rows()) {
-        if (row.y() < slid) {
-            row.moved(stage.row(strip + row.y()), Source::to, 0, stage.width());
-            continue;
-        }
         // Counted from the bottom, where both frames have their first row.
         const std::int32_t up = height - 1 - row.y();
-        const auto squashed = static_cast<std::int32_t>(std::int64_t{height} * up / strip);
-        row.moved(stage.row(height - 1 - squashed), Source::from, 0, stage.width());
+        if (strip > 0 && up < strip) {
+            const auto squashed = static_cast<std::int32_t>(std::int64_t{height} * up / strip);
+            row.moved(stage.row(height - 1 - squashed), Source::from, 0, stage.width());
+        } else {
+            row.moved(stage.row(strip + row.y()), Source::to, 0, stage.width());
+        }
     }
 }
