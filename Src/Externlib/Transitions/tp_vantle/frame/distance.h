@@ -41,21 +41,49 @@ std::int32_t wholeRoot(std::int64_t square);
 template <typename Draw>
 void drawByDistance(Row& row, std::int32_t centre, std::int32_t dy, std::int32_t end,
                     DistanceRounding rounding, const DistanceTable& table, Draw draw) {
-    constexpr std::int32_t reach = 2048;
-    Weight weights[2 * reach];
-    Weight* const middle = weights + reach;
-    // Both sides of the centre weigh the same: worked out once where the row is not too long.
-    if (row.x() > centre - reach && row.x() < centre && end > centre && end <= centre + reach) {
-        const std::int32_t side = std::max(centre - row.x(), end - centre - 1);
-        weightsByDistance(middle, 0, dy, std::min(side + 1, reach), rounding, table);
-        for (std::int32_t i = 1; i <= centre - row.x(); ++i) middle[-i] = middle[i];
-        draw(middle - (centre - row.x()), end);
-        return;
-    }
+    constexpr std::int32_t stretch = 4096;
+    Weight weights[stretch];
     while (row.x() < end) {
-        const std::int32_t stretchEnd = std::min(row.x() + 2 * reach, end);
+        const std::int32_t stretchEnd = std::min(row.x() + stretch, end);
         weightsByDistance(weights, row.x() - centre, dy, stretchEnd - row.x(), rounding, table);
         draw(weights, stretchEnd);
+    }
+}
+
+/// Draws a disc by the rounded distance from the pixel right of and below the middle of the frame: in a row
+/// `dy` away from it the `halfAt(dy)` columns on either side, none when negative, as `inside(row, weights,
+/// end)`, and the others as `around(row, end)`. Points that mirror each other weigh the same, and their
+/// weights are worked out once: hence the order of the rows.
+template <typename HalfAt, typename Inside, typename Around>
+void drawDisc(const Stage& stage, const DistanceTable& table, HalfAt halfAt, Inside inside, Around around) {
+    constexpr std::int32_t reach = 2048;
+    const std::int32_t width = stage.width();
+    const std::int32_t centreColumn = (width + 1) / 2;
+    const std::int32_t centreRow = (stage.height() + 1) / 2;
+    Weight weights[2 * reach];
+    Weight* const middle = weights + reach;
+    for (std::int32_t dy = 0; dy <= centreRow; ++dy) {
+        const std::int32_t half = halfAt(dy);
+        const std::int32_t side = std::min(half, centreColumn);
+        if (side >= 0 && side < reach) {
+            weightsByDistance(middle, 0, dy, side + 1, DistanceRounding::nearest, table);
+            for (std::int32_t i = 1; i <= side; ++i) middle[-i] = middle[i];
+        }
+        for (const std::int32_t y : {centreRow - dy, centreRow + dy}) {
+            if (y < 0 || y >= stage.height()) continue;
+            Row row = stage.row(y);
+            if (side >= 0) {
+                around(row, centreColumn - side);
+                const std::int32_t end = std::min(centreColumn + side + 1, width);
+                if (side < reach)
+                    inside(row, middle - side, end);
+                else
+                    drawByDistance(row, centreColumn, dy, end, DistanceRounding::nearest, table,
+                                   [&](const Weight* far, std::int32_t farEnd) { inside(row, far, farEnd); });
+            }
+            around(row, width);
+            if (dy == 0) break;
+        }
     }
 }
 

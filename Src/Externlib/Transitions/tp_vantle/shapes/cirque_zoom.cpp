@@ -43,18 +43,16 @@ VANTLE_API void TrCirqueZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
         if (ring < rings && ring % 2 == 0) return static_cast<std::int32_t>(relative * 255.0F);
         return 255 - truncated(static_cast<double>(relative) * oddShare);
     });
-    const std::int32_t centreColumn = (width + 1) / 2;
-    const std::int32_t centreRow = (stage.height() + 1) / 2;
-    for (Row row : stage.rows()) {
-        const std::int32_t dy = row.y() - centreRow;
-        const std::int32_t half = wholeRoot(std::int64_t{radius} * radius - std::int64_t{dy} * dy);
-        if (half >= 0) {
-            row.from(centreColumn - half);
-            drawByDistance(row, centreColumn, dy, std::min(centreColumn + half + 1, width),
-                           DistanceRounding::nearest, table, [&](const Weight* weights, std::int32_t end) {
-                               row.mix(Divisor::by255, Fourth::ofFrom, weights, row.x(), end);
-                           });
-        }
-        row.fromRest();
-    }
+    drawDisc(
+        stage, table,
+        [=](std::int32_t dy) { return wholeRoot(std::int64_t{radius} * radius - std::int64_t{dy} * dy); },
+        [](Row& row, const Weight* weights, std::int32_t end) {
+            row.mix(Divisor::by255, Fourth::ofFrom, weights, row.x(), end);
+        },
+        [=](Row& row, std::int32_t end) {
+            if (end < width)
+                row.from(end);
+            else
+                row.fromRest();
+        });
 }

@@ -45,8 +45,8 @@ double largestRadius(const Stage& stage) { return diagonal(stage) * 0.5 + 0.5 + 
 /// Draws a disc with its rim over the frame `outside`: `solid(row, end)` within the rim, and on it
 /// `soft(row, weights, end)`, with weights by the truncated distance.
 template <typename Solid, typename Soft>
-void drawDisc(const Stage& stage, std::int32_t radius, const DistanceTable& table, Source outside,
-              Solid solid, Soft soft) {
+void drawRimmedDisc(const Stage& stage, std::int32_t radius, const DistanceTable& table, Source outside,
+                    Solid solid, Soft soft) {
     const std::int32_t width = stage.width();
     const std::int32_t centreColumn = (width + 1) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
@@ -75,7 +75,7 @@ VANTLE_API void TrRoundZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
     const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linear());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return rimWeight(radius - distance); });
-    drawDisc(
+    drawRimmedDisc(
         stage, radius, table, Source::from, [](Row& row, std::int32_t end) { row.to(end); },
         [](Row& row, const Weight* weights, std::int32_t end) { row.mixSingle(weights, row.x(), end); });
 }
@@ -87,7 +87,7 @@ VANTLE_API void TrRoundZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
     const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linearLeft());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return 255 - rimWeight(radius - distance); });
-    drawDisc(
+    drawRimmedDisc(
         stage, radius, table, Source::to,
         [](Row& row, std::int32_t end) { row.colours(Source::from, Fourth::ofTo, end); },
         [](Row& row, const Weight* weights, std::int32_t end) {
@@ -100,27 +100,21 @@ VANTLE_API void TrRoundZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
 VANTLE_API void TrRoundZoomIn2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
     const Stage stage(imgOut, imgFrom, imgTo);
     if (!stage.drawable()) return;
-    const std::int32_t width = stage.width();
     const double t = Progress(param).linear();
     const Source outside = t < 0.5 ? Source::from : Source::to;
     const std::int32_t limit = truncated((diagonal(stage) + 0.5) * (t < 0.5 ? t : 1.0 - t));
     const double scale = rounded(diagonal(stage) * 0.5);
     const DistanceTable table(limit,
                               [=](std::int32_t distance) { return truncated(distance / scale * 255.0); });
-    const std::int32_t centreColumn = (width + 1) / 2;
-    const std::int32_t centreRow = (stage.height() + 1) / 2;
-    for (Row row : stage.rows()) {
-        const std::int32_t dy = row.y() - centreRow;
-        // Distances are rounded to the nearest: those up to limit - 1 have squares up to limit^2 - limit.
-        const std::int64_t square = std::int64_t{limit} * limit - limit - std::int64_t{dy} * dy;
-        const std::int32_t half = limit > 0 ? wholeRoot(square) : -1;
-        if (half >= 0) {
-            row.colours(outside, Fourth::kept, centreColumn - half);
-            drawByDistance(row, centreColumn, dy, std::min(centreColumn + half + 1, width),
-                           DistanceRounding::nearest, table, [&](const Weight* weights, std::int32_t end) {
-                               row.mix(Divisor::by255, Fourth::kept, weights, row.x(), end);
-                           });
-        }
-        row.colours(outside, Fourth::kept, width);
-    }
+    drawDisc(
+        stage, table,
+        [=](std::int32_t dy) {
+            // Distances up to limit - 1 have squares up to limit^2 - limit.
+            const std::int64_t square = std::int64_t{limit} * limit - limit - std::int64_t{dy} * dy;
+            return limit > 0 ? wholeRoot(square) : -1;
+        },
+        [](Row& row, const Weight* weights, std::int32_t end) {
+            row.mix(Divisor::by255, Fourth::kept, weights, row.x(), end);
+        },
+        [=](Row& row, std::int32_t end) { row.colours(outside, Fourth::kept, end); });
 }
