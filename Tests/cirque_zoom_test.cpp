@@ -10,12 +10,6 @@ TEST(CirqueZoom, WeighsTheRingsInTurn) {
     EXPECT_EQ(weights("TrCirqueZoomIn", 640, 480, 0.5, 240, {495, 451}, 3), " 0 0");
 }
 
-// The ninth ring ends just short of 115.5. 30/36 of 204 is 170, but less in single precision.
-TEST(CirqueZoom, KeepsTheOrderAndThePrecisionOfItsOperations) {
-    EXPECT_EQ(weights("TrCirqueZoomIn", 640, 480, 7, 240, {345}, 0, 20), " 99");
-    EXPECT_EQ(weights("TrCirqueZoomIn", 640, 480, 2, 240, {370}, 0, 10), " 86");
-}
-
 // At 0.006 the radius is 2 and the first ring empty: the rim lies in the second, the centre in none. At 0 the
 // disc is the centre, whose share of imgFrom is just below 255.
 TEST(CirqueZoom, StartsWithEmptyRingsAndShowsImgToPastTheLast) {

@@ -10,17 +10,6 @@ TEST(Zoom, FadesARectangleInOnceItIsSixWide) {
     EXPECT_EQ(scene.draw(transition("TrZoom"), 0.06).rowValues(48, 1), "48x100 5x118 47x100");
 }
 
-TEST(Zoom, HalvesOneFrameAndMagnifiesTheOther) {
-    Scene scene({100, 50, 400});
-    scene.draw(transition("TrZoom"), 0.5);
-    const auto at = [&](int x, int y) { return scene.offsetOf(x, y); };
-    EXPECT_EQ(scene.out[at(26, 14)], scene.to[at(2, 3)]);
-    EXPECT_EQ(scene.out[at(49, 36)], scene.to[at(48, 47)]);
-    EXPECT_EQ(scene.out[at(25, 14)], scene.from[at(47, 24)]);  // 47.73
-    EXPECT_EQ(scene.out[at(50, 13)], scene.from[at(50, 23)]);  // 23.91
-    EXPECT_EQ(scene.out[at(99, 49)], scene.from[at(54, 27)]);  // 54.45, 27.18
-}
-
 TEST(Zoom, EndsOnAnExactCopyOfTheColours) {
     Scene scene({8, 6, 32});
     for (const auto& [position, duration] : {std::pair{1.0, 1.0}, {0.0, 0.0}, {-1.0, -1.0}, {1.5, 1.0}}) {
