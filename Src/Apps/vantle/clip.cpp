@@ -172,4 +172,10 @@ av::Frame Clip::next() {
     }
 }
 
+AVRational commonRate(const Clip& from, const Clip& to) {
+    for (const Clip* clip : {&from, &to})
+        if (const AVRational rate = clip->rate(); rate.num > 0) return rate;
+    return {30, 1};
+}
+
 }  // namespace vantle

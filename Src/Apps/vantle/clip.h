@@ -56,4 +56,7 @@ class Clip {
     bool drained_ = false;
 };
 
+/// The rate at which two inputs are joined: FROM's, else TO's, else 30 per second.
+AVRational commonRate(const Clip& from, const Clip& to);
+
 }  // namespace vantle

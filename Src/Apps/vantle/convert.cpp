@@ -44,7 +44,7 @@ PixelView viewOf(DIImage image) {
 void Converter::convert(const PixelView& from, const PixelView& to) {
     if (!scaler_ || !sameLayout(from, lastFrom_) || !sameLayout(to, lastTo_)) {
         const int flags =
-            SWS_BICUBIC | (smoothChroma_ ? SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_ACCURATE_RND : 0);
+            filter_ | (smoothChroma_ ? SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_ACCURATE_RND : 0);
         scaler_.reset(sws_getContext(from.width, from.height, from.format, to.width, to.height, to.format,
                                      flags, nullptr, nullptr, nullptr));
         if (!scaler_)

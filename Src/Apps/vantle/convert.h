@@ -25,17 +25,20 @@ PixelView viewOf(const AVFrame& frame);
 /// A frame of the image library, stored bottom-up: its first line is the last in memory, so lines go back.
 PixelView viewOf(DIImage image);
 
-/// Converts between pictures of the same size; keeps its tables while the formats stay the same.
+/// Converts between pixel formats and sizes; keeps its tables while those stay the same.
 class Converter {
    public:
     /// `smoothChroma` interpolates halved chroma when it makes RGB (for pictures to look at); without it a
-    /// trip to RGB and back leaves halved chroma as it was (for video).
-    explicit Converter(bool smoothChroma) : smoothChroma_(smoothChroma) {}
+    /// trip to RGB and back leaves halved chroma as it was (for video). `filter` is libswscale's, for sizes
+    /// that differ.
+    explicit Converter(bool smoothChroma, int filter = SWS_BICUBIC)
+        : smoothChroma_(smoothChroma), filter_(filter) {}
 
     void convert(const PixelView& from, const PixelView& to);
 
    private:
     bool smoothChroma_;
+    int filter_;
     av::Scaler scaler_;
     PixelView lastFrom_{};
     PixelView lastTo_{};

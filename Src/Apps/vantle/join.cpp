@@ -93,28 +93,36 @@ void join(Clip& from, Clip& to, const Canvas& canvas, const Overlap& overlap, Re
     while (av::Frame picture = renderer.done() ? nullptr : to.next()) renderer.show(*picture);
 }
 
-void joinAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFrames, double position,
-            Renderer& renderer) {
-    const auto duration = static_cast<double>(overlapFrames);
-    // A fraction such as 29 / 100 times 100 falls just short of frame 29, which is what is meant.
-    const double frame = position * duration;
-    const double drawn = std::abs(frame - std::round(frame)) < 1e-6 ? std::round(frame) : frame;
-    // The picture of the overlap that shows at this position; at its very end TO's next one, if it has one.
-    const auto k = static_cast<std::int64_t>(drawn);
+std::vector<Meeting> meetingsAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFrames,
+                                std::span<const double> positions) {
+    for (Clip* clip : {&from, &to})
+        clip->start(canvas, clip->endless() ? std::optional(overlapFrames) : std::nullopt);
     FromPictures outgoing(from, canvas, overlapFrames);
     av::Frame fromPicture;
-    for (std::int64_t seen = 0; seen <= std::min(k, overlapFrames - 1);) {
-        fromPicture = outgoing.next();
-        if (!fromPicture) tooShort(from, seen, overlapFrames);
-        if (outgoing.inOverlap()) ++seen;
-    }
     av::Frame toPicture;
-    for (std::int64_t seen = 0; seen <= k; ++seen) {
-        av::Frame picture = to.next();
-        if (!picture && seen < overlapFrames) tooShort(to, seen, overlapFrames);
-        if (picture) toPicture = std::move(picture);
+    std::int64_t fromSeen = 0;
+    std::int64_t toSeen = 0;
+    std::vector<Meeting> meetings;
+    for (const double position : positions) {
+        // A fraction such as 29 / 100 times 100 falls just short of frame 29, which is what is meant.
+        const double frame = position * static_cast<double>(overlapFrames);
+        const double drawn = std::abs(frame - std::round(frame)) < 1e-6 ? std::round(frame) : frame;
+        // The picture of the overlap that shows at this position; at its very end TO's next one, if it has
+        // one.
+        const auto k = static_cast<std::int64_t>(drawn);
+        while (fromSeen <= std::min(k, overlapFrames - 1)) {
+            fromPicture = outgoing.next();
+            if (!fromPicture) tooShort(from, fromSeen, overlapFrames);
+            if (outgoing.inOverlap()) ++fromSeen;
+        }
+        for (; toSeen <= k; ++toSeen) {
+            av::Frame picture = to.next();
+            if (!picture && toSeen < overlapFrames) tooShort(to, toSeen, overlapFrames);
+            if (picture) toPicture = std::move(picture);
+        }
+        meetings.push_back({av::share(*fromPicture), av::share(*toPicture), drawn});
     }
-    renderer.mix(*fromPicture, *toPicture, drawn, duration);
+    return meetings;
 }
 
 }  // namespace vantle

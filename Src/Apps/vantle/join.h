@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <vector>
 
 #include "clip.h"
 #include "renderer.h"
@@ -19,8 +21,16 @@ struct Overlap {
 void join(Clip& from, Clip& to, const Canvas& canvas, const Overlap& overlap, Renderer& renderer,
           Soundtrack* sound);
 
-/// Gives the one picture at `position` (0 to 1) of the overlap to `renderer`.
-void joinAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFrames, double position,
-            Renderer& renderer);
+/// What an overlap shows at one position: a picture of each input, and where in the overlap they meet.
+struct Meeting {
+    av::Frame from;
+    av::Frame to;
+    double frame = 0.0;  ///< the position in frames; a fraction lies between two of them
+};
+
+/// What the overlap shows at each of `positions` (0 to 1, ascending). Starts both inputs; throws Error when
+/// one is shorter than the overlap.
+std::vector<Meeting> meetingsAt(Clip& from, Clip& to, const Canvas& canvas, std::int64_t overlapFrames,
+                                std::span<const double> positions);
 
 }  // namespace vantle

@@ -16,6 +16,7 @@ extern "C" {
 #include "interrupt.h"
 #include "list_command.h"
 #include "render_command.h"
+#include "sheet_command.h"
 
 namespace {
 
@@ -66,30 +67,53 @@ FrameRange parseFrames(const std::string& text) {
     return {first, last};
 }
 
+// Options that mean the same in several commands; `Options` holds their values.
+
+template <typename Options>
+void addInputs(CLI::App& command, Options& options) {
+    command.add_option("FROM", options.from, "What is left")->required();
+    command.add_option("TO", options.to, "What comes")->required();
+}
+
+template <typename Options>
+void addOverlap(CLI::App& command, Options& options) {
+    command.add_option("--duration", options.duration, "Length of the transition in seconds")
+        ->check(CLI::Range(0.001, 3600.0))
+        ->capture_default_str();
+    command.add_option_function<std::string>(
+        "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
+        "Frames per second (default: FROM's)");
+    command.add_option_function<std::string>(
+        "--fit", [&](const std::string& text) { options.fit = parseFit(text); },
+        "How an input of another shape fills the picture: contain (default), cover or stretch");
+}
+
+template <typename Options>
+void addSize(CLI::App& command, Options& options, const std::string& meaning) {
+    command.add_option_function<std::string>(
+        "--size", [&](const std::string& text) { options.size = parseSize(text); }, meaning);
+}
+
+template <typename Options>
+void addCommon(CLI::App& command, Options& options) {
+    command.add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
+    command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+    command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
     CLI::App* const command = app.add_subcommand("render", "Render a transition between two inputs");
     command->footer(
         "FROM and TO are stills, videos, image sequences (img_%04d.png) or generated sources\n"
         "(lavfi:GRAPH, as lavfi:testsrc2=size=640x360:duration=3). OUT is a video (.mp4 .mkv .webm .mov\n"
         ".gif), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
-    command->add_option("FROM", options.from, "What is left")->required();
-    command->add_option("TO", options.to, "What comes")->required();
+    addInputs(*command, options);
     command->add_option("-t,--transition", options.transition, "Catalogue name, index, GUID or function name")
         ->required();
     command->add_option("-o,--output", options.output, "What to write: its name says in which form")
         ->required();
-    command->add_option("--duration", options.duration, "Length of the transition in seconds")
-        ->check(CLI::Range(0.001, 3600.0))
-        ->capture_default_str();
-    command->add_option_function<std::string>(
-        "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
-        "Frames per second (default: FROM's)");
-    command->add_option_function<std::string>(
-        "--size", [&](const std::string& text) { options.size = parseSize(text); },
-        "WIDTHxHEIGHT of the output (default: FROM's)");
-    command->add_option_function<std::string>(
-        "--fit", [&](const std::string& text) { options.fit = parseFit(text); },
-        "How an input of another shape fills the picture: contain (default), cover or stretch");
+    addOverlap(*command, options);
+    addSize(*command, options, "WIDTHxHEIGHT of the output (default: FROM's)");
     command
         ->add_option("--hold", options.hold,
                      "Seconds that a still shows before or after (default: 1 in a video, else 0)")
@@ -107,10 +131,38 @@ void addRender(CLI::App& app, RenderOptions& options) {
             },
             "KEY=VALUE for a video's encoder, as FFmpeg knows it (crf=23, preset=fast); repeatable")
         ->take_all();
-    command->add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
-    command->add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
-    command->add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
+    addCommon(*command, options);
     command->callback([&] { render(options); });
+}
+
+/// What the commands that show many transitions have in common.
+void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
+    addInputs(command, options);
+    command.add_option("-o,--output", options.output, output)->required();
+    command
+        .add_option("-t,--transition", options.transitions,
+                    "Only this one, by catalogue name, index, GUID or function name; repeatable")
+        ->expected(1)
+        ->take_all();
+    addOverlap(command, options);
+    addCommon(command, options);
+}
+
+void addSheet(CLI::App& app, SheetOptions& options) {
+    CLI::App* const command =
+        app.add_subcommand("sheet", "Draw every transition as a row of thumbnails on one picture");
+    command->footer(
+        "FROM and TO are what `vantle render` reads. Each frame is drawn as large as FROM and scaled down.\n"
+        "N thumbnails show the positions 1/(N+1) to N/(N+1).");
+    addOverview(*command, options.overview, "The picture to write (.png, .jpg)");
+    addSize(*command, options, "WIDTHxHEIGHT that a thumbnail fits in (default: 160 wide)");
+    command->add_option("--columns", options.columns, "Thumbnails per transition")
+        ->check(CLI::Range(1, 100))
+        ->capture_default_str();
+    command
+        ->add_option("--abreast", options.abreast, "Transitions side by side (default: 1 per 15 transitions)")
+        ->check(CLI::Range(1, 100));
+    command->callback([&] { drawSheet(options); });
 }
 
 // One line, whatever a library's message holds.
@@ -132,6 +184,8 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     app.require_subcommand(1);
     RenderOptions renderOptions;
     addRender(app, renderOptions);
+    SheetOptions sheetOptions;
+    addSheet(app, sheetOptions);
     bool json = false;
     std::string listedPlugin;
     CLI::App* const listing = app.add_subcommand("list", "List the transitions");

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <span>
 
 #include "clip.h"
 #include "join.h"
@@ -25,14 +26,6 @@ void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     if (kind.movie == nullptr && !options.encoderOptions.empty())
         throw UsageError("--encoder-option is for a video");
     if (options.at && options.frames) throw UsageError("--at and --frames exclude each other");
-}
-
-/// FROM's rate, else TO's, else 30 per second.
-AVRational frameRate(const RenderOptions& options, const Clip& from, const Clip& to) {
-    if (options.fps) return *options.fps;
-    for (const Clip* clip : {&from, &to})
-        if (const AVRational rate = clip->rate(); rate.num > 0) return rate;
-    return {30, 1};
 }
 
 Size canvasSize(const RenderOptions& options, const Clip& from, bool even) {
@@ -70,7 +63,7 @@ void render(const RenderOptions& options) {
     Clip from(options.from);
     Clip to(options.to);
     Canvas canvas;
-    canvas.rate = frameRate(options, from, to);
+    canvas.rate = options.fps.value_or(commonRate(from, to));
     canvas.size = canvasSize(options, from, kind.evenSize);
     canvas.fit = options.fit;
     const double rate = av_q2d(canvas.rate);
@@ -102,13 +95,15 @@ void render(const RenderOptions& options) {
     const auto limit = [&](const Clip& clip, std::int64_t outside) {
         return clip.endless() ? std::optional(overlap + outside) : std::nullopt;
     };
-    from.start(canvas, limit(from, hold));
-    to.start(canvas, limit(to, kind.numbered ? std::max<std::int64_t>(hold, 1) : hold));
     Renderer renderer(transition.draw, canvas.size, *writer, sound ? &*sound : nullptr, wanted, progress);
-    if (options.at)
-        joinAt(from, to, canvas, overlap, *options.at, renderer);
-    else
+    if (options.at) {
+        for (const Meeting& meeting : meetingsAt(from, to, canvas, overlap, std::span(&*options.at, 1)))
+            renderer.mix(*meeting.from, *meeting.to, meeting.frame, static_cast<double>(overlap));
+    } else {
+        from.start(canvas, limit(from, hold));
+        to.start(canvas, limit(to, kind.numbered ? std::max<std::int64_t>(hold, 1) : hold));
         join(from, to, canvas, {overlap, kind.numbered}, renderer, sound ? &*sound : nullptr);
+    }
     if (renderer.written() == 0)
         throw Error("--frames: the rendering ends before its frame " + std::to_string(wanted.first));
     if (sound) {

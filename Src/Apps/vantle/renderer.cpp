@@ -39,7 +39,7 @@ void Renderer::show(const AVFrame& picture) {
         if (view.format == format.pixels && view.space == format.space && view.range == format.range) {
             write(av::share(picture));
         } else {
-            av::Frame converted = blank();
+            av::Frame converted = blankPicture(size_, writer_.pictureFormat());
             toWriter_.convert(view, viewOf(*converted));
             write(std::move(converted));
         }
@@ -53,23 +53,11 @@ void Renderer::mix(const AVFrame& from, const AVFrame& to, double position, doub
         param.dDuration = duration;
         param.dPosition = position;
         transition_(out_.get(), from_.load(from), to_.load(to), &param);
-        av::Frame picture = blank();
+        av::Frame picture = blankPicture(size_, writer_.pictureFormat());
         toWriter_.convert(viewOf(out_.get()), viewOf(*picture));
         write(std::move(picture));
     }
     step();
-}
-
-av::Frame Renderer::blank() {
-    const PictureFormat format = writer_.pictureFormat();
-    av::Frame frame = av::makeFrame();
-    frame->width = size_.width;
-    frame->height = size_.height;
-    frame->format = format.pixels;
-    frame->colorspace = format.space;
-    frame->color_range = format.range;
-    av::check(av_frame_get_buffer(frame.get(), 0), "frame");
-    return frame;
 }
 
 void Renderer::write(av::Frame picture) {

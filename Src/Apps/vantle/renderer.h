@@ -45,7 +45,6 @@ class Renderer {
     };
 
     bool wanted() const { return next_ >= wanted_.first && next_ <= wanted_.last; }
-    av::Frame blank();
     void write(av::Frame picture);
     void step();
 

@@ -20,6 +20,9 @@ struct PictureFormat {
     AVColorRange range = AVCOL_RANGE_JPEG;
 };
 
+/// A new picture for a writer, its pixels not set.
+av::Frame blankPicture(Size size, const PictureFormat& format);
+
 /// Takes pictures (and sound) in order. Nothing stands under the output's name before `finish` has returned,
 /// and nothing of it stays when that is never called. Every failure to write throws Error.
 class Writer {
