@@ -13,6 +13,7 @@ extern "C" {
 }
 
 #include "error.h"
+#include "gallery_command.h"
 #include "interrupt.h"
 #include "list_command.h"
 #include "render_command.h"
@@ -165,6 +166,21 @@ void addSheet(CLI::App& app, SheetOptions& options) {
     command->callback([&] { drawSheet(options); });
 }
 
+void addGallery(CLI::App& app, GalleryOptions& options) {
+    CLI::App* const command =
+        app.add_subcommand("gallery", "Make a page to look at every transition in a browser");
+    command->footer(
+        "FROM and TO are what `vantle render` reads. The page opens from disk, without a server or network.");
+    addOverview(*command, options.overview, "The folder to make");
+    addSize(*command, options, "WIDTHxHEIGHT of the frames (default: FROM's shape, 480 on its longer side)");
+    command
+        ->add_option("--positions", options.positions,
+                     "Frames per transition, from its start to its end evenly")
+        ->check(CLI::Range(2, 1000))
+        ->capture_default_str();
+    command->callback([&] { makeGallery(options); });
+}
+
 // One line, whatever a library's message holds.
 int report(const std::string& message, int status) {
     std::string line = message;
@@ -186,6 +202,8 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     addRender(app, renderOptions);
     SheetOptions sheetOptions;
     addSheet(app, sheetOptions);
+    GalleryOptions galleryOptions;
+    addGallery(app, galleryOptions);
     bool json = false;
     std::string listedPlugin;
     CLI::App* const listing = app.add_subcommand("list", "List the transitions");

@@ -11,6 +11,7 @@
 #include "families.h"
 #include "filters.h"
 #include "picture_writer.h"
+#include "staged_file.h"
 #include "writer.h"
 
 namespace vantle {
@@ -144,6 +145,8 @@ void drawSheet(const SheetOptions& options) {
     const OverviewOptions& asked = options.overview;
     if (pictureCodec(asked.output) == AV_CODEC_ID_NONE || !numberedName(asked.output, 0).empty())
         throw UsageError("OUT is one picture: a name such as sheet.png, not " + asked.output);
+    // Refused now rather than when all is drawn; the file itself comes with the writer.
+    const StagedFile probe(asked.output, asked.force);
     const std::vector<double> positions = innerPositions(options.columns);
     const Overview overview(asked, positions, [](Size own) { return own; });
     const Layout layout(options, overview);
