@@ -22,6 +22,8 @@ void catchInterrupts() {
     for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
     // Under nohup it is ignored and stays so.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
+    // These would end the program on the spot; ignored, they fail the write, and it ends in order.
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
 bool interrupted() { return raised != 0; }

@@ -1,9 +1,11 @@
 // The command line: what the options mean, and what the exit status says.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -181,6 +183,13 @@ void addGallery(CLI::App& app, GalleryOptions& options) {
     command->callback([&] { makeGallery(options); });
 }
 
+// Standard output may be a full disk or a closed pipe, which shows only when its buffer is written out.
+void flushOutput() {
+    errno = 0;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        throw Error("cannot write to standard output: " + std::generic_category().message(errno));
+}
+
 // One line, whatever a library's message holds.
 int report(const std::string& message, int status) {
     std::string line = message;
@@ -212,10 +221,13 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     listing->callback([&] { list(listedPlugin, json); });
 
     try {
-        app.parse(argc, argv);
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::Success& help) {
+            app.exit(help);
+        }
+        flushOutput();
         return 0;
-    } catch (const CLI::Success& help) {
-        return app.exit(help);
     } catch (const CLI::ParseError& error) {
         return report(std::string(error.what()) + " (vantle --help shows the usage)", wrongUsage);
     } catch (const UsageError& error) {
