@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <string>
 #include <system_error>
@@ -33,9 +34,13 @@ StagedFile::StagedFile(fs::path target, bool overwrite) : target_(std::move(targ
     const fs::file_status status = fs::status(target_, ignored);
     if (fs::exists(status) && !fs::is_regular_file(status))
         throw Error(target_.string() + " is not a regular file");
-    if (fs::exists(status) && !overwrite_) refuse(target_);
+    // A link that leads nowhere is there too.
+    if (!overwrite_ && fs::exists(fs::symlink_status(target_, ignored))) refuse(target_);
+    // A link stays one: the file that it leads to is replaced.
+    if (fs::is_regular_file(status) && fs::is_symlink(target_, ignored)) target_ = fs::canonical(target_);
     std::string name = fs::path(target_).remove_filename() / ".";
-    name += target_.filename().string() + ".XXXXXX";
+    constexpr std::size_t longestName = NAME_MAX - 8;  // with the dots and the six letters
+    name += target_.filename().string().substr(0, longestName) + ".XXXXXX";
     const int file = mkstemp(name.data());
     if (file < 0) fail(target_, errno);
     // mkstemp makes files that only the owner may read; an output gets the rights of any new file.
