@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -34,7 +36,8 @@ class Decoder {
    private:
     [[noreturn]] void fail(const std::string& what) const;
     void feed();
-    void noteEnd(const AVPacket& packet);
+    void bridgeJump(AVPacket& packet);
+    bool statesLength() const;
     void checkLength() const;
 
     std::string name_;
@@ -42,7 +45,16 @@ class Decoder {
     av::Codec codec_;
     av::Packet packet_;
     int stream_ = -1;
-    std::int64_t end_ = 0;  // of the packets read so far, of any stream; microseconds from the file's start
+    // In microseconds from the file's start. Recordings put one after the other start anew in the middle, and
+    // damage makes times of another year: from such a jump on, a file plays on where it had come to.
+    struct Times {
+        std::int64_t shift = 0;                                           // added to what is read
+        std::int64_t decoded = std::numeric_limits<std::int64_t>::min();  // of the last packet
+    };
+    std::map<int, Times> times_;  // by stream
+    std::int64_t shift_ = 0;      // for what follows the last jump
+    std::int64_t end_ = 0;        // of the pictures and sound read so far
+    std::int64_t othersEnd_ = 0;  // of subtitles and the like
 };
 
 }  // namespace vantle
