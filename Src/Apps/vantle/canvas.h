@@ -15,6 +15,9 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
+/// The most pixels of a canvas across and down: what the encoders take.
+constexpr int largestSide = 16384;
+
 /// How a picture of another shape fills the canvas: whole with black bars, filled with its edges cut off, or
 /// stretched.
 enum class Fit : std::uint8_t { contain, cover, stretch };

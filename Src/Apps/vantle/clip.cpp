@@ -11,6 +11,8 @@ extern "C" {
 #include <string_view>
 #include <utility>
 
+#include "interrupt.h"
+
 namespace vantle {
 
 namespace {
@@ -65,8 +67,11 @@ Size scaledTo(Size size, Size canvas, bool cover) {
     const double across = static_cast<double>(canvas.width) / size.width;
     const double down = static_cast<double>(canvas.height) / size.height;
     const double factor = cover ? std::max(across, down) : std::min(across, down);
-    return {std::max(static_cast<int>(std::lround(size.width * factor)), 1),
-            std::max(static_cast<int>(std::lround(size.height * factor)), 1)};
+    // A line of pixels that covers a canvas would be longer than anything that can be scaled.
+    const auto side = [&](int length) {
+        return static_cast<int>(std::clamp(std::round(length * factor), 1.0, 1e6));
+    };
+    return {side(size.width), side(size.height)};
 }
 
 }  // namespace
@@ -94,10 +99,13 @@ av::Frame Clip::decode() {
     return frame;
 }
 
-Size Clip::size() const {
-    const AVFrame& frame = first();
+Size Clip::size() const { return shownSize(first()); }
+
+Size Clip::shownSize(const AVFrame& frame) const {
+    constexpr std::int64_t widest = 1 << 30;  // a damaged file may state pixels of any shape
     const AVRational shape = pixelShape(frame);
-    Size size{static_cast<int>(av_rescale(frame.width, shape.num, shape.den)), frame.height};
+    Size size{static_cast<int>(std::min(av_rescale(frame.width, shape.num, shape.den), widest)),
+              frame.height};
     if (quarterTurns(decoder_.stream()) % 2 != 0) std::swap(size.width, size.height);
     return {std::max(size.width, 1), std::max(size.height, 1)};
 }
@@ -121,33 +129,45 @@ std::int64_t Clip::shownFor(const AVFrame& frame) const {
     return own.num > 0 ? av_rescale_q(1, av_inv_q(own), decoder_.stream().time_base) : 1;
 }
 
-std::string Clip::graph(const Canvas& canvas) const {
+std::string Clip::graph(const AVFrame& like) const {
     constexpr const char* turns[] = {"", "transpose=clock,", "hflip,vflip,", "transpose=cclock,"};
     std::string filters = "[in0]";
-    if (!still_) filters += "fps=" + text(canvas.rate) + ",";
+    if (!still_) filters += "fps=" + text(canvas_.rate) + ",";
     filters += turns[quarterTurns(decoder_.stream())];
     // Transparent pixels show black, as on an editor's empty track.
-    if (hasAlpha(first())) filters += "format=gbrap,premultiply=inplace=1,format=gbrp,";
-    const Size scaled =
-        canvas.fit == Fit::stretch ? canvas.size : scaledTo(size(), canvas.size, canvas.fit == Fit::cover);
+    if (hasAlpha(like)) filters += "format=gbrap,premultiply=inplace=1,format=gbrp,";
+    const Size scaled = canvas_.fit == Fit::stretch
+                            ? canvas_.size
+                            : scaledTo(shownSize(like), canvas_.size, canvas_.fit == Fit::cover);
     filters += "scale=" + text(scaled) + ":flags=bicubic,";
-    if (scaled != canvas.size && canvas.fit == Fit::cover) filters += "crop=" + text(canvas.size) + ",";
-    if (scaled != canvas.size && canvas.fit == Fit::contain)
-        filters += "pad=" + text(canvas.size) + ":(ow-iw)/2:(oh-ih)/2,";
+    if (scaled != canvas_.size && canvas_.fit == Fit::cover) filters += "crop=" + text(canvas_.size) + ",";
+    if (scaled != canvas_.size && canvas_.fit == Fit::contain)
+        filters += "pad=" + text(canvas_.size) + ":(ow-iw)/2:(oh-ih)/2,";
     return filters + "setsar=1[out]";
 }
 
 void Clip::start(const Canvas& canvas, std::optional<std::int64_t> limit) {
+    canvas_ = canvas;
     left_ = limit;
-    const AVFrame& frame = first();
-    const AVRational base = decoder_.stream().time_base;
-    const std::string source = "video_size=" + std::to_string(frame.width) + "x" +
-                               std::to_string(frame.height) + ":pix_fmt=" + std::to_string(frame.format) +
-                               ":time_base=" + text(base) + ":pixel_aspect=" + text(pixelShape(frame));
-    filters_.emplace(AVMEDIA_TYPE_VIDEO, std::vector{source}, graph(canvas));
+    filter(first());
+}
+
+void Clip::filter(const AVFrame& like) {
+    const std::string source = "video_size=" + std::to_string(like.width) + "x" +
+                               std::to_string(like.height) + ":pix_fmt=" + std::to_string(like.format) +
+                               ":time_base=" + text(decoder_.stream().time_base) +
+                               ":pixel_aspect=" + text(pixelShape(like));
+    filters_.emplace(AVMEDIA_TYPE_VIDEO, std::vector{source}, graph(like));
+    filtered_ = av::share(like);
+}
+
+bool Clip::isLikeFiltered(const AVFrame& frame) const {
+    return frame.width == filtered_->width && frame.height == filtered_->height &&
+           frame.format == filtered_->format && av_cmp_q(pixelShape(frame), pixelShape(*filtered_)) == 0;
 }
 
 av::Frame Clip::next() {
+    throwIfInterrupted();  // a still never reads on
     if (left_ && (*left_)-- <= 0) return nullptr;
     if (stillPicture_) return av::share(*stillPicture_);
     for (;;) {
@@ -155,26 +175,28 @@ av::Frame Clip::next() {
             if (still_) stillPicture_ = av::share(*frame);
             return frame;
         }
-        if (filters_->ended() || drained_) return nullptr;
-        av::Frame frame;
-        if (!ahead_.empty()) {
-            frame = std::move(ahead_.front());
-            ahead_.pop_front();
-        } else {
-            frame = decode();
-        }
-        drained_ = !frame;
-        if (frame) {
-            filters_->push(0, std::move(frame));
-        } else {
+        if (drained_) return nullptr;
+        if (ahead_.empty())
+            if (av::Frame frame = decode()) ahead_.push_back(std::move(frame));
+        if (ahead_.empty()) {
+            drained_ = true;
             filters_->close(0, end_);
+        } else if (isLikeFiltered(*ahead_.front())) {
+            filters_->push(0, std::move(ahead_.front()));
+            ahead_.pop_front();
+        } else if (!filters_->ended()) {
+            filters_->close(0, ahead_.front()->pts);
+        } else {
+            // The input goes on with pictures of another form.
+            filter(*ahead_.front());
         }
     }
 }
 
 AVRational commonRate(const Clip& from, const Clip& to) {
+    constexpr double highest = 1000.0;  // as for --fps; damage and some raw streams state more
     for (const Clip* clip : {&from, &to})
-        if (const AVRational rate = clip->rate(); rate.num > 0) return rate;
+        if (const AVRational rate = clip->rate(); rate.num > 0 && av_q2d(rate) <= highest) return rate;
     return {30, 1};
 }
 

@@ -43,11 +43,16 @@ class Clip {
    private:
     av::Frame decode();
     std::int64_t shownFor(const AVFrame& frame) const;
-    std::string graph(const Canvas& canvas) const;
+    void filter(const AVFrame& like);
+    bool isLikeFiltered(const AVFrame& frame) const;
+    std::string graph(const AVFrame& like) const;
+    Size shownSize(const AVFrame& frame) const;
 
     Decoder decoder_;
-    std::deque<av::Frame> ahead_;  // decoded to find out whether there is more than one picture
+    std::deque<av::Frame> ahead_;  // decoded, and not yet given to the filters
+    Canvas canvas_;
     std::optional<Filters> filters_;
+    av::Frame filtered_;  // a picture of the form that the filters are made for
     av::Frame stillPicture_;
     std::optional<std::int64_t> left_;
     std::int64_t end_ = 0;  // of the last picture decoded, in the stream's time base

@@ -2,7 +2,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
 #include <system_error>
@@ -28,6 +30,15 @@ using namespace vantle;
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
 
+// A range alone lets "nan" pass, which lies beyond neither bound.
+CLI::Validator within(double lowest, double highest) {
+    const auto isNumber = [](const std::string& text) {
+        return std::isnan(std::strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is no number"
+                                                              : std::string();
+    };
+    return CLI::Range(lowest, highest) & CLI::Validator(isNumber, "");
+}
+
 // Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
 
 AVRational parseRate(const std::string& text) {
@@ -38,10 +49,9 @@ AVRational parseRate(const std::string& text) {
 }
 
 Size parseSize(const std::string& text) {
-    constexpr int largest = 16384;
     Size size;
-    if (av_parse_video_size(&size.width, &size.height, text.c_str()) < 0 || size.width > largest ||
-        size.height > largest)
+    if (av_parse_video_size(&size.width, &size.height, text.c_str()) < 0 || size.width > largestSide ||
+        size.height > largestSide)
         throw CLI::ValidationError("--size", "\"" + text + "\" is no size (as 1280x720, at most 16384 each)");
     return size;
 }
@@ -67,7 +77,9 @@ FrameRange parseFrames(const std::string& text) {
     if (std::sscanf(text.c_str(), "%lld-%lld%n", &first, &last, &length) != 2 ||
         length != static_cast<int>(text.size()) || first < 0 || last < first)
         throw CLI::ValidationError("--frames", "\"" + text + "\" is no range of frames (as 10-19)");
-    return {first, last};
+    // Positions in the sound are counted from these: far beyond any video is far enough.
+    constexpr long long farthest = FrameRange{}.last;
+    return {std::min(first, farthest), std::min(last, farthest)};
 }
 
 // Options that mean the same in several commands; `Options` holds their values.
@@ -81,7 +93,7 @@ void addInputs(CLI::App& command, Options& options) {
 template <typename Options>
 void addOverlap(CLI::App& command, Options& options) {
     command.add_option("--duration", options.duration, "Length of the transition in seconds")
-        ->check(CLI::Range(0.001, 3600.0))
+        ->check(within(0.001, 3600.0))
         ->capture_default_str();
     command.add_option_function<std::string>(
         "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
@@ -120,9 +132,9 @@ void addRender(CLI::App& app, RenderOptions& options) {
     command
         ->add_option("--hold", options.hold,
                      "Seconds that a still shows before or after (default: 1 in a video, else 0)")
-        ->check(CLI::Range(0.0, 86400.0));
+        ->check(within(0.0, 86400.0));
     command->add_option("--at", options.at, "Only the picture at this position, 0 to 1")
-        ->check(CLI::Range(0.0, 1.0));
+        ->check(within(0.0, 1.0));
     command->add_option_function<std::string>(
         "--frames", [&](const std::string& text) { options.frames = parseFrames(text); },
         "Only frames A-B of the output, counted from 0");

@@ -30,6 +30,10 @@ void checkOptions(const RenderOptions& options, const OutputKind& kind) {
 
 Size canvasSize(const RenderOptions& options, const Clip& from, bool even) {
     Size size = options.size.value_or(from.size());
+    if (std::max(size.width, size.height) > largestSide)
+        throw Error(from.name() + ": its pictures show at " + std::to_string(size.width) + "x" +
+                    std::to_string(size.height) + ", and at most " + std::to_string(largestSide) +
+                    " each can be rendered; --size makes them smaller");
     const bool odd = size.width % 2 != 0 || size.height % 2 != 0;
     if (even && odd) {
         if (options.size) throw UsageError("--size: this kind of video needs an even width and height");
