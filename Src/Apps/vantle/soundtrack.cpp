@@ -13,12 +13,16 @@ namespace vantle {
 
 namespace {
 
-std::string layoutName(const AVCodecContext& codec) {
+std::string layoutName(AVChannelLayout layout) {
     std::array<char, 64> name{};
-    AVChannelLayout layout = codec.ch_layout;
     if (layout.order == AV_CHANNEL_ORDER_UNSPEC) av_channel_layout_default(&layout, layout.nb_channels);
     av_channel_layout_describe(&layout, name.data(), name.size());
     return name.data();
+}
+
+bool sameFormat(const AVFrame& a, const AVFrame& b) {
+    return a.sample_rate == b.sample_rate && a.format == b.format &&
+           av_channel_layout_compare(&a.ch_layout, &b.ch_layout) == 0;
 }
 
 std::string source(int rate, AVSampleFormat format, const std::string& layout, AVRational timeBase) {
@@ -42,29 +46,48 @@ std::optional<int> soundSampleRate(const std::string& name) {
 }
 
 SoundReader::SoundReader(const std::string& name, const SoundFormat& format)
-    : decoder_(name.empty() ? "lavfi:anullsrc=d=0.1" : name, AVMEDIA_TYPE_AUDIO) {
-    const AVCodecContext& codec = decoder_.codec();
-    const std::string rate = std::to_string(format.sampleRate);
-    filters_.emplace(
-        AVMEDIA_TYPE_AUDIO,
-        std::vector{
-            source(codec.sample_rate, codec.sample_fmt, layoutName(codec), decoder_.stream().time_base)},
-        "[in0]asetpts=PTS-" + std::to_string(pictureStart(decoder_.container())) + "/TB,aresample=" + rate +
-            ":async=1:first_pts=0,aformat=sample_fmts=" + av_get_sample_fmt_name(format.sampleFormat) +
-            ":channel_layouts=" + format.layout + ",apad[out]");
-}
+    : decoder_(name.empty() ? "lavfi:anullsrc=d=0.1" : name, AVMEDIA_TYPE_AUDIO),
+      format_(format),
+      timed_(AVMEDIA_TYPE_AUDIO,
+             {source(format.sampleRate, format.sampleFormat, format.layout, {1, format.sampleRate})},
+             "[in0]asetpts=PTS-" + std::to_string(pictureStart(decoder_.container())) +
+                 "/TB,aresample=async=1:first_pts=0,apad[out]") {}
 
 av::Frame SoundReader::read(int samples) {
     for (;;) {
-        if (av::Frame frame = filters_->pullSamples(samples)) return frame;
-        if (filters_->ended()) throw Error(decoder_.name() + ": its sound cannot be read");
-        if (av::Frame frame = decoder_.next()) {
-            end_ = frame->pts +
-                   av_rescale_q(frame->nb_samples, {1, frame->sample_rate}, decoder_.stream().time_base);
-            filters_->push(0, std::move(frame));
-        } else {
-            filters_->close(0, end_);
+        if (av::Frame frame = timed_.pullSamples(samples)) return frame;
+        if (timed_.ended()) throw Error(decoder_.name() + ": its sound cannot be read");
+        av::Frame frame = decoder_.next();
+        // The sound may go on in another format.
+        if (!frame || (like_ && !sameFormat(*frame, *like_))) {
+            if (like_) converter_->close(0, AV_NOPTS_VALUE);
+            passOn();
+            like_.reset();
         }
+        if (!frame) {
+            timed_.close(0, end_);
+            continue;
+        }
+        if (!like_) {
+            converter_.emplace(
+                AVMEDIA_TYPE_AUDIO,
+                std::vector{source(frame->sample_rate, static_cast<AVSampleFormat>(frame->format),
+                                   layoutName(frame->ch_layout), decoder_.stream().time_base)},
+                "[in0]aresample=" + std::to_string(format_.sampleRate) +
+                    ",aformat=sample_fmts=" + av_get_sample_fmt_name(format_.sampleFormat) +
+                    ":channel_layouts=" + format_.layout + "[out]");
+            like_ = av::share(*frame);
+        }
+        converter_->push(0, std::move(frame));
+        passOn();
+    }
+}
+
+void SoundReader::passOn() {
+    while (av::Frame frame = converter_ ? converter_->pull() : nullptr) {
+        if (frame->pts != AV_NOPTS_VALUE) end_ = frame->pts;
+        end_ += frame->nb_samples;
+        timed_.push(0, std::move(frame));
     }
 }
 

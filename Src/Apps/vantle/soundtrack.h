@@ -32,9 +32,14 @@ class SoundReader {
     av::Frame read(int samples);
 
    private:
+    void passOn();
+
     Decoder decoder_;
-    std::optional<Filters> filters_;
-    std::int64_t end_ = 0;  // of the sound decoded so far, in the stream's time base
+    SoundFormat format_;
+    std::optional<Filters> converter_;  // from the decoded format to `format_`
+    av::Frame like_;                    // a frame of the format that the converter is made for
+    Filters timed_;                     // puts the converted sound into its place in time
+    std::int64_t end_ = 0;              // of the sound converted so far, in samples
 };
 
 /// Joins the sound of two inputs that overlap as their pictures do. When both have sound it is crossfaded
