@@ -25,7 +25,8 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
     ffmpeg("-f lavfi -i sine=d=1 sound.wav");
     shell(
         in("for f in clip.mp4 still.jpg still.png; do head -c $(($(stat -c %s $f) / 2)) $f > half_$f; done;"
-           " : > empty.mp4; echo text > text.mp4; mkdir folder; cp clip.mp4 there.mp4"));
+           " : > empty.mp4; echo text > text.mp4; mkdir folder; cp clip.mp4 there.mp4;"
+           " mkfifo pipe.mp4; ln -s none.mp4 link.mp4; ln -s round.mp4 round.mp4"));
     const std::set<std::string> before = files();
     struct Case {
         const char* arguments;
@@ -42,6 +43,11 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"half_still.png clip.mp4 -t 0 -o out.mp4", 1, "half_still.png: "},
         {"sound.wav clip.mp4 -t 0 -o out.mp4", 1, "no picture"},
         {"folder clip.mp4 -t 0 -o out.mp4", 1, "is a directory"},
+        {"pipe.mp4 clip.mp4 -t 0 -o out.mp4", 1, "pipe.mp4: is not a regular file"},
+        {"round.mp4 clip.mp4 -t 0 -o out.mp4", 1, "round.mp4: Too many levels"},
+        {"still.png clip.mp4 -t 0 -o link.mp4", 1, "--force"},
+        {"clip.mp4 clip.mp4 -t 0 -o pipe.mp4 --force", 1, "pipe.mp4 is not a regular file"},
+        {"lavfi:nullsrc=s=20000x2:d=1 clip.mp4 -t 0 -o out.mp4", 1, "20000x2"},
         {"lavfi:nonsense clip.mp4 -t 0 -o out.mp4", 1, "lavfi:nonsense: "},
         {"clip.mp4 clip.mp4 -t 0 -o there.mp4", 1, "--force"},
         {"clip.mp4 clip.mp4 -t 0 -o folder/none/out.mp4", 1, "No such file"},
@@ -54,6 +60,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 clip.mp4 -t 0 -o out.png", 2, "--at"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --at 0.5", 2, "--at"},
         {"clip.mp4 clip.mp4 -t 0 -o out.png --at 1.5", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.png --at nan", 2, "--at"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 0x48", 2, "0x48"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 65x48", 2, "even"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --duration 0", 2, "--duration"},
@@ -82,7 +89,7 @@ TEST_F(Command, KeepsWhatStoodThereWhenItCannotFinish) {
     const std::string endless =
         VANTLE " render -q -f lavfi:testsrc2=s=640x360:d=600 lavfi:testsrc2 -t 0 -o out.mp4";
     // A limit on the size of files fails a write as a full disk does.
-    const Outcome full = shell(in("trap '' XFSZ; ulimit -f 16; " + endless + " 2>&1"));
+    const Outcome full = shell(in("ulimit -f 16; " + endless + " 2>&1"));
     EXPECT_EQ(full.status, 1);
     EXPECT_NE(full.text().find("cannot write out.mp4: "), std::string::npos) << full.text();
     for (const std::string signal : {"INT", "TERM"}) {
@@ -91,10 +98,30 @@ TEST_F(Command, KeepsWhatStoodThereWhenItCannotFinish) {
         EXPECT_EQ(stopped.status, 1);
         EXPECT_NE(stopped.text().find("interrupted"), std::string::npos) << stopped.text();
     }
+    // A still is never read on, and its rendering ends all the same.
+    const Outcome held =
+        shell(in("timeout --preserve-status -k 9 1 " VANTLE " render -q -f lavfi:testsrc2=s=640x360:d=0.04 "
+                 "lavfi:testsrc2 -t 0 -o out.mp4 --hold 9999 2>&1"));
+    EXPECT_EQ(held.status, 1) << held.text();
     EXPECT_EQ(contents("out.mp4"), precious);
     EXPECT_EQ(files(), std::set<std::string>{"out.mp4"});
     render("-f lavfi:testsrc2=s=64x48 lavfi:testsrc2=s=64x48 -t 0 --duration 0.1 -o out.mp4");
     EXPECT_EQ(probe("out.mp4", "stream=codec_name"), "h264");
+}
+
+TEST_F(Command, SaysWhenWhatItPrintsIsLost) {
+    const Outcome full = shell(in(VANTLE " list 2>&1 >/dev/full"));
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.text().find("standard output: No space"), std::string::npos) << full.text();
+    const Outcome unread = shell(in("{ { sleep 0.3; " VANTLE " list 2>&3; echo $? >&3; } | true; } 3>&1"));
+    EXPECT_EQ(unread.text(), "vantle: cannot write to standard output: Broken pipe\n1\n");
+}
+
+TEST_F(Command, ReplacesTheFileThatALinkLeadsTo) {
+    shell(in("mkdir far; echo old >far/film.gif; ln -s far/film.gif link.gif"));
+    render("lavfi:testsrc2=s=16x16:d=0.2 lavfi:testsrc2=s=16x16 -t 0 --duration 0.1 -f -o link.gif");
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link.gif"));
+    EXPECT_EQ(probe("far/film.gif", "stream=codec_name"), "gif");
 }
 
 TEST_F(Command, WorksInstalledAndServesOtherHosts) {

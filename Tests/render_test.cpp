@@ -149,4 +149,26 @@ TEST_F(Render, FitsAnInputOfAnotherShape) {
     EXPECT_LT(stretch.luma(0, 0, 0), 128);
 }
 
+TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {
+    // Recordings one after the other: of another size and another sound, which starts anew or a day later.
+    const auto part = [&](const std::string& name, const std::string& size, const std::string& sound,
+                          const std::string& later) {
+        ffmpeg("-f lavfi -i color=gray:s=" + size + ":r=25:d=1 -f lavfi -i sine=d=1:" + sound +
+               " -c:v libx264 -c:a aac -output_ts_offset " + later + " " + name);
+    };
+    part("first.ts", "64x48", "sample_rate=44100,volume=4", "0");
+    part("anew.ts", "32x48", "sample_rate=48000,volume=4,aformat=channel_layouts=stereo", "0");
+    part("later.ts", "64x48", "sample_rate=44100,volume=4", "90000");
+    shell(in("cat first.ts anew.ts later.ts > all.ts"));
+    render("all.ts lavfi:color=gray:s=64x48:d=1 -t 0 --duration 0.2 -o joined.mp4");
+    const Pictures joined = decode("joined.mp4", 64, 48);
+    EXPECT_NEAR(static_cast<double>(joined.count), 95.0, 4.0);
+    EXPECT_GT(joined.luma(10, 4, 24), 100);
+    EXPECT_LT(joined.luma(37, 4, 24), 40);  // bars beside the narrow part
+    EXPECT_GT(joined.luma(37, 32, 24), 100);
+    EXPECT_GT(joined.luma(62, 4, 24), 100);
+    const Bytes sound = shell(in("ffmpeg -v error -i joined.mp4 -f s16le -ac 1 -ar 8000 -")).output;
+    for (const double time : {0.5, 1.5, 2.5}) EXPECT_GT(loudness(sound, time), 0.1) << time;
+}
+
 }  // namespace tests
