@@ -15,6 +15,8 @@ struct PlainRule {
     double lowest = 0, highest = 1;  ///< positions that the rule holds for
 };
 
+inline void PrintTo(const PlainRule& rule, std::ostream* out) { *out << rule.function; }
+
 std::span<const PlainRule> plainRules();
 
 }  // namespace tests

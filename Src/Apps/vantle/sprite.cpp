@@ -12,7 +12,7 @@ namespace vantle {
 namespace {
 
 constexpr int block = 16;  // of the compression, which lets neighbours within one share their colours
-constexpr int largestSide = 16383;  // of a WebP picture
+constexpr int largestSprite = 16383;  // of a WebP picture
 // The first is hard to tell from the frame itself; the rest are for frames that would take too many bytes.
 constexpr int qualities[] = {75, 60, 45, 30, 15, 0};
 // For each pixel of each frame. 45 transitions of 30 frames of 480 x 270 stay below 25 MB by it.
@@ -43,7 +43,7 @@ SpriteLayout::SpriteLayout(Size frameSize, int frames)
       columns(static_cast<int>(std::ceil(std::sqrt(frames)))),
       rows((frames + columns - 1) / columns),
       cell{inBlocks(frame.width + 2 * margin), inBlocks(frame.height + 2 * margin)} {
-    if (std::max(columns * cell.width, rows * cell.height) > largestSide)
+    if (std::max(columns * cell.width, rows * cell.height) > largestSprite)
         throw UsageError(
             "the frames of one transition do not fit in a WebP picture; a smaller --size or fewer "
             "--positions help");
