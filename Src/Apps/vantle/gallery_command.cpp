@@ -102,7 +102,10 @@ void makeGallery(const GalleryOptions& options) {
     const OverviewOptions& asked = options.overview;
     StagedFolder folder(asked.output, asked.force, ownNames());
     const std::vector<double> positions = evenPositions(options.positions);
-    const Overview overview(asked, positions, [&](Size own) { return frameSize(options, own); });
+    // Frames too large for a sprite are refused before they are loaded.
+    const Overview overview(asked, positions, [&](Size own) {
+        return SpriteLayout(frameSize(options, own), options.positions).frame;
+    });
     const SpriteLayout layout(overview.size(), options.positions);
 
     for (const WebFile& file : galleryFiles()) folder.write(file.name, file.contents);

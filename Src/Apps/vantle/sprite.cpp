@@ -14,7 +14,7 @@ namespace {
 constexpr int block = 16;  // of the compression, which lets neighbours within one share their colours
 constexpr int largestSprite = 16383;  // of a WebP picture
 // The first is hard to tell from the frame itself; the rest are for frames that would take too many bytes.
-constexpr int qualities[] = {75, 60, 45, 30, 15, 0};
+constexpr int qualities[] = {80, 70, 60, 50, 40, 30, 20, 10, 0};
 // For each pixel of each frame. 45 transitions of 30 frames of 480 x 270 stay below 25 MB by it.
 constexpr double mostBytes = 0.14;
 // WebP's colours, whatever a picture says.

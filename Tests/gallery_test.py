@@ -1,0 +1,127 @@
+"""The page that `vantle gallery` makes, in a browser: gallery_test.py VANTLE"""
+import base64, operator, pathlib, shlex, subprocess, sys, tempfile, time, unittest
+
+from selenium.webdriver import Chrome, ChromeOptions, Keys
+from selenium.webdriver.chrome.service import Service
+
+vantle = sys.argv[1]
+temporary = tempfile.TemporaryDirectory(prefix='vantle-test-')
+folder = pathlib.Path(temporary.name)
+
+
+def run(*command):
+    return subprocess.run(command, cwd=folder, check=True, stdout=subprocess.PIPE).stdout
+
+
+def luma(png):
+    return run('ffmpeg', '-v', 'error', '-i', png, '-f', 'rawvideo', '-pix_fmt', 'gray', '-')
+
+
+class GalleryTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        for name, picture in (('from', 'gradients=c0=navy:c1=teal:seed=3:'), ('to a b', 'mandelbrot=')):
+            run('ffmpeg', '-v', 'error', '-f', 'lavfi', '-i', f'{picture}s=480x270', '-frames:v', '1', f'{name}.png')
+        run(vantle, 'gallery', '-q', 'from.png', 'to a b.png', '-o', 'gallery')
+        options = ChromeOptions()
+        options.binary_location = '/usr/bin/chromium'
+        options.arguments.extend(['--headless=new', '--no-sandbox', '--disable-dev-shm-usage'])
+        options.set_capability('goog:loggingPrefs', {'browser': 'ALL'})
+        cls.browser = Chrome(service=Service('/usr/bin/chromedriver'), options=options)
+        cls.addClassCleanup(cls.browser.quit)
+        cls.script, cls.shot = cls.browser.execute_script, cls.browser.get_screenshot_as_png
+
+        cls.devtools = cls.browser.execute_cdp_cmd
+
+    def open(self, motion, width=1600, height=1000):
+        self.devtools('Emulation.setDeviceMetricsOverride',
+                      dict(width=width, height=height, deviceScaleFactor=1, mobile=False))
+        self.devtools('Emulation.setEmulatedMedia', dict(features=[dict(name='prefers-reduced-motion', value=motion)]))
+        self.browser.get((folder / 'gallery/index.html').as_uri())
+
+    def tearDown(self):
+        self.assertEqual(self.browser.get_log('browser'), [])
+
+    def find(self, selector):
+        return [e for e in self.browser.find_elements('css selector', selector) if e.is_displayed()]
+
+    def texts(self, selector):
+        return [e.text for e in self.find(selector)]
+
+    def press(self, *keys):
+        self.browser.switch_to.active_element.send_keys(*keys)
+
+    def until(self, holds, what):
+        end = time.monotonic() + 20
+        while not holds():
+            self.assertLess(time.monotonic(), end, what)
+            time.sleep(0.02)
+
+    def test_every_tile_loads_and_moves_unless_motion_is_unwanted(self):
+        self.open('no-preference')
+        for tile in self.find('.tile canvas'):
+            self.script('arguments[0].scrollIntoView({block: "center"})', tile)
+            self.until(lambda: tile.get_attribute('data-frame'), 'loads')
+            first = tile.screenshot_as_png
+            self.until(lambda: tile.screenshot_as_png != first, 'moves')
+        self.open('reduce')
+        self.until(lambda: len(self.find('.tile [data-frame]')) >= 25, 'loads')
+        still = self.shot()
+        time.sleep(1)
+        self.assertEqual(self.shot(), still)
+        self.find('#play-all')[0].click()
+        self.until(lambda: self.shot() != still, 'moves when asked')
+
+    def test_the_slider_shows_the_very_frame_that_the_command_renders(self):
+        self.open('reduce')
+        self.find('.tile')[0].click()
+        # Pixel for pixel on the screen.
+        self.script('picture.style = "position: fixed; inset: 0 auto auto 0; width: 480px; border-radius: 0"')
+        for number in range(45):
+            frame = 7 * number % 30
+            self.until(lambda: self.script('return view.image !== null'), 'loads')
+            self.press(Keys.HOME, *[Keys.ARROW_RIGHT] * frame)
+            shot = self.devtools('Page.captureScreenshot',
+                                 dict(clip=dict(x=0, y=0, width=480, height=270, scale=1)))
+            (folder / 'shot.png').write_bytes(base64.b64decode(shot['data']))
+            command = shlex.split(self.script('return part("frame-command").textContent'))
+            at = command.index('--at') + 1
+
+            def difference(position):
+                run(vantle, *command[1:at], str(position), '-q', '-f', '-o', 'rendered.png')
+                return sum(map(abs, map(operator.sub, luma('rendered.png'), luma('shot.png')))) / (480 * 270)
+            self.assertAlmostEqual(float(command[at]), frame / 29, 4)
+            if 'Dissolve 2' not in command:  # it takes the pixels in another order each time
+                right = difference(command[at])
+                self.assertLess(right, 4, command)
+                for other in {max(frame - 1, 0), min(frame + 1, 29)} if number % 4 == 0 else ():
+                    self.assertLess(right, difference(other / 29) + 0.3, command)
+            self.press('n')
+
+    def test_search_families_and_keys(self):
+        self.open('no-preference')
+        self.press('/', 'round zoom')
+        self.assertEqual(self.texts('.name'), ['Round_zoom_out', 'Round_zoom_in'])
+        self.press(Keys.CONTROL, 'a', Keys.NULL, Keys.DELETE)
+        for family, count in (('warps', 6), ('blends', 3), ('shapes', 14), ('strips', 22)):
+            [b for b in self.find('#families button') if b.text.lower() == family][0].click()
+            self.assertEqual(self.texts('.family'), [family] * count)
+        self.script('arguments[0].focus()', self.find('.tile')[0])
+        self.press(Keys.ARROW_RIGHT)
+        self.press(Keys.ENTER)
+        self.until(lambda: self.find('.playing'), 'plays')
+        self.press(Keys.SPACE, Keys.END, Keys.ARROW_LEFT)
+        self.assertEqual(self.texts('h2, #frame, #position'), ['Col_vantle', '28 / 29', '0.9655'])
+        self.press('p', Keys.ESCAPE)
+        self.assertEqual(self.script('return document.activeElement.textContent'), 'Row_vantlestrips')
+
+    def test_fits_a_narrow_screen_names_everything_and_is_small(self):
+        self.open('reduce', 390, 844)
+        self.find('.tile')[0].click()
+        self.assertLessEqual(self.script('return document.documentElement.scrollWidth'), 390)
+        self.assertEqual(self.script('''return [...document.querySelectorAll("button, input, canvas")].filter((e) =>
+            !(e.ariaLabel || e.textContent.trim() || e.labels?.length)).map((e) => e.outerHTML)'''), [])
+        self.assertLess(sum(f.stat().st_size for f in folder.glob('gallery/**/*') if f.is_file()), 25e6)
+
+
+unittest.main(argv=sys.argv[:1])
