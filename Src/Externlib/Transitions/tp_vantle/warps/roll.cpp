@@ -42,10 +42,17 @@ struct Edge {
     double width;
 };
 
-/// Angles are measured from `startSide` for their sines; `tangentOf(x, up)` is a pixel's tangent, `up` rows
-/// above the line below the picture.
+/// Draws the edge seen as a ray at `angle` clockwise from the upward vertical; `tangentOf(x, up)` is a
+/// pixel's tangent, `up` rows above the line below the picture.
 template <typename TangentOf>
-void draw(const Stage& stage, const Edge& edge, const Ray& ray, Fourth fourth, TangentOf tangentOf) {
+void draw(const Stage& stage, const Edge& edge, double angle, double scale, Fourth fourth,
+          TangentOf tangentOf) {
+    const Ray ray{.column = 0,
+                  .row = stage.height(),
+                  .sine = std::sin(angle),
+                  .cosine = std::cos(angle),
+                  .scale = scale,
+                  .tolerance = 1e-9};
     for (Row row : stage.rows()) {
         const auto tangentAt = [&](std::int32_t x) {
             return tangentOf(static_cast<double>(x), static_cast<double>(stage.height() - row.y()));
@@ -57,8 +64,6 @@ void draw(const Stage& stage, const Edge& edge, const Ray& ray, Fourth fourth, T
     }
 }
 
-constexpr double tolerance = 1e-9;
-
 }  // namespace
 
 /// From the left side to the bottom, all bytes.
@@ -66,13 +71,8 @@ VANTLE_API void TrRollClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, 
     const Stage stage(imgOut, imgFrom, imgTo);
     if (!stage.drawable()) return;
     const Edge edge(travel * Progress(param, Progress::Range::any).eased());
-    const Ray ray{.column = 0,
-                  .row = stage.height(),
-                  .sine = std::sin(edge.origin),
-                  .cosine = std::cos(edge.origin),
-                  .scale = -255.0 / edge.width,
-                  .tolerance = tolerance};
-    draw(stage, edge, ray, Fourth::mixed, [](double x, double up) { return x / up; });
+    draw(stage, edge, edge.origin, -255.0 / edge.width, Fourth::mixed,
+         [](double x, double up) { return x / up; });
 }
 
 /// From the bottom to the left side; byte 3 stays. The left column is beyond that side and comes last.
@@ -80,11 +80,6 @@ VANTLE_API void TrRollAntiClockwise(DIImage imgOut, DIImage imgFrom, DIImage img
     const Stage stage(imgOut, imgFrom, imgTo);
     if (!stage.drawable()) return;
     const Edge edge(travel * Progress(param, Progress::Range::any).eased());
-    const Ray ray{.column = 0,
-                  .row = stage.height(),
-                  .sine = std::cos(edge.origin),
-                  .cosine = std::sin(edge.origin),
-                  .scale = 255.0 / edge.width,
-                  .tolerance = tolerance};
-    draw(stage, edge, ray, Fourth::ofFrom, [](double x, double up) { return up / x; });
+    draw(stage, edge, quarterTurn - edge.origin, 255.0 / edge.width, Fourth::ofFrom,
+         [](double x, double up) { return up / x; });
 }
