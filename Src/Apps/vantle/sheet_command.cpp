@@ -101,7 +101,7 @@ std::string write(std::string text, int x, int middle, int size, const char* col
     std::ranges::replace_if(
         text, [](char c) { return std::string_view("\\':,;[]=%").find(c) != std::string_view::npos; }, '?');
     return "drawtext=font=DejaVu Sans:expansion=none:text='" + text + "':x=" + std::to_string(x) +
-           ":y=" + std::to_string(middle - size * 3 / 8) + ":fontsize=" + std::to_string(size) +
+           ":y=" + std::to_string(middle + size * 3 / 8) + "-ascent:fontsize=" + std::to_string(size) +
            ":fontcolor=" + colour + ",";
 }
 

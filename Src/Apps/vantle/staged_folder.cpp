@@ -10,7 +10,6 @@
 #include <fstream>
 #include <string>
 #include <system_error>
-#include <utility>
 
 #include "error.h"
 
@@ -29,12 +28,12 @@ namespace fs = std::filesystem;
 }
 
 /// `folder/` means `folder`.
-fs::path withoutSlash(fs::path path) { return path.has_filename() ? path : path.parent_path(); }
+fs::path withoutSlash(const fs::path& path) { return path.has_filename() ? path : path.parent_path(); }
 
 }  // namespace
 
-StagedFolder::StagedFolder(fs::path target, bool overwrite, std::span<const std::string_view> own)
-    : target_(withoutSlash(std::move(target))), overwrite_(overwrite) {
+StagedFolder::StagedFolder(const fs::path& target, bool overwrite, std::span<const std::string_view> own)
+    : target_(withoutSlash(target)), overwrite_(overwrite) {
     std::error_code error;
     const fs::file_status status = fs::symlink_status(target_, error);
     if (fs::exists(status)) {

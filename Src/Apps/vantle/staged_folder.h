@@ -14,7 +14,7 @@ class StagedFolder {
     /// Creates the empty folder beside `target`. Throws Error when the target exists and may not be
     /// overwritten, or holds anything but files or folders called as in `own`: what somebody else put there
     /// is never removed.
-    StagedFolder(std::filesystem::path target, bool overwrite, std::span<const std::string_view> own);
+    StagedFolder(const std::filesystem::path& target, bool overwrite, std::span<const std::string_view> own);
     StagedFolder(const StagedFolder&) = delete;
     StagedFolder& operator=(const StagedFolder&) = delete;
     ~StagedFolder();
