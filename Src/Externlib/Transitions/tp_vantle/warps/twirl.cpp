@@ -1,6 +1,7 @@
 // Twirl: the outgoing frame turns once clockwise about the centre while it shrinks, on black, to a twentieth;
 // then the incoming one turns once more and grows from there.
 #include <cmath>
+#include <optional>
 
 #include "frame/crossing.h"
 #include "frame/multiversion.h"
@@ -44,6 +45,13 @@ struct Span {
     std::int32_t first, end;
 };
 
+/// A row in the making, whose picture ends before column `end`.
+struct Line {
+    Row row;
+    TurnedRow turned;
+    std::int32_t end;
+};
+
 /// The columns 0 to `width` - 1 whose coordinate `at(x)`, which only rises or only falls, lies inside.
 template <typename At>
 Span columnsInside(std::int32_t width, const Extent& extent, bool rising, At at) {
@@ -71,6 +79,52 @@ VANTLE_MULTIVERSION static void findSources(std::int32_t* columns, std::int32_t*
 
 }  // namespace vantle
 
+/// The picture of `source` turned clockwise by `angle` and scaled, on black. A turned row crosses the memory
+/// of its source; drawn in blocks of rows and columns, neighbours find what they need still at hand.
+static void drawTurned(const Stage& stage, Source source, double angle, float scale) {
+    const std::int32_t width = stage.width();
+    const Extent across(width, scale);
+    const Extent down(stage.height(), scale);
+    const std::int32_t centreColumn = width >> 1;
+    const std::int32_t centreRow = stage.height() >> 1;
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    constexpr std::int32_t blockRows = 32;
+    constexpr std::int32_t blockColumns = 256;
+    for (std::int32_t above = stage.height(); above > 0; above -= blockRows) {
+        std::optional<Line> lines[blockRows];
+        const std::int32_t count = std::min(above, blockRows);
+        for (std::int32_t i = 0; i < count; ++i) {
+            Row row = stage.row(above - 1 - i);
+            const double dy = row.y() - centreRow;
+            const TurnedRow turned{cosine, sine, static_cast<double>(truncated(sine * dy + centreColumn)),
+                                   static_cast<double>(truncated(cosine * dy)),
+                                   static_cast<double>(centreRow)};
+            const Span columns = columnsInside(width, across, cosine >= 0.0, [&](std::int32_t x) {
+                return turned.columnAt(x - centreColumn);
+            });
+            const Span rows = columnsInside(width, down, sine <= 0.0,
+                                            [&](std::int32_t x) { return turned.rowAt(x - centreColumn); });
+            row.black(std::max(columns.first, rows.first));
+            lines[i].emplace(Line{row, turned, std::min(columns.end, rows.end)});
+        }
+        for (std::int32_t blockEnd = 0; blockEnd < width;) {
+            blockEnd = std::min(blockEnd + blockColumns, width);
+            for (std::int32_t i = 0; i < count; ++i) {
+                auto& [row, turned, lineEnd] = *lines[i];
+                const std::int32_t end = std::min(blockEnd, lineEnd);
+                if (row.x() >= end) continue;
+                std::int32_t sourceColumns[blockColumns];
+                std::int32_t sourceRows[blockColumns];
+                findSources(sourceColumns, sourceRows, across, down, turned, row.x() - centreColumn,
+                            end - row.x());
+                row.picked(source, sourceColumns, sourceRows, end);
+            }
+        }
+        for (std::int32_t i = 0; i < count; ++i) lines[i]->row.black(width);
+    }
+}
+
 /// Whole pixels on black, whose byte 3 is not written, nor is the padding but at the very end.
 VANTLE_API void TrTwrl(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
     constexpr double pi = 3.141592653589793;
@@ -84,39 +138,15 @@ VANTLE_API void TrTwrl(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tra
     }
     const Progress progress(param);
     const double position = progress.position();
+    if (progress.duration() == position + position) {
+        for (Row row : stage.rows()) row.black(stage.width());
+        return;
+    }
     const double half = progress.duration() * 0.5;
     const bool firstHalf = progress.duration() > position + position;
-    const bool midpoint = progress.duration() == position + position;
     const double passed = firstHalf ? position : position - half;
     const double angle = (passed / half + passed / half) * pi;
     const double grown = firstHalf ? half - position : passed;
     const auto scale = static_cast<float>(grown * rest / half + shrunk);
-
-    const std::int32_t width = stage.width();
-    const Extent across(width, scale);
-    const Extent down(stage.height(), scale);
-    const std::int32_t centreColumn = width >> 1;
-    const std::int32_t centreRow = stage.height() >> 1;
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-    for (Row row : stage.rows()) {
-        const double dy = row.y() - centreRow;
-        const TurnedRow turned{cosine, sine, static_cast<double>(truncated(sine * dy + centreColumn)),
-                               static_cast<double>(truncated(cosine * dy)), static_cast<double>(centreRow)};
-        const Span columns = columnsInside(width, across, cosine >= 0.0,
-                                           [&](std::int32_t x) { return turned.columnAt(x - centreColumn); });
-        const Span rows = columnsInside(width, down, sine <= 0.0,
-                                        [&](std::int32_t x) { return turned.rowAt(x - centreColumn); });
-        row.black(std::max(columns.first, rows.first));
-        const std::int32_t end = midpoint ? 0 : std::min(columns.end, rows.end);
-        while (row.x() < end) {
-            constexpr std::int32_t tile = 256;
-            const std::int32_t count = std::min(end - row.x(), tile);
-            std::int32_t sourceColumns[tile];
-            std::int32_t sourceRows[tile];
-            findSources(sourceColumns, sourceRows, across, down, turned, row.x() - centreColumn, count);
-            row.picked(firstHalf ? Source::from : Source::to, sourceColumns, sourceRows, row.x() + count);
-        }
-        row.black(width);
-    }
+    drawTurned(stage, firstHalf ? Source::from : Source::to, angle, scale);
 }
