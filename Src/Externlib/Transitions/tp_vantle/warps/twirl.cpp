@@ -89,8 +89,8 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
     const std::int32_t centreRow = stage.height() >> 1;
     const double cosine = std::cos(angle);
     const double sine = std::sin(angle);
-    constexpr std::int32_t blockRows = 32;
-    constexpr std::int32_t blockColumns = 256;
+    constexpr std::int32_t blockRows = 16;
+    constexpr std::int32_t blockColumns = 64;
     for (std::int32_t above = stage.height(); above > 0; above -= blockRows) {
         std::optional<Line> lines[blockRows];
         const std::int32_t count = std::min(above, blockRows);
