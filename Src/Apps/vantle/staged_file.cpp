@@ -5,27 +5,18 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "error.h"
+#include "staging.h"
 
 namespace vantle {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-[[noreturn]] void fail(const fs::path& target, int error) {
-    throw Error("cannot write " + target.string() + ": " + std::generic_category().message(error));
-}
-
-[[noreturn]] void refuse(const fs::path& target) {
-    throw Error(target.string() + " exists; --force overwrites it");
-}
 
 }  // namespace
 
@@ -35,18 +26,13 @@ StagedFile::StagedFile(fs::path target, bool overwrite) : target_(std::move(targ
     if (fs::exists(status) && !fs::is_regular_file(status))
         throw Error(target_.string() + " is not a regular file");
     // A link that leads nowhere is there too.
-    if (!overwrite_ && fs::exists(fs::symlink_status(target_, ignored))) refuse(target_);
+    if (!overwrite_ && fs::exists(fs::symlink_status(target_, ignored))) refuseToReplace(target_);
     // A link stays one: the file that it leads to is replaced.
     if (fs::is_regular_file(status) && fs::is_symlink(target_, ignored)) target_ = fs::canonical(target_);
-    std::string name = fs::path(target_).remove_filename() / ".";
-    constexpr std::size_t longestName = NAME_MAX - 8;  // with the dots and the six letters
-    name += target_.filename().string().substr(0, longestName) + ".XXXXXX";
+    std::string name = stagingName(target_);
     const int file = mkstemp(name.data());
-    if (file < 0) fail(target_, errno);
-    // mkstemp makes files that only the owner may read; an output gets the rights of any new file.
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, 0666 & ~mask);
+    if (file < 0) failToWrite(target_, errno);
+    fchmod(file, permitted(0666));
     close(file);
     path_ = name;
 }
@@ -65,11 +51,11 @@ void StagedFile::commit() {
     int result = -1;
     if (!overwrite_) {
         result = renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE);
-        if (result != 0 && errno == EEXIST) refuse(target_);
+        if (result != 0 && errno == EEXIST) refuseToReplace(target_);
     }
     // Also where the file system knows no rename that refuses to replace.
     if (result != 0) result = std::rename(path_.c_str(), target_.c_str());
-    if (result != 0) fail(target_, errno);
+    if (result != 0) failToWrite(target_, errno);
     path_.clear();
 }
 

@@ -12,20 +12,13 @@
 #include <system_error>
 
 #include "error.h"
+#include "staging.h"
 
 namespace vantle {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-[[noreturn]] void fail(const fs::path& target, int error) {
-    throw Error("cannot write " + target.string() + ": " + std::generic_category().message(error));
-}
-
-[[noreturn]] void refuse(const fs::path& target) {
-    throw Error(target.string() + " exists; --force overwrites it");
-}
 
 /// `folder/` means `folder`.
 fs::path withoutSlash(const fs::path& path) { return path.has_filename() ? path : path.parent_path(); }
@@ -38,20 +31,16 @@ StagedFolder::StagedFolder(const fs::path& target, bool overwrite, std::span<con
     const fs::file_status status = fs::symlink_status(target_, error);
     if (fs::exists(status)) {
         if (!fs::is_directory(status)) throw Error(target_.string() + " is not a folder");
-        if (!overwrite_) refuse(target_);
+        if (!overwrite_) refuseToReplace(target_);
         for (const fs::directory_entry& entry : fs::directory_iterator(target_, error))
             if (const std::string name = entry.path().filename(); std::ranges::find(own, name) == own.end())
                 throw Error(target_.string() + " holds " + name +
                             ", which does not belong there; it is not overwritten");
-        if (error) fail(target_, error.value());
+        if (error) failToWrite(target_, error.value());
     }
-    std::string name = fs::path(target_).remove_filename() / ".";
-    name += target_.filename().string() + ".XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) fail(target_, errno);
-    // mkdtemp makes folders that only the owner may read; an output gets the rights of any new folder.
-    const mode_t mask = umask(0);
-    umask(mask);
-    chmod(name.c_str(), 0777 & ~mask);
+    std::string name = stagingName(target_);
+    if (mkdtemp(name.data()) == nullptr) failToWrite(target_, errno);
+    chmod(name.c_str(), permitted(0777));
     path_ = name;
 }
 
@@ -67,7 +56,7 @@ void StagedFolder::write(const fs::path& name, std::string_view contents) const 
     std::ofstream out(path_ / name, std::ios::binary);
     out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
     out.close();
-    if (!out) fail(target_ / name, errno);
+    if (!out) failToWrite(target_ / name, errno);
 }
 
 void StagedFolder::commit() {
@@ -75,16 +64,16 @@ void StagedFolder::commit() {
         path_.clear();
         return;
     }
-    if (errno == EEXIST && !overwrite_) refuse(target_);
+    if (errno == EEXIST && !overwrite_) refuseToReplace(target_);
     // In one step, so that a folder stands there at every moment; the old one now has the staging name.
     if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), RENAME_EXCHANGE) == 0) return;
     // A file system without such renames: an old gallery goes first.
     std::error_code error;
     if (fs::exists(target_, error)) {
-        if (!overwrite_) refuse(target_);
+        if (!overwrite_) refuseToReplace(target_);
         fs::remove_all(target_, error);
     }
-    if (std::rename(path_.c_str(), target_.c_str()) != 0) fail(target_, errno);
+    if (std::rename(path_.c_str(), target_.c_str()) != 0) failToWrite(target_, errno);
     path_.clear();
 }
 
