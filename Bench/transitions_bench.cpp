@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "image.h"
-#include "plugin.h"
+#include "Host/image.h"
+#include "Host/plugin.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "plugin.h"
+#include "Host/plugin.h"
 
 namespace vantle {
 

@@ -16,12 +16,12 @@ extern "C" {
 #include <libavutil/parseutils.h>
 }
 
-#include "error.h"
-#include "gallery_command.h"
-#include "interrupt.h"
+#include "Host/error.h"
 #include "list_command.h"
+#include "overview/gallery.h"
+#include "overview/sheet.h"
 #include "render_command.h"
-#include "sheet_command.h"
+#include "system/interrupt.h"
 
 namespace {
 

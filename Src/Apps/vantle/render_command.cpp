@@ -6,12 +6,12 @@
 #include <memory>
 #include <span>
 
-#include "clip.h"
-#include "join.h"
-#include "plugin.h"
-#include "progress_bar.h"
-#include "soundtrack.h"
-#include "writer.h"
+#include "Host/plugin.h"
+#include "output/writer.h"
+#include "system/progress_bar.h"
+#include "timeline/clip.h"
+#include "timeline/join.h"
+#include "timeline/soundtrack.h"
 
 namespace vantle {
 

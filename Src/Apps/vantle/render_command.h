@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "canvas.h"
-#include "renderer.h"
+#include "media/canvas.h"
+#include "timeline/renderer.h"
 
 namespace vantle {
 

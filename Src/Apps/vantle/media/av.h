@@ -1,0 +1,63 @@
+/// Owning handles for the FFmpeg libraries, and their errors as exceptions.
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavfilter/avfilter.h>
+#include <libavformat/avformat.h>
+#include <libavutil/frame.h>
+#include <libswscale/swscale.h>
+}
+
+#include <memory>
+#include <string>
+
+#include "Host/error.h"
+
+namespace vantle::av {
+
+struct Delete {
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
+    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+    void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
+    void operator()(AVFilterInOut* pads) const { avfilter_inout_free(&pads); }
+    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+using Frame = std::unique_ptr<AVFrame, Delete>;
+using Packet = std::unique_ptr<AVPacket, Delete>;
+using Input = std::unique_ptr<AVFormatContext, Delete>;
+using Codec = std::unique_ptr<AVCodecContext, Delete>;
+using Graph = std::unique_ptr<AVFilterGraph, Delete>;
+using Pads = std::unique_ptr<AVFilterInOut, Delete>;
+using Scaler = std::unique_ptr<SwsContext, Delete>;
+
+/// What an error code means, in words.
+inline std::string message(int code) {
+    char text[AV_ERROR_MAX_STRING_SIZE] = "";
+    av_strerror(code, text, sizeof text);
+    return text;
+}
+
+/// `code`, or an Error that says `what` failed when it is negative.
+inline int check(int code, const std::string& what) {
+    if (code < 0) throw Error(what + ": " + message(code));
+    return code;
+}
+
+/// `pointer`, or an Error when an allocation returned null.
+template <typename T>
+T* check(T* pointer, const std::string& what) {
+    if (pointer == nullptr) throw Error(what + ": out of memory");
+    return pointer;
+}
+
+inline Frame makeFrame() { return Frame(check(av_frame_alloc(), "frame")); }
+inline Packet makePacket() { return Packet(check(av_packet_alloc(), "packet")); }
+
+/// Another reference to the same picture or samples.
+inline Frame share(const AVFrame& frame) { return Frame(check(av_frame_clone(&frame), "frame")); }
+
+}  // namespace vantle::av

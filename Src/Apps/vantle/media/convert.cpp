@@ -1,0 +1,61 @@
+#include "media/convert.h"
+
+#include <algorithm>
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+namespace vantle {
+
+namespace {
+
+bool sameLayout(const PixelView& a, const PixelView& b) {
+    return a.width == b.width && a.height == b.height && a.format == b.format && a.space == b.space &&
+           a.range == b.range;
+}
+
+const int* coefficients(AVColorSpace space) { return sws_getCoefficients(space); }
+
+int isFullRange(const PixelView& view) { return view.range == AVCOL_RANGE_JPEG ? 1 : 0; }
+
+}  // namespace
+
+PixelView viewOf(const AVFrame& frame) {
+    PixelView view{{},
+                   {},
+                   frame.width,
+                   frame.height,
+                   static_cast<AVPixelFormat>(frame.format),
+                   frame.colorspace,
+                   frame.color_range};
+    std::copy_n(frame.data, 4, view.data);
+    std::copy_n(frame.linesize, 4, view.stride);
+    return view;
+}
+
+PixelView viewOf(DIImage image) {
+    const int pitch = DIGetPitch(image);
+    const int height = DIGetHeight(image);
+    std::uint8_t* const top = DIGetBits(image) + static_cast<std::ptrdiff_t>(height - 1) * pitch;
+    return {{top}, {-pitch}, DIGetWidth(image), height, AV_PIX_FMT_BGRA, AVCOL_SPC_RGB, AVCOL_RANGE_JPEG};
+}
+
+void Converter::convert(const PixelView& from, const PixelView& to) {
+    if (!scaler_ || !sameLayout(from, lastFrom_) || !sameLayout(to, lastTo_)) {
+        const int flags =
+            filter_ | (smoothChroma_ ? SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_ACCURATE_RND : 0);
+        scaler_.reset(sws_getContext(from.width, from.height, from.format, to.width, to.height, to.format,
+                                     flags, nullptr, nullptr, nullptr));
+        if (!scaler_)
+            throw Error(std::string("cannot convert pixels from ") + av_get_pix_fmt_name(from.format) +
+                        " to " + av_get_pix_fmt_name(to.format));
+        sws_setColorspaceDetails(scaler_.get(), coefficients(from.space), isFullRange(from),
+                                 coefficients(to.space), isFullRange(to), 0, 1 << 16, 1 << 16);
+        lastFrom_ = from;
+        lastTo_ = to;
+    }
+    sws_scale(scaler_.get(), from.data, from.stride, 0, from.height, to.data, to.stride);
+}
+
+}  // namespace vantle

@@ -1,0 +1,47 @@
+/// Pixel formats: decoded pictures to frames of the image library and back, colours kept.
+#pragma once
+
+#include <cstdint>
+
+#include "Host/image.h"
+#include "media/av.h"
+
+namespace vantle {
+
+/// Pixels in memory with what is needed to understand their colours.
+struct PixelView {
+    std::uint8_t* data[4];
+    int stride[4];
+    int width;
+    int height;
+    AVPixelFormat format;
+    AVColorSpace space;  ///< meaningful for YUV formats
+    AVColorRange range;  ///< meaningful for YUV formats
+};
+
+/// A decoded picture.
+PixelView viewOf(const AVFrame& frame);
+
+/// A frame of the image library, stored bottom-up: its first line is the last in memory, so lines go back.
+PixelView viewOf(DIImage image);
+
+/// Converts between pixel formats and sizes; keeps its tables while those stay the same.
+class Converter {
+   public:
+    /// `smoothChroma` interpolates halved chroma when it makes RGB (for pictures to look at); without it a
+    /// trip to RGB and back leaves halved chroma as it was (for video). `filter` is libswscale's, for sizes
+    /// that differ.
+    explicit Converter(bool smoothChroma, int filter = SWS_BICUBIC)
+        : smoothChroma_(smoothChroma), filter_(filter) {}
+
+    void convert(const PixelView& from, const PixelView& to);
+
+   private:
+    bool smoothChroma_;
+    int filter_;
+    av::Scaler scaler_;
+    PixelView lastFrom_{};
+    PixelView lastTo_{};
+};
+
+}  // namespace vantle

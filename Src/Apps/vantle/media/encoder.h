@@ -1,0 +1,33 @@
+/// An encoder of pictures or sound.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "media/av.h"
+
+namespace vantle {
+
+class Encoder {
+   public:
+    /// Names and values of an encoder's settings, as FFmpeg knows them.
+    using Options = std::map<std::string, std::string>;
+
+    /// Opens the encoder of FFmpeg called `name`, or of `id` when that is null; `setUp` fills in its context
+    /// before. Throws Error when there is none or it refuses, and UsageError when it does not know an option.
+    Encoder(const char* name, AVCodecID id, const Options& options,
+            const std::function<void(AVCodecContext&)>& setUp);
+
+    AVCodecContext& context() const { return *context_; }
+
+    /// Takes a frame, null for the end; `sink` then gets every packet that is ready.
+    void encode(const AVFrame* frame, const std::function<void(AVPacket&)>& sink);
+
+   private:
+    std::string name_;
+    av::Codec context_;
+    av::Packet packet_ = av::makePacket();
+};
+
+}  // namespace vantle

@@ -1,0 +1,106 @@
+#include "output/picture_writer.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <array>
+#include <cerrno>
+#include <deque>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "media/encoder.h"
+#include "output/staged_file.h"
+
+namespace vantle {
+
+namespace {
+
+class PictureWriter final : public Writer {
+   public:
+    explicit PictureWriter(const WriterOptions& options)
+        : name_(options.name),
+          overwrite_(options.overwrite),
+          encoder_(nullptr, pictureCodec(options.name), {}, [&](AVCodecContext& codec) {
+              codec.width = options.canvas.size.width;
+              codec.height = options.canvas.size.height;
+              codec.time_base = {1, 1};
+              int loss = 0;
+              codec.pix_fmt =
+                  avcodec_find_best_pix_fmt_of_list(codec.codec->pix_fmts, AV_PIX_FMT_RGB24, 0, &loss);
+              codec.color_range = AVCOL_RANGE_JPEG;
+              codec.colorspace = isRgb(codec.pix_fmt) ? AVCOL_SPC_RGB : AVCOL_SPC_BT470BG;
+              // For codecs with a quality scale: close to lossless.
+              codec.flags |= AV_CODEC_FLAG_QSCALE;
+              codec.global_quality = 2 * FF_QP2LAMBDA;
+          }) {}
+
+    PictureFormat pictureFormat() const override {
+        const AVCodecContext& codec = encoder_.context();
+        return {codec.pix_fmt, codec.colorspace, codec.color_range};
+    }
+
+    void write(av::Frame picture, std::int64_t number) override {
+        const std::string numbered = numberedName(name_, number);
+        // Its name is taken now, so that an output that may not be overwritten ends the rendering at once.
+        files_.emplace_back(numbered.empty() ? name_ : numbered, overwrite_);
+        picture->pict_type = AV_PICTURE_TYPE_NONE;
+        picture->quality = encoder_.context().global_quality;
+        picture->pts = static_cast<std::int64_t>(files_.size()) - 1;
+        encode(picture.get());
+    }
+
+    void finish() override {
+        encode(nullptr);
+        for (StagedFile& file : files_) file.commit();
+    }
+
+   private:
+    static bool isRgb(AVPixelFormat format) {
+        return (av_pix_fmt_desc_get(format)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    }
+
+    void encode(const AVFrame* picture) {
+        encoder_.encode(picture, [&](const AVPacket& packet) {
+            const StagedFile& file = files_.at(written_++);
+            errno = 0;
+            std::ofstream out(file.path(), std::ios::binary);
+            out.write(reinterpret_cast<const char*>(packet.data), packet.size);
+            out.close();
+            if (!out)
+                throw Error("cannot write " + file.target().string() + ": " +
+                            std::generic_category().message(errno));
+        });
+    }
+
+    std::string name_;
+    bool overwrite_;
+    Encoder encoder_;
+    std::deque<StagedFile> files_;
+    std::size_t written_ = 0;
+};
+
+}  // namespace
+
+AVCodecID pictureCodec(const std::string& name) {
+    const AVOutputFormat* const format = av_guess_format(nullptr, name.c_str(), nullptr);
+    if (format == nullptr || std::string_view(format->name) != "image2") return AV_CODEC_ID_NONE;
+    const AVCodecID codec = av_guess_codec(format, nullptr, name.c_str(), nullptr, AVMEDIA_TYPE_VIDEO);
+    return avcodec_find_encoder(codec) != nullptr ? codec : AV_CODEC_ID_NONE;
+}
+
+std::string numberedName(const std::string& pattern, std::int64_t number) {
+    std::array<char, 4096> name{};
+    const int code = av_get_frame_filename(name.data(), static_cast<int>(name.size()), pattern.c_str(),
+                                           static_cast<int>(number));
+    return code >= 0 ? name.data() : std::string();
+}
+
+std::unique_ptr<Writer> makePictureWriter(const WriterOptions& options) {
+    return std::make_unique<PictureWriter>(options);
+}
+
+}  // namespace vantle

@@ -1,0 +1,74 @@
+/// Outputs of a rendering: a video, numbered pictures or one picture, by the output's name.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "media/av.h"
+#include "media/canvas.h"
+#include "media/sound_format.h"
+
+namespace vantle {
+
+/// How pixels are to be for a writer.
+struct PictureFormat {
+    AVPixelFormat pixels = AV_PIX_FMT_NONE;
+    AVColorSpace space = AVCOL_SPC_RGB;
+    AVColorRange range = AVCOL_RANGE_JPEG;
+};
+
+/// A new picture for a writer, its pixels not set.
+av::Frame blankPicture(Size size, const PictureFormat& format);
+
+/// Takes pictures (and sound) in order. Nothing stands under the output's name before `finish` has returned,
+/// and nothing of it stays when that is never called. Every failure to write throws Error.
+class Writer {
+   public:
+    virtual ~Writer() = default;
+
+    /// The format that pictures must have.
+    virtual PictureFormat pictureFormat() const = 0;
+
+    /// The next picture. `number` counts the pictures of the rendering from 0.
+    virtual void write(av::Frame picture, std::int64_t number) = 0;
+
+    /// Completes the output and gives it its name.
+    virtual void finish() = 0;
+
+    /// The format that sound must have; none for a writer without sound.
+    virtual std::optional<SoundFormat> soundFormat() const { return {}; }
+
+    /// The next samples of sound, in that format.
+    virtual void writeSound(av::Frame /*samples*/) {}
+};
+
+/// A video file format, with the encoders that suit it.
+struct MovieKind;
+
+/// What an output's name asks for: a video (with its kind), numbered pictures, or one picture.
+struct OutputKind {
+    const MovieKind* movie = nullptr;
+    bool numbered = false;
+    bool holdsSound = false;
+    bool evenSize = false;  ///< the pixel format halves the chroma: width and height must be even
+};
+
+/// The kind of output with this name. Throws UsageError when its ending is none that can be written.
+OutputKind outputKind(const std::string& name);
+
+struct WriterOptions {
+    std::string name;
+    Canvas canvas;
+    const AVFrame* colours = nullptr;    ///< a picture whose description of its colours a video takes over
+    std::optional<int> soundSampleRate;  ///< rate of the inputs' sound, if it is wanted
+    bool overwrite = false;
+    std::map<std::string, std::string> encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
+};
+
+/// The writer for an output of a kind.
+std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options);
+
+}  // namespace vantle

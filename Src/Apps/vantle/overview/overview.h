@@ -1,0 +1,70 @@
+/// Many transitions between the same two inputs, drawn at the same positions.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "Host/image.h"
+#include "Host/plugin.h"
+#include "media/canvas.h"
+
+namespace vantle {
+
+/// What every overview of transitions is asked for with.
+struct OverviewOptions {
+    std::string plugin;  ///< path of the plug-in; empty for the installed one
+    std::string from;    ///< outgoing input
+    std::string to;      ///< incoming input
+    std::string output;
+    std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions; empty for all
+    double duration = 1.0;                 ///< seconds of overlap
+    std::optional<AVRational> fps;         ///< FROM's when absent
+    Fit fit = Fit::contain;
+    bool force = false;
+    bool quiet = false;
+};
+
+/// The name under which a transition is shown and can be asked for.
+const std::string& shownName(const Transition& transition);
+
+class Overview {
+   public:
+    /// Loads the plug-in and the pictures of the overlap at `positions` (0 to 1, ascending), which are the
+    /// ones that a rendering shows there. `frameSize` says how large the frames are, given FROM's size.
+    Overview(const OverviewOptions& options, std::span<const double> positions,
+             const std::function<Size(Size)>& frameSize);
+
+    /// The transitions to show, each once.
+    std::span<const Transition> transitions() const { return transitions_; }
+
+    Size size() const { return size_; }
+
+    /// Uses a finished frame: number of the transition, number of the position, and the frame itself, which
+    /// holds only during the call.
+    using Sink = std::function<void(std::size_t transition, std::size_t position, DIImage frame)>;
+
+    /// Draws everything, one transition per core at a time; `sink` is called on several threads at once, but
+    /// for one transition in the order of positions.
+    void draw(bool quiet, const Sink& sink) const;
+
+   private:
+    /// A position with the frames that meet there. Frames of a still are shared by all.
+    struct Moment {
+        std::shared_ptr<const Image> from;
+        std::shared_ptr<const Image> to;
+        double frame = 0.0;
+    };
+
+    Plugin plugin_;
+    std::vector<Transition> transitions_;
+    std::vector<Moment> moments_;
+    std::int64_t overlap_ = 1;
+    Size size_;
+};
+
+}  // namespace vantle

@@ -1,0 +1,124 @@
+#include "Host/plugin.h"
+
+#include <cxxabi.h>
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <numeric>
+#include <utility>
+
+#include "Host/error.h"
+#include "catalogue/catalogue.h"
+
+namespace vantle {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Transitions that a plug-in may export without a catalogue record.
+constexpr const char* uncatalogued[] = {"TrCrossSplit2", "TrRoundZoomIn2", "TrCirqueZoomIn"};
+
+fs::path installedPlugin() {
+    const fs::path bin = fs::read_symlink("/proc/self/exe").parent_path();
+    for (const fs::path& folder : {bin, bin / VANTLE_LIB_FROM_BIN})
+        if (fs::path library = folder / "libtp_vantle.so"; fs::exists(library)) return library;
+    return bin / VANTLE_LIB_FROM_BIN / "libtp_vantle.so";
+}
+
+// Catalogue texts are ASCII; anything else a plug-in might hold shows as a question mark.
+std::string narrow(const wchar_t* text) {
+    std::string result;
+    for (; *text != L'\0'; ++text) result += *text < 0x80 ? static_cast<char>(*text) : '?';
+    return result;
+}
+
+std::string lower(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](unsigned char c) { return std::tolower(c); });
+    return result;
+}
+
+/// The name under which C++ exports a transition function.
+std::string mangled(const std::string& function) {
+    return "_Z" + std::to_string(function.size()) + function + "PvS_S_PK10TransParam";
+}
+
+/// The name of the exported function at an address, without its parameters; empty when it has none.
+std::string functionName(TransFunc* function) {
+    Dl_info info{};
+    if (function == nullptr || dladdr(reinterpret_cast<void*>(function), &info) == 0 ||
+        info.dli_sname == nullptr)
+        return {};
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> name(
+        abi::__cxa_demangle(info.dli_sname, nullptr, nullptr, &status), &std::free);
+    const std::string whole = name ? name.get() : info.dli_sname;
+    return whole.substr(0, whole.find('('));
+}
+
+/// Edits (insert, delete, replace) that turn one text into the other: the Levenshtein distance.
+std::size_t distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] != b[j] ? 1 : 0);
+            diagonal = std::exchange(row[j + 1], std::min({row[j] + 1, row[j + 1] + 1, replaced}));
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+void Plugin::Close::operator()(void* library) const { dlclose(library); }
+
+Plugin::Plugin(const fs::path& library) {
+    // An absolute path, because a bare name would be searched for in the system's folders.
+    const fs::path path = fs::absolute(library.empty() ? installedPlugin() : library);
+    library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    if (!library_) throw Error("cannot load the plug-in: " + std::string(dlerror()));
+    const auto count = reinterpret_cast<decltype(&GetTransCount)>(symbol("GetTransCount"));
+    const auto record = reinterpret_cast<decltype(&GetTransInfo)>(symbol("GetTransInfo"));
+    if (count == nullptr || record == nullptr)
+        throw Error(path.string() + " is not a transition plug-in: it lacks the catalogue's entry points");
+
+    for (std::int32_t index = 0; index < count(); ++index) {
+        const TransInfo& info = *record(index);
+        transitions_.push_back({index, narrow(info.szName), functionName(info.pfnTransition),
+                                narrow(info.szGuid), info.pfnTransition});
+    }
+    for (const std::string function : uncatalogued)
+        if (void* const draw = symbol(mangled(function)); draw != nullptr)
+            transitions_.push_back({{}, {}, function, {}, reinterpret_cast<TransFunc*>(draw)});
+}
+
+void* Plugin::symbol(const std::string& name) const { return dlsym(library_.get(), name.c_str()); }
+
+const Transition& Plugin::find(std::string_view wanted) const {
+    const std::string key = lower(wanted);
+    const Transition* nearest = nullptr;
+    std::size_t fewest = std::max<std::size_t>(2, key.size() / 3) + 1;
+    for (const Transition& transition : transitions_) {
+        if (transition.index && key == std::to_string(*transition.index)) return transition;
+        for (const std::string& text : {transition.name, transition.guid, transition.function}) {
+            if (text.empty()) continue;
+            const std::size_t edits = distance(key, lower(text));
+            if (edits == 0) return transition;
+            if (edits < fewest) {
+                fewest = edits;
+                nearest = &transition;
+            }
+        }
+    }
+    std::string message = "no transition is called \"" + std::string(wanted) + "\"";
+    if (nearest != nullptr)
+        message += "; did you mean \"" + (nearest->name.empty() ? nearest->function : nearest->name) + "\"?";
+    throw UsageError(message + " (vantle list shows them all)");
+}
+
+}  // namespace vantle
