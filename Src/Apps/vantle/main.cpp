@@ -84,14 +84,13 @@ FrameRange parseFrames(const std::string& text) {
 
 // Options that mean the same in several commands; `Options` holds their values.
 
-template <typename Options>
-void addInputs(CLI::App& command, Options& options) {
-    command.add_option("FROM", options.from, "What is left")->required();
-    command.add_option("TO", options.to, "What comes")->required();
+void addInputs(CLI::App& command, JoinOptions& options) {
+    command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
+        ->required();
+    command.add_option("TO", options.to, "The input that the transition leads to")->required();
 }
 
-template <typename Options>
-void addOverlap(CLI::App& command, Options& options) {
+void addOverlap(CLI::App& command, JoinOptions& options) {
     command.add_option("--duration", options.duration, "Length of the transition in seconds")
         ->check(within(0.001, 3600.0))
         ->capture_default_str();
@@ -109,10 +108,11 @@ void addSize(CLI::App& command, Options& options, const std::string& meaning) {
         "--size", [&](const std::string& text) { options.size = parseSize(text); }, meaning);
 }
 
-template <typename Options>
-void addCommon(CLI::App& command, Options& options) {
+void addCommon(CLI::App& command, JoinOptions& options) {
     command.add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
     command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+    command.add_flag_callback(
+        "-v,--verbose", [] { av_log_set_level(AV_LOG_VERBOSE); }, "Show what FFmpeg's libraries say");
     command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
 }
 
@@ -122,12 +122,12 @@ void addRender(CLI::App& app, RenderOptions& options) {
         "FROM and TO are stills, videos, image sequences (img_%04d.png) or generated sources\n"
         "(lavfi:GRAPH, as lavfi:testsrc2=size=640x360:duration=3). OUT is a video (.mp4 .mkv .webm .mov\n"
         ".gif), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
-    addInputs(*command, options);
+    addInputs(*command, options.join);
     command->add_option("-t,--transition", options.transition, "Catalogue name, index, GUID or function name")
         ->required();
-    command->add_option("-o,--output", options.output, "What to write: its name says in which form")
+    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form")
         ->required();
-    addOverlap(*command, options);
+    addOverlap(*command, options.join);
     addSize(*command, options, "WIDTHxHEIGHT of the output (default: FROM's)");
     command
         ->add_option("--hold", options.hold,
@@ -142,25 +142,28 @@ void addRender(CLI::App& app, RenderOptions& options) {
         ->add_option_function<std::vector<std::string>>(
             "--encoder-option",
             [&](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts) options.encoderOptions.insert(parseSetting(text));
+                for (const std::string& text : texts) {
+                    const auto [key, value] = parseSetting(text);
+                    options.encoderOptions.insert_or_assign(key, value);
+                }
             },
             "KEY=VALUE for a video's encoder, as FFmpeg knows it (crf=23, preset=fast); repeatable")
         ->take_all();
-    addCommon(*command, options);
+    addCommon(*command, options.join);
     command->callback([&] { render(options); });
 }
 
 /// What the commands that show many transitions have in common.
 void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
-    addInputs(command, options);
-    command.add_option("-o,--output", options.output, output)->required();
+    addInputs(command, options.join);
+    command.add_option("-o,--output", options.join.output, output)->required();
     command
         .add_option("-t,--transition", options.transitions,
                     "Only this one, by catalogue name, index, GUID or function name; repeatable")
         ->expected(1)
         ->take_all();
-    addOverlap(command, options);
-    addCommon(command, options);
+    addOverlap(command, options.join);
+    addCommon(command, options.join);
 }
 
 void addSheet(CLI::App& app, SheetOptions& options) {

@@ -4,14 +4,13 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
-#include <span>
+#include <utility>
 
 #include "Host/plugin.h"
 #include "output/writer.h"
 #include "system/progress_bar.h"
-#include "timeline/clip.h"
-#include "timeline/join.h"
-#include "timeline/soundtrack.h"
+#include "timeline/painter.h"
+#include "timeline/sound.h"
 
 namespace vantle {
 
@@ -28,7 +27,7 @@ void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     if (options.at && options.frames) throw UsageError("--at and --frames exclude each other");
 }
 
-Size canvasSize(const RenderOptions& options, const Clip& from, bool even) {
+Size canvasSize(const RenderOptions& options, const Input& from, bool even) {
     Size size = options.size.value_or(from.size());
     if (std::max(size.width, size.height) > largestSide)
         throw Error(from.name() + ": its pictures show at " + std::to_string(size.width) + "x" +
@@ -42,84 +41,94 @@ Size canvasSize(const RenderOptions& options, const Clip& from, bool even) {
     return size;
 }
 
-/// Number of frames that the output will have, as far as the inputs state their lengths.
-std::optional<std::int64_t> expectedFrames(const Clip& from, const Clip& to, const Canvas& canvas,
-                                           std::int64_t overlap, std::int64_t hold, FrameRange wanted) {
-    std::int64_t total = -overlap;
-    for (const Clip* clip : {&from, &to}) {
-        const std::optional<double> seconds = clip->statedSeconds();
-        if (!clip->endless() && !seconds) return {};
-        total += clip->endless() ? overlap + hold : std::llround(*seconds * av_q2d(canvas.rate));
+/// Draws the wanted frames of a film into a writer, with their sound where it takes any.
+class Rendering {
+   public:
+    Rendering(const Film& film, FrameRange wanted, Writer& writer, ProgressBar& progress)
+        : writer_(writer),
+          progress_(progress),
+          next_(wanted.first),
+          end_(std::min(film.frames() - 1, wanted.last) + 1),
+          reader_(film, next_, writer.soundFormat().has_value()),
+          painter_(film.canvas.size, writer.pictureFormat()) {
+        if (const std::optional<SoundFormat> format = writer.soundFormat())
+            sound_.emplace(film, *format, next_);
     }
-    return std::max<std::int64_t>(std::min(total - 1, wanted.last) - wanted.first + 1, 0);
-}
+
+    void run() {
+        for (; next_ < end_; ++next_) {
+            writer_.write(painter_.paint(reader_.next()), next_);
+            progress_.update(++written_);
+            if (sound_) sound_->advance(next_ + 1);
+            writeSound();
+        }
+        if (sound_) sound_->finish();
+        writeSound();
+    }
+
+   private:
+    void writeSound() {
+        while (av::Frame samples = sound_ ? sound_->pull() : nullptr) writer_.writeSound(std::move(samples));
+    }
+
+    Writer& writer_;
+    ProgressBar& progress_;
+    std::int64_t next_;
+    std::int64_t end_;
+    std::int64_t written_ = 0;
+    FilmReader reader_;
+    Painter painter_;
+    std::optional<Soundtrack> sound_;
+};
 
 }  // namespace
 
 void render(const RenderOptions& options) {
-    const OutputKind kind = outputKind(options.output);
+    const JoinOptions& asked = options.join;
+    const OutputKind kind = outputKind(asked.output);
     checkOptions(options, kind);
-    const Plugin plugin(options.plugin);
+    const Plugin plugin(asked.plugin);
     const Transition& transition = plugin.find(options.transition);
     if (transition.draw == nullptr)
         throw Error("the plug-in lists \"" + transition.name + "\" but does not have it yet");
 
-    Clip from(options.from);
-    Clip to(options.to);
+    Input from(asked.from);
+    Input to(asked.to);
     Canvas canvas;
-    canvas.rate = options.fps.value_or(commonRate(from, to));
+    canvas.rate = asked.fps.value_or(commonRate(from, to));
     canvas.size = canvasSize(options, from, kind.evenSize);
-    canvas.fit = options.fit;
-    const double rate = av_q2d(canvas.rate);
-    const std::int64_t overlap = std::llround(options.duration * rate);
-    if (overlap < 1) throw UsageError("--duration: shorter than one frame");
+    canvas.fit = asked.fit;
+    const std::int64_t overlap = asked.overlap(canvas.rate);
     // A video shows its stills before and after; of pictures one wants the transition.
-    const std::int64_t hold = std::llround(options.hold.value_or(kind.movie != nullptr ? 1.0 : 0.0) * rate);
-
-    std::string fromSound;
-    std::string toSound;
-    WriterOptions writerOptions{options.output,        canvas, &from.first(), {}, options.force,
-                                options.encoderOptions};
-    if (kind.holdsSound) {
-        for (const auto& [input, sound] : {std::pair{&options.from, &fromSound}, {&options.to, &toSound}})
-            if (const std::optional<int> sampleRate = soundSampleRate(*input)) {
-                *sound = *input;
-                if (!writerOptions.soundSampleRate) writerOptions.soundSampleRate = sampleRate;
-            }
-    }
+    const std::int64_t hold =
+        std::llround(options.hold.value_or(kind.movie != nullptr ? 1.0 : 0.0) * av_q2d(canvas.rate));
+    WriterOptions writerOptions{asked.output, canvas, &from.first(), {}, asked.force, options.encoderOptions};
+    if (kind.holdsSound)
+        for (const Input* input : {&to, &from})
+            if (input->soundStream()) writerOptions.soundSampleRate = input->soundSampleRate();
+    // What may not be written is refused before anything long begins.
     const std::unique_ptr<Writer> writer = makeWriter(kind, writerOptions);
 
+    const Film film = joined(from, to, canvas, transition.draw, overlap, hold, kind.numbered);
     const FrameRange wanted = options.frames.value_or(FrameRange{});
-    std::optional<Soundtrack> sound;
-    if (const std::optional<SoundFormat> format = writer->soundFormat())
-        sound.emplace(fromSound, toSound, *format, canvas.rate, overlap, wanted.first, wanted.last);
-
-    ProgressBar progress(options.at ? 1 : expectedFrames(from, to, canvas, overlap, hold, wanted),
-                         options.quiet);
-    const auto limit = [&](const Clip& clip, std::int64_t outside) {
-        return clip.endless() ? std::optional(overlap + outside) : std::nullopt;
-    };
-    Renderer renderer(transition.draw, canvas.size, *writer, sound ? &*sound : nullptr, wanted, progress);
-    if (options.at) {
-        for (const Meeting& meeting : meetingsAt(from, to, canvas, overlap, std::span(&*options.at, 1)))
-            renderer.mix(*meeting.from, *meeting.to, meeting.frame, static_cast<double>(overlap));
-    } else {
-        from.start(canvas, limit(from, hold));
-        to.start(canvas, limit(to, kind.numbered ? std::max<std::int64_t>(hold, 1) : hold));
-        join(from, to, canvas, {overlap, kind.numbered}, renderer, sound ? &*sound : nullptr);
-    }
-    if (renderer.written() == 0)
+    const std::int64_t frames = options.at ? 1 : std::min(film.frames() - 1, wanted.last) - wanted.first + 1;
+    if (frames < 1)
         throw Error("--frames: the rendering ends before its frame " + std::to_string(wanted.first));
-    if (sound) {
-        sound->finish();
-        while (av::Frame samples = sound->pull()) writer->writeSound(std::move(samples));
+    ProgressBar progress(frames, asked.quiet);
+    if (options.at) {
+        Painter painter(canvas.size, writer->pictureFormat());
+        writer->write(painter.paint(momentsOf(film, 0, {*options.at}).front()), 0);
+    } else {
+        Rendering(film, wanted, *writer, progress).run();
     }
     writer->finish();
     progress.finish();
-    if (!options.quiet)
-        std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n", options.output.c_str(),
-                     static_cast<long long>(renderer.written()), renderer.written() == 1 ? "" : "s",
-                     canvas.size.width, canvas.size.height);
+    if (asked.quiet) return;
+    for (const Input* input : {&from, &to})
+        if (const std::string report = input->damageReport(); !report.empty())
+            std::fprintf(stderr, "vantle: %s\n", report.c_str());
+    std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n", asked.output.c_str(), static_cast<long long>(frames),
+                 frames == 1 ? "" : "s", canvas.size.width, canvas.size.height);
 }
 
 }  // namespace vantle

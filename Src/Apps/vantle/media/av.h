@@ -5,10 +5,13 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavfilter/avfilter.h>
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
 #include <libavutil/frame.h>
 #include <libswscale/swscale.h>
 }
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -22,7 +25,6 @@ struct Delete {
     void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
-    void operator()(AVFilterInOut* pads) const { avfilter_inout_free(&pads); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 
@@ -31,14 +33,13 @@ using Packet = std::unique_ptr<AVPacket, Delete>;
 using Input = std::unique_ptr<AVFormatContext, Delete>;
 using Codec = std::unique_ptr<AVCodecContext, Delete>;
 using Graph = std::unique_ptr<AVFilterGraph, Delete>;
-using Pads = std::unique_ptr<AVFilterInOut, Delete>;
 using Scaler = std::unique_ptr<SwsContext, Delete>;
 
 /// What an error code means, in words.
 inline std::string message(int code) {
     char text[AV_ERROR_MAX_STRING_SIZE] = "";
-    av_strerror(code, text, sizeof text);
-    return text;
+    // Some decoders pass on codes of their own, which no table explains.
+    return av_strerror(code, text, sizeof text) == 0 ? text : "damaged or unknown data";
 }
 
 /// `code`, or an Error that says `what` failed when it is negative.
@@ -56,6 +57,51 @@ T* check(T* pointer, const std::string& what) {
 
 inline Frame makeFrame() { return Frame(check(av_frame_alloc(), "frame")); }
 inline Packet makePacket() { return Packet(check(av_packet_alloc(), "packet")); }
+
+/// Names and values of settings, as FFmpeg knows them.
+using Options = std::map<std::string, std::string>;
+
+/// Settings on their way into one of FFmpeg's functions, which takes out those that it knows.
+class Dictionary {
+   public:
+    explicit Dictionary(const Options& options) {
+        for (const auto& [key, value] : options) av_dict_set(&entries_, key.c_str(), value.c_str(), 0);
+    }
+    Dictionary(const Dictionary&) = delete;
+    Dictionary& operator=(const Dictionary&) = delete;
+    ~Dictionary() { av_dict_free(&entries_); }
+
+    AVDictionary** get() { return &entries_; }
+
+    /// The name of a setting that is left, empty when there is none.
+    std::string left() const {
+        const AVDictionaryEntry* const entry = av_dict_get(entries_, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+        return entry != nullptr ? entry->key : std::string();
+    }
+
+   private:
+    AVDictionary* entries_ = nullptr;
+};
+
+/// How long a frame shows, in its stream's time base; 0 when unknown.
+inline std::int64_t duration(const AVFrame& frame) {
+#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(57, 30, 100)
+    return frame.duration;
+#else
+    return frame.pkt_duration;
+#endif
+}
+
+/// What a stream's container says beside its packets, or null.
+inline const std::uint8_t* streamSideData(const AVStream& stream, AVPacketSideDataType type) {
+#if LIBAVFORMAT_VERSION_INT >= AV_VERSION_INT(60, 15, 100)
+    const AVPacketSideData* const side =
+        av_packet_side_data_get(stream.codecpar->coded_side_data, stream.codecpar->nb_coded_side_data, type);
+    return side != nullptr ? side->data : nullptr;
+#else
+    return av_stream_get_side_data(&stream, type, nullptr);
+#endif
+}
 
 /// Another reference to the same picture or samples.
 inline Frame share(const AVFrame& frame) { return Frame(check(av_frame_clone(&frame), "frame")); }

@@ -21,6 +21,17 @@ int isFullRange(const PixelView& view) { return view.range == AVCOL_RANGE_JPEG ?
 
 }  // namespace
 
+av::Frame blankPicture(Size size, const PictureFormat& format) {
+    av::Frame frame = av::makeFrame();
+    frame->width = size.width;
+    frame->height = size.height;
+    frame->format = format.pixels;
+    frame->colorspace = format.space;
+    frame->color_range = format.range;
+    av::check(av_frame_get_buffer(frame.get(), 0), "frame");
+    return frame;
+}
+
 PixelView viewOf(const AVFrame& frame) {
     PixelView view{{},
                    {},
@@ -55,7 +66,11 @@ void Converter::convert(const PixelView& from, const PixelView& to) {
         lastFrom_ = from;
         lastTo_ = to;
     }
-    sws_scale(scaler_.get(), from.data, from.stride, 0, from.height, to.data, to.stride);
+    const int lines = sws_scale(scaler_.get(), from.data, from.stride, 0, from.height, to.data, to.stride);
+    if (lines != to.height)
+        throw Error(std::string("converting pixels from ") + av_get_pix_fmt_name(from.format) + " to " +
+                    av_get_pix_fmt_name(to.format) + " failed" +
+                    (lines < 0 ? ": " + av::message(lines) : std::string()));
 }
 
 }  // namespace vantle

@@ -5,8 +5,19 @@
 
 #include "Host/image.h"
 #include "media/av.h"
+#include "media/canvas.h"
 
 namespace vantle {
+
+/// How pixels are to be for a writer.
+struct PictureFormat {
+    AVPixelFormat pixels = AV_PIX_FMT_NONE;
+    AVColorSpace space = AVCOL_SPC_RGB;
+    AVColorRange range = AVCOL_RANGE_JPEG;
+};
+
+/// A new picture for a writer, its pixels not set.
+av::Frame blankPicture(Size size, const PictureFormat& format);
 
 /// Pixels in memory with what is needed to understand their colours.
 struct PixelView {

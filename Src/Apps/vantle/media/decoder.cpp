@@ -1,16 +1,8 @@
 #include "media/decoder.h"
 
-extern "C" {
-#include <libavdevice/avdevice.h>
-#include <libavutil/common.h>
-#include <libavutil/dict.h>
-}
-
-#include <algorithm>
-#include <cstdio>
-#include <filesystem>
+#include <cerrno>
 #include <string_view>
-#include <system_error>
+#include <utility>
 
 #include "system/interrupt.h"
 
@@ -18,160 +10,80 @@ namespace vantle {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr AVRational microseconds{1, AV_TIME_BASE};
-
-av::Input open(const std::string& name) {
-    constexpr std::string_view generated = "lavfi:";
-    const bool isGenerated = name.starts_with(generated);
-    std::string url = isGenerated ? name.substr(generated.size()) : name;
-    std::error_code unknown;  // what cannot be looked at cannot be opened either, which says why
-    const fs::file_type type = isGenerated ? fs::file_type::none : fs::status(url, unknown).type();
-    if (type == fs::file_type::directory) throw Error(name + ": is a directory");
-    // Inputs are read more than once: for their pictures, for their sound, to count their frames.
-    if (type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::character)
-        throw Error(name + ": is not a regular file");
-    // A file's name may hold a colon, which would make the part before it a protocol.
-    if (type == fs::file_type::regular || type == fs::file_type::block) url.insert(0, "file:");
-    avdevice_register_all();
-
-    AVFormatContext* context = av::check(avformat_alloc_context(), name);
-    context->interrupt_callback.callback = [](void*) { return interrupted() ? 1 : 0; };
-    const int code = avformat_open_input(&context, url.c_str(),
-                                         isGenerated ? av_find_input_format("lavfi") : nullptr, nullptr);
-    throwIfInterrupted();
-    av::check(code, name);  // a context that fails to open is freed
-    av::Input input(context);
-    av::check(avformat_find_stream_info(input.get(), nullptr), name);
-    return input;
-}
-
-int bestStream(AVFormatContext& input, AVMediaType type) {
-    return av_find_best_stream(&input, type, -1, -1, nullptr, 0);
+bool isPicture(const AVFormatContext& container) {
+    const std::string_view format = container.iformat->name;
+    return format.ends_with("_pipe") || format == "image2";
 }
 
 }  // namespace
 
-bool Decoder::has(const std::string& name, AVMediaType type) { return bestStream(*open(name), type) >= 0; }
-
-Decoder::Decoder(const std::string& name, AVMediaType type)
-    : name_(name), input_(open(name)), packet_(av::makePacket()) {
-    stream_ = bestStream(*input_, type);
-    if (stream_ < 0) fail(type == AVMEDIA_TYPE_VIDEO ? "holds no picture" : "holds no sound");
-    const AVCodecParameters& parameters = *stream().codecpar;
+Decoder::Decoder(const AVStream& stream, const std::string& name, bool strict)
+    : name_(name), strict_(strict) {
+    const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* const decoder = avcodec_find_decoder(parameters.codec_id);
-    if (decoder == nullptr) fail(std::string("no decoder for ") + avcodec_get_name(parameters.codec_id));
+    if (decoder == nullptr) throw Error(name_ + ": no decoder for " + avcodec_get_name(parameters.codec_id));
     codec_.reset(av::check(avcodec_alloc_context3(decoder), name_));
     av::check(avcodec_parameters_to_context(codec_.get(), &parameters), name_);
-    codec_->pkt_timebase = stream().time_base;
+    codec_->pkt_timebase = stream.time_base;
     codec_->thread_count = 0;
-    // Damage in a still would be all of the picture; a video's decoder hides what it can.
-    const std::string_view format = input_->iformat->name;
-    if (format.ends_with("_pipe") || format == "image2") codec_->err_recognition |= AV_EF_EXPLODE;
+    if (strict_) codec_->err_recognition |= AV_EF_EXPLODE;
     av::check(avcodec_open2(codec_.get(), decoder, nullptr), name_);
 }
 
-av::Frame Decoder::next() {
+void Decoder::send(const AVPacket* packet) { pass(avcodec_send_packet(codec_.get(), packet)); }
+
+void Decoder::pass(int code) {
+    if (code >= 0) return;
+    if (strict_ || code == AVERROR(ENOMEM)) throw Error(name_ + ": " + av::message(code));
+    ++damaged_;
+}
+
+av::Frame Decoder::receive() {
     av::Frame frame = av::makeFrame();
-    for (;;) {
-        throwIfInterrupted();
+    constexpr int mostInARow = 100;  // a decoder that fails on and on has ended
+    for (int i = 0; i < mostInARow; ++i) {
         const int code = avcodec_receive_frame(codec_.get(), frame.get());
-        if (code == AVERROR_EOF) return nullptr;
-        if (code == AVERROR(EAGAIN)) {
-            feed();
-            continue;
-        }
-        if (code < 0) fail(av::message(code));
+        ended_ = code == AVERROR_EOF;
+        if (ended_ || code == AVERROR(EAGAIN)) return nullptr;
+        pass(code);
+        if (code < 0) continue;
         frame->pts = frame->best_effort_timestamp;
         return frame;
     }
+    ended_ = true;
+    return nullptr;
 }
 
-void Decoder::feed() {
-    int code = av_read_frame(input_.get(), packet_.get());
-    throwIfInterrupted();
-    if (code == AVERROR_EOF) {
-        checkLength();
-        code = avcodec_send_packet(codec_.get(), nullptr);
-    } else if (code >= 0) {
-        bridgeJump(*packet_);
-        if (packet_->stream_index == stream_) code = avcodec_send_packet(codec_.get(), packet_.get());
-        av_packet_unref(packet_.get());
+void Decoder::flush() {
+    avcodec_flush_buffers(codec_.get());
+    ended_ = false;
+}
+
+StreamReader::StreamReader(Demuxer& input, int stream)
+    : input_(input),
+      stream_(stream),
+      decoder_(input.stream(stream), input.name(), isPicture(input.container())) {
+    input_.use(stream_);
+}
+
+av::Frame StreamReader::next() {
+    Demuxer::Health& health = input_.health();
+    while (!decoder_.ended()) {
+        throwIfInterrupted();
+        av::Frame frame = decoder_.receive();
+        health.damaged += decoder_.damaged() - std::exchange(damaged_, decoder_.damaged());
+        if (frame) return frame;
+        if (decoder_.ended()) break;
+        const av::Packet packet = input_.read(stream_);
+        health.packets += packet ? 1 : 0;
+        decoder_.send(packet.get());
     }
-    if (code < 0) fail(av::message(code));
+    if (10 * health.damaged > health.packets)
+        throw Error(input_.name() + ": " + std::to_string(health.damaged) + " of " +
+                    std::to_string(health.packets) + " packets are damaged");
+    return nullptr;
 }
 
-std::optional<double> Decoder::statedSeconds() const {
-    if (stream().duration > 0) return static_cast<double>(stream().duration) * av_q2d(stream().time_base);
-    if (input_->duration > 0 && input_->duration_estimation_method != AVFMT_DURATION_FROM_BITRATE)
-        return static_cast<double>(input_->duration) / AV_TIME_BASE;
-    return {};
-}
-
-void Decoder::bridgeJump(AVPacket& packet) {
-    constexpr std::int64_t second = AV_TIME_BASE;
-    constexpr std::int64_t longest = 3600 * second;  // that anything stands still
-    constexpr std::int64_t gap = 10 * second;        // that is no jump where times may jump
-    const AVStream& stream = *input_->streams[packet.stream_index];
-    const AVMediaType type = stream.codecpar->codec_type;
-    const std::int64_t shown = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-    if (shown == AV_NOPTS_VALUE) return;
-
-    // Saturating: the times of a damaged file may be any number.
-    const auto sum = [](std::int64_t a, std::int64_t b) { return av_sat_add64(a, b); };
-    const std::int64_t start = input_->start_time != AV_NOPTS_VALUE ? input_->start_time : 0;
-    const auto sinceStart = [&](std::int64_t time) {
-        return av_sat_sub64(av_rescale_q(time, stream.time_base, microseconds), start);
-    };
-    const std::int64_t read = sinceStart(shown);
-    packet.duration = std::min(packet.duration, av_rescale_q(longest, microseconds, stream.time_base));
-    const std::int64_t length = av_rescale_q(packet.duration, stream.time_base, microseconds);
-    if (type != AVMEDIA_TYPE_VIDEO && type != AVMEDIA_TYPE_AUDIO) {
-        othersEnd_ = std::max(othersEnd_, sum(read, length));
-        return;
-    }
-    const std::int64_t readDecoded = sinceStart(packet.dts != AV_NOPTS_VALUE ? packet.dts : shown);
-    const bool restarts = (input_->iformat->flags & AVFMT_TS_DISCONT) != 0;
-    Times& own = times_[packet.stream_index];
-    const auto jumps = [&](std::int64_t shift) {
-        if (end_ <= 0) return false;
-        const std::int64_t time = sum(read, shift);
-        const bool pastStatedEnd = statesLength() && time > sum(input_->duration, gap);
-        if (time > sum(end_, restarts || pastStatedEnd ? gap : longest)) return true;
-        // Other formats may keep their streams apart, one after the other.
-        return restarts ? sum(readDecoded, shift) < av_sat_sub64(own.decoded, second / 10)
-                        : shift != 0 && time < end_ - gap;
-    };
-    if (jumps(own.shift)) {
-        // The first stream to jump sets where all go on; the others follow when they come to their jump.
-        if (jumps(shift_)) shift_ = av_sat_sub64(end_, read);
-        own.shift = shift_;
-    }
-    own.decoded = sum(readDecoded, own.shift);
-
-    end_ = std::max(end_, sum(sum(read, own.shift), length));
-    const std::int64_t shift = av_rescale_q(own.shift, microseconds, stream.time_base);
-    if (packet.pts != AV_NOPTS_VALUE) packet.pts = sum(packet.pts, shift);
-    if (packet.dts != AV_NOPTS_VALUE) packet.dts = sum(packet.dts, shift);
-}
-
-bool Decoder::statesLength() const {
-    // Other lengths are measured or guessed from the file as it is.
-    return input_->duration > 0 && input_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
-}
-
-void Decoder::checkLength() const {
-    if (!statesLength() || shift_ != 0) return;  // times that jump say nothing about the length
-    // Containers round, and some leave out the length of the last picture: only a clear shortfall counts.
-    const double stated = static_cast<double>(input_->duration) / AV_TIME_BASE;
-    const double end = static_cast<double>(std::max(end_, othersEnd_)) / AV_TIME_BASE;
-    if (stated < 1.0 || end_ <= 0 || end >= stated - std::min(0.1 * stated, 10.0) - 0.5) return;
-    char text[96] = "";
-    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated", end, stated);
-    fail(text);
-}
-
-void Decoder::fail(const std::string& what) const { throw Error(name_ + ": " + what); }
+void StreamReader::flush() { decoder_.flush(); }
 
 }  // namespace vantle

@@ -1,60 +1,71 @@
-/// One stream of a media file, decoded.
+/// A decoder of pictures or sound.
 #pragma once
 
 #include <cstdint>
-#include <limits>
-#include <map>
-#include <optional>
 #include <string>
 
 #include "media/av.h"
+#include "media/demuxer.h"
 
 namespace vantle {
 
-/// Decodes the best video or sound stream of anything FFmpeg's libraries read, or of a generated source
-/// written `lavfi:GRAPH`. All errors, and a file that ends before the length it states, throw Error with the
-/// input's name in front.
+/// Turns packets of one stream into frames. Damaged packets are passed over and counted.
 class Decoder {
    public:
-    /// Opens `name`. Throws Error when it cannot be read or holds no stream of this type.
-    Decoder(const std::string& name, AVMediaType type);
+    /// For packets of this stream, called `name` in errors; a `strict` one lets no damage pass, as in a still
+    /// it would be all there is. Throws Error when FFmpeg has no decoder for it.
+    Decoder(const AVStream& stream, const std::string& name, bool strict);
 
-    /// True when `name` can be read and holds a stream of this type.
-    static bool has(const std::string& name, AVMediaType type);
+    /// Takes a packet, null for the end.
+    void send(const AVPacket* packet);
 
-    /// The next decoded frame, or null at the end.
-    av::Frame next();
+    /// The next frame, or null when it needs packets first or has ended (see `ended`).
+    av::Frame receive();
 
-    const std::string& name() const { return name_; }
-    AVFormatContext& container() const { return *input_; }
-    AVStream& stream() const { return *input_->streams[stream_]; }
-    const AVCodecContext& codec() const { return *codec_; }
+    /// True once the last frame is out.
+    bool ended() const { return ended_; }
 
-    /// The length of the stream in seconds as its container states or estimates it, if it does.
-    std::optional<double> statedSeconds() const;
+    /// Forgets all packets, to go on elsewhere in the stream.
+    void flush();
+
+    /// Packets passed over so far.
+    std::int64_t damaged() const { return damaged_; }
+    const AVCodecContext& context() const { return *codec_; }
 
    private:
-    [[noreturn]] void fail(const std::string& what) const;
-    void feed();
-    void bridgeJump(AVPacket& packet);
-    bool statesLength() const;
-    void checkLength() const;
+    void pass(int code);
 
     std::string name_;
-    av::Input input_;
     av::Codec codec_;
-    av::Packet packet_;
-    int stream_ = -1;
-    // In microseconds from the file's start. Recordings put one after the other start anew in the middle, and
-    // damage makes times of another year: from such a jump on, a file plays on where it had come to.
-    struct Times {
-        std::int64_t shift = 0;                                           // added to what is read
-        std::int64_t decoded = std::numeric_limits<std::int64_t>::min();  // of the last packet
-    };
-    std::map<int, Times> times_;  // by stream
-    std::int64_t shift_ = 0;      // for what follows the last jump
-    std::int64_t end_ = 0;        // of the pictures and sound read so far
-    std::int64_t othersEnd_ = 0;  // of subtitles and the like
+    std::int64_t damaged_ = 0;
+    bool strict_;
+    bool ended_ = false;
+};
+
+/// The decoded frames of one stream of an input.
+class StreamReader {
+   public:
+    /// Reads `stream` of `input`, which must outlive it. Throws Error when FFmpeg has no decoder for it.
+    StreamReader(Demuxer& input, int stream);
+    StreamReader(const StreamReader&) = delete;
+    StreamReader& operator=(const StreamReader&) = delete;
+    ~StreamReader() { input_.drop(stream_); }
+
+    /// The next frame, or null at the end. Throws Error when more than a tenth of the input's packets are
+    /// damaged.
+    av::Frame next();
+
+    /// To be called when the input has gone elsewhere.
+    void flush();
+
+    AVStream& stream() const { return input_.stream(stream_); }
+    const AVCodecContext& codec() const { return decoder_.context(); }
+
+   private:
+    Demuxer& input_;
+    int stream_;
+    Decoder decoder_;
+    std::int64_t damaged_ = 0;  // packets that the decoder has found and the input knows of
 };
 
 }  // namespace vantle

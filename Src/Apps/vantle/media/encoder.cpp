@@ -1,12 +1,12 @@
 #include "media/encoder.h"
 
-extern "C" {
-#include <libavutil/dict.h>
-}
+#include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace vantle {
 
-Encoder::Encoder(const char* name, AVCodecID id, const Options& options,
+Encoder::Encoder(const char* name, AVCodecID id, const av::Options& options,
                  const std::function<void(AVCodecContext&)>& setUp)
     : name_("encoder " + std::string(name != nullptr ? name : avcodec_get_name(id))) {
     const AVCodec* const codec =
@@ -15,14 +15,10 @@ Encoder::Encoder(const char* name, AVCodecID id, const Options& options,
     context_.reset(av::check(avcodec_alloc_context3(codec), name_));
     context_->thread_count = 0;
     setUp(*context_);
-    AVDictionary* settings = nullptr;
-    for (const auto& [key, value] : options) av_dict_set(&settings, key.c_str(), value.c_str(), 0);
-    const int code = avcodec_open2(context_.get(), codec, &settings);
-    const AVDictionaryEntry* const unknown = av_dict_get(settings, "", nullptr, AV_DICT_IGNORE_SUFFIX);
-    const std::string unknownKey = unknown != nullptr ? unknown->key : "";
-    av_dict_free(&settings);
-    av::check(code, name_);
-    if (!unknownKey.empty()) throw UsageError(name_ + ": has no option " + unknownKey);
+    av::Dictionary settings(options);
+    av::check(avcodec_open2(context_.get(), codec, settings.get()), name_);
+    if (const std::string unknown = settings.left(); !unknown.empty())
+        throw UsageError(name_ + ": has no option " + unknown);
 }
 
 void Encoder::encode(const AVFrame* frame, const std::function<void(AVPacket&)>& sink) {
@@ -34,6 +30,19 @@ void Encoder::encode(const AVFrame* frame, const std::function<void(AVPacket&)>&
         sink(*packet_);
         av_packet_unref(packet_.get());
     }
+}
+
+av::Options withUsersOptions(av::Options own, const av::Options& users) {
+    // What encoders call the ways to say how many bits pictures may take.
+    constexpr auto rateControls = std::to_array<std::string_view>(
+        {"b", "ab", "bit_rate", "bitrate", "cbr", "cq", "cqp", "crf", "global_quality", "lossless", "q", "qp",
+         "qscale", "quality", "rc", "rc-mode", "rc_mode", "vbr"});
+    const auto controlsRate = [&](const auto& option) {
+        return std::ranges::find(rateControls, option.first) != rateControls.end();
+    };
+    if (std::ranges::any_of(users, controlsRate)) std::erase_if(own, controlsRate);
+    for (const auto& [key, value] : users) own.insert_or_assign(key, value);
+    return own;
 }
 
 }  // namespace vantle

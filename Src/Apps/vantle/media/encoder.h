@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <string>
 
 #include "media/av.h"
@@ -11,12 +10,9 @@ namespace vantle {
 
 class Encoder {
    public:
-    /// Names and values of an encoder's settings, as FFmpeg knows them.
-    using Options = std::map<std::string, std::string>;
-
     /// Opens the encoder of FFmpeg called `name`, or of `id` when that is null; `setUp` fills in its context
     /// before. Throws Error when there is none or it refuses, and UsageError when it does not know an option.
-    Encoder(const char* name, AVCodecID id, const Options& options,
+    Encoder(const char* name, AVCodecID id, const av::Options& options,
             const std::function<void(AVCodecContext&)>& setUp);
 
     AVCodecContext& context() const { return *context_; }
@@ -29,5 +25,9 @@ class Encoder {
     av::Codec context_;
     av::Packet packet_ = av::makePacket();
 };
+
+/// `own` settings of a video's encoder with the user's, which come first: a way to control the rate chosen by
+/// the user replaces the built-in one.
+av::Options withUsersOptions(av::Options own, const av::Options& users);
 
 }  // namespace vantle

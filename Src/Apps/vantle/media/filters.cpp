@@ -6,61 +6,71 @@ extern "C" {
 #include <libavutil/mem.h>
 }
 
+#include <memory>
 #include <utility>
 
 namespace vantle {
 
 namespace {
 
-// A pad list entry as the parser wants it: one end of the graph, under a name.
-av::Pads pad(const std::string& name, AVFilterContext* filter, av::Pads next) {
-    av::Pads pads(av::check(avfilter_inout_alloc(), "filters"));
-    pads->name = av::check(av_strdup(name.c_str()), "filters");
-    pads->filter_ctx = filter;
-    pads->pad_idx = 0;
-    pads->next = next.release();
-    return pads;
-}
+struct Free {
+    void operator()(void* memory) const { av_free(memory); }
+};
 
 }  // namespace
 
-Filters::Filters(AVMediaType type, const std::vector<std::string>& sources, const std::string& description)
+Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters)
     : graph_(av::check(avfilter_graph_alloc(), "filters")) {
-    const bool video = type == AVMEDIA_TYPE_VIDEO;
-    const std::string what = "filters " + description;
-    av::Pads outputs;
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-        const std::string name = "in" + std::to_string(i);
-        AVFilterContext* source = nullptr;
-        av::check(avfilter_graph_create_filter(&source, avfilter_get_by_name(video ? "buffer" : "abuffer"),
-                                               name.c_str(), sources[i].c_str(), nullptr, graph_.get()),
-                  what);
-        sources_.push_back(source);
-        outputs = pad(name, source, std::move(outputs));
-    }
-    av::check(avfilter_graph_create_filter(&sink_, avfilter_get_by_name(video ? "buffersink" : "abuffersink"),
-                                           "out", nullptr, nullptr, graph_.get()),
-              what);
-    // The parser takes the lists and leaves what it did not use.
-    AVFilterInOut* openInputs = pad("out", sink_, nullptr).release();
-    AVFilterInOut* openOutputs = outputs.release();
-    const int code =
-        avfilter_graph_parse_ptr(graph_.get(), description.c_str(), &openInputs, &openOutputs, nullptr);
-    const av::Pads inputsLeft(openInputs);
-    const av::Pads outputsLeft(openOutputs);
-    av::check(code, what);
-    av::check(avfilter_graph_config(graph_.get(), nullptr), what);
+    const bool video = like.width > 0;
+    const std::unique_ptr<AVBufferSrcParameters, Free> form(
+        av::check(av_buffersrc_parameters_alloc(), "filters"));
+    form->format = like.format;
+    form->time_base = timeBase;
+    form->width = like.width;
+    form->height = like.height;
+    form->sample_aspect_ratio = like.sample_aspect_ratio;
+    form->sample_rate = like.sample_rate;
+    if (!video) av::check(av_channel_layout_copy(&form->ch_layout, &like.ch_layout), "filters");
+    source_ = av::check(
+        avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name(video ? "buffer" : "abuffer"), "in"),
+        "filters");
+    const int code = av_buffersrc_parameters_set(source_, form.get());
+    av_channel_layout_uninit(&form->ch_layout);
+    av::check(code, "filters");
+    av::check(avfilter_init_dict(source_, nullptr), "filters");
+    nodes_.push_back({source_, 0});
+    for (const Filter& filter : filters) add(filter);
+    sink_ = add({video ? "buffersink" : "abuffersink"});
+    av::check(avfilter_graph_config(graph_.get(), nullptr), "filters");
 }
 
-void Filters::push(std::size_t index, av::Frame frame) {
-    const int code = av_buffersrc_add_frame(sources_[index], frame.get());
-    // A graph that has all it wants closes its inputs; what still comes is not needed.
+AVFilterContext* Filters::add(const Filter& filter) {
+    const std::string what = std::string("filter ") + filter.name;
+    const AVFilter* const kind = avfilter_get_by_name(filter.name);
+    if (kind == nullptr) throw Error(what + ": not in the FFmpeg libraries here");
+    AVFilterContext* const context =
+        av::check(avfilter_graph_alloc_filter(graph_.get(), kind, nullptr), what);
+    av::Dictionary settings(filter.options);
+    av::check(avfilter_init_dict(context, settings.get()), what);
+    if (const std::string unknown = settings.left(); !unknown.empty())
+        throw Error(what + ": has no option " + unknown);
+    std::vector<std::size_t> inputs = filter.inputs;
+    if (inputs.empty()) inputs.push_back(nodes_.size() - 1);
+    for (unsigned pad = 0; const std::size_t input : inputs) {
+        Node& node = nodes_.at(input);
+        av::check(avfilter_link(node.filter, node.outputsTaken++, context, pad++), what);
+    }
+    nodes_.push_back({context, 0});
+    return context;
+}
+
+void Filters::push(av::Frame frame) {
+    const int code = av_buffersrc_add_frame(source_, frame.get());
+    // A graph that has all it wants closes its input; what still comes is not needed.
     if (code != AVERROR_EOF) av::check(code, "filters");
 }
 
-void Filters::close(std::size_t index, std::int64_t time) {
-    av::check(av_buffersrc_close(sources_[index], time, 0), "filters");
-}
+void Filters::close(std::int64_t time) { av::check(av_buffersrc_close(source_, time, 0), "filters"); }
 
 av::Frame Filters::pull() {
     av::Frame frame = av::makeFrame();

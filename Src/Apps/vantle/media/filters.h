@@ -1,6 +1,7 @@
 /// Filter graphs of libavfilter between a decoder and what uses its frames.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -9,18 +10,26 @@
 
 namespace vantle {
 
-/// A graph with some inputs and one output.
+/// One filter by its name, with its settings.
+struct Filter {
+    const char* name;
+    av::Options options{};
+    /// What it reads: numbers of filters before it, the graph's input being 0; the one before when empty.
+    std::vector<std::size_t> inputs{};
+};
+
+/// Filters, most often a chain, with one input and one output, that of the last filter.
 class Filters {
    public:
-    /// `sources` are the arguments of the inputs (of filter `buffer` or `abuffer`, by `type`), which
-    /// `description` calls [in0], [in1], … and its result [out]. Throws Error when the graph makes no sense.
-    Filters(AVMediaType type, const std::vector<std::string>& sources, const std::string& description);
+    /// For frames of the form of `like`, with times in `timeBase`. Throws Error when a filter is
+    /// unknown or refuses its settings.
+    Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters);
 
-    /// Gives input `index` its next frame.
-    void push(std::size_t index, av::Frame frame);
+    /// Gives the graph its next frame.
+    void push(av::Frame frame);
 
-    /// Says that input `index` ends at `time`, in its time base: when its last frame has been shown.
-    void close(std::size_t index, std::int64_t time);
+    /// Says that the input ends at `time`: when its last frame has been shown.
+    void close(std::int64_t time);
 
     /// The next result, or null when the graph needs input first or has ended (see `ended`).
     av::Frame pull();
@@ -31,14 +40,18 @@ class Filters {
     /// True once the graph has given its last result.
     bool ended() const { return ended_; }
 
-    /// The output, for its negotiated format.
-    const AVFilterContext& sink() const { return *sink_; }
-
    private:
+    AVFilterContext* add(const Filter& filter);
     av::Frame result(int code, av::Frame frame);
 
+    struct Node {
+        AVFilterContext* filter;
+        unsigned outputsTaken;
+    };
+
     av::Graph graph_;
-    std::vector<AVFilterContext*> sources_;
+    std::vector<Node> nodes_;
+    AVFilterContext* source_ = nullptr;
     AVFilterContext* sink_ = nullptr;
     bool ended_ = false;
 };

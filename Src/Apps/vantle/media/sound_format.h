@@ -1,18 +1,24 @@
-/// The form in which sound is handed to an encoder.
+/// The form of sound.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "media/av.h"
 
 namespace vantle {
 
-/// How sound is to be made for an encoder.
 struct SoundFormat {
     int sampleRate = 0;
     AVSampleFormat sampleFormat = AV_SAMPLE_FMT_NONE;
-    std::string layout;    ///< channel layout by name, as "stereo"
-    int frameSamples = 0;  ///< samples that each frame holds, but the last
+    int channels = 2;
+    int frameSamples = 0;  ///< samples that an encoder takes at a time, but the last; 0: any number
 };
+
+/// New sound of a form, silent.
+av::Frame silence(const SoundFormat& format, int samples);
+
+/// The number of the first sample of a frame: the one place where frames become samples.
+std::int64_t sampleOf(std::int64_t frame, AVRational frameRate, int sampleRate);
 
 }  // namespace vantle

@@ -8,6 +8,7 @@ extern "C" {
 #include <utility>
 
 #include "media/filters.h"
+#include "media/muxer.h"
 #include "output/staged_file.h"
 
 namespace vantle {
@@ -29,13 +30,6 @@ constexpr MovieKind kinds[] = {
     {".gif", "gif", "gif", {}, AV_PIX_FMT_PAL8, nullptr},
 };
 
-struct CloseOutput {
-    void operator()(AVFormatContext* output) const {
-        avio_closep(&output->pb);
-        avformat_free_context(output);
-    }
-};
-
 /// The rate nearest to `wanted` that an encoder takes.
 int supportedRate(const AVCodec& codec, int wanted) {
     if (codec.supported_samplerates == nullptr) return wanted;
@@ -48,50 +42,40 @@ int supportedRate(const AVCodec& codec, int wanted) {
 class MovieWriter final : public Writer {
    public:
     MovieWriter(const MovieKind& kind, const WriterOptions& options)
-        : file_(options.name, options.overwrite), writing_("cannot write " + options.name) {
-        AVFormatContext* output = nullptr;
-        const std::string url = "file:" + file_.path().string();
-        av::check(avformat_alloc_output_context2(&output, nullptr, kind.muxer, url.c_str()), writing_);
-        output_.reset(output);
-        av::check(avio_open(&output->pb, url.c_str(), AVIO_FLAG_WRITE), writing_);
-
-        Encoder::Options settings = options.encoderOptions;
-        settings.insert(kind.videoOptions.begin(), kind.videoOptions.end());  // the user's own stay
-        video_.emplace(kind.videoEncoder, AV_CODEC_ID_NONE, settings,
-                       [&](AVCodecContext& codec) { setUpVideo(codec, kind, options); });
-        videoStream_ = addStream(*video_);
-        videoStream_->avg_frame_rate = options.canvas.rate;
+        : file_(options.name, options.overwrite),
+          muxer_(file_.path().string(), kind.muxer, options.name),
+          video_(
+              kind.videoEncoder, AV_CODEC_ID_NONE,
+              withUsersOptions({kind.videoOptions.begin(), kind.videoOptions.end()}, options.encoderOptions),
+              [&](AVCodecContext& codec) { setUpVideo(codec, kind, options); }),
+          videoStream_(muxer_.add(video_.context())) {
         // A format of 256 colours: each picture gets a palette of its own.
-        if (kind.pixels == AV_PIX_FMT_PAL8) {
-            const Size size = options.canvas.size;
-            palette_.emplace(AVMEDIA_TYPE_VIDEO,
-                             std::vector{"video_size=" + std::to_string(size.width) + "x" +
-                                         std::to_string(size.height) + ":pix_fmt=bgra:time_base=1/1000"},
-                             "[in0]split[a][b];[a]palettegen=stats_mode=single:reserve_transparent=0[p];"
-                             "[b][p]paletteuse=new=1[out]");
-        }
+        if (kind.pixels == AV_PIX_FMT_PAL8)
+            palette_.emplace(
+                *blankPicture(options.canvas.size, rgb), AVRational{1, 1000},
+                std::vector<Filter>{{"split"},
+                                    {"palettegen", {{"stats_mode", "single"}, {"reserve_transparent", "0"}}},
+                                    {"paletteuse", {{"new", "1"}}, {1, 2}}});
         if (options.soundSampleRate && kind.soundEncoder != nullptr) {
-            sound_.emplace(kind.soundEncoder, AV_CODEC_ID_NONE, Encoder::Options{},
+            sound_.emplace(kind.soundEncoder, AV_CODEC_ID_NONE, av::Options{},
                            [&](AVCodecContext& codec) { setUpSound(codec, *options.soundSampleRate); });
-            soundStream_ = addStream(*sound_);
+            soundStream_ = &muxer_.add(sound_->context());
         }
-        AVDictionary* muxing = nullptr;
-        if (kind.ending == ".mp4" || kind.ending == ".mov") av_dict_set(&muxing, "movflags", "+faststart", 0);
-        const int code = avformat_write_header(output, &muxing);
-        av_dict_free(&muxing);
-        av::check(code, writing_);
+        const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
+        muxer_.start(quickTime ? av::Options{{"movflags", "+faststart"}} : av::Options{});
     }
 
     PictureFormat pictureFormat() const override {
-        if (palette_) return {AV_PIX_FMT_BGRA, AVCOL_SPC_RGB, AVCOL_RANGE_JPEG};
-        const AVCodecContext& codec = video_->context();
+        if (palette_) return rgb;
+        const AVCodecContext& codec = video_.context();
         return {codec.pix_fmt, codec.colorspace, codec.color_range};
     }
 
     std::optional<SoundFormat> soundFormat() const override {
         if (!sound_) return {};
         const AVCodecContext& codec = sound_->context();
-        return SoundFormat{codec.sample_rate, codec.sample_fmt, "stereo", codec.frame_size};
+        return SoundFormat{codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels,
+                           codec.frame_size};
     }
 
     void write(av::Frame picture, std::int64_t /*number*/) override {
@@ -100,12 +84,12 @@ class MovieWriter final : public Writer {
         picture->pts = pictures_++;
         if (palette_) {
             const std::int64_t time = picture->pts;
-            palette_->push(0, std::move(picture));
+            palette_->push(std::move(picture));
             picture = palette_->pull();
-            if (!picture) throw Error(writing_ + ": no palette for a picture");
+            if (!picture) throw Error("no palette for a picture of " + file_.target().string());
             picture->pts = time;
         }
-        encode(*video_, *videoStream_, picture.get());
+        encode(video_, videoStream_, picture.get());
     }
 
     void writeSound(av::Frame samples) override {
@@ -115,11 +99,9 @@ class MovieWriter final : public Writer {
     }
 
     void finish() override {
-        encode(*video_, *videoStream_, nullptr);
+        encode(video_, videoStream_, nullptr);
         if (sound_) encode(*sound_, *soundStream_, nullptr);
-        av::check(av_write_trailer(output_.get()), writing_);
-        av::check(output_->pb->error, writing_);
-        av::check(avio_closep(&output_->pb), writing_);
+        muxer_.finish();
         file_.commit();
     }
 
@@ -141,7 +123,7 @@ class MovieWriter final : public Writer {
             codec.color_primaries = like.color_primaries;
             codec.color_trc = like.color_trc;
         }
-        if ((output_->oformat->flags & AVFMT_GLOBALHEADER) != 0) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+        if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
 
     void setUpSound(AVCodecContext& codec, int rate) {
@@ -150,33 +132,25 @@ class MovieWriter final : public Writer {
         codec.bit_rate = 192'000;
         codec.time_base = {1, codec.sample_rate};
         av_channel_layout_default(&codec.ch_layout, 2);
-        if ((output_->oformat->flags & AVFMT_GLOBALHEADER) != 0) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    }
-
-    AVStream* addStream(const Encoder& encoder) {
-        AVStream* const stream = av::check(avformat_new_stream(output_.get(), nullptr), writing_);
-        av::check(avcodec_parameters_from_context(stream->codecpar, &encoder.context()), writing_);
-        stream->time_base = encoder.context().time_base;
-        return stream;
+        if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
 
     void encode(Encoder& encoder, const AVStream& stream, const AVFrame* frame) {
         encoder.encode(frame, [&](AVPacket& packet) {
-            packet.stream_index = stream.index;
-            if (packet.duration == 0 && &stream == videoStream_) packet.duration = 1;
-            av_packet_rescale_ts(&packet, encoder.context().time_base, stream.time_base);
-            av::check(av_interleaved_write_frame(output_.get(), &packet), writing_);
+            if (packet.duration == 0 && &stream == &videoStream_) packet.duration = 1;
+            muxer_.write(packet, stream, encoder.context().time_base);
         });
     }
 
+    static constexpr PictureFormat rgb{AV_PIX_FMT_BGRA, AVCOL_SPC_RGB, AVCOL_RANGE_JPEG};
+
     StagedFile file_;
-    std::string writing_;
-    std::unique_ptr<AVFormatContext, CloseOutput> output_;
-    std::optional<Encoder> video_;
+    Muxer muxer_;
+    Encoder video_;
+    AVStream& videoStream_;
     std::optional<Encoder> sound_;
-    std::optional<Filters> palette_;
-    AVStream* videoStream_ = nullptr;
     AVStream* soundStream_ = nullptr;
+    std::optional<Filters> palette_;
     std::int64_t pictures_ = 0;
     std::int64_t samples_ = 0;
 };

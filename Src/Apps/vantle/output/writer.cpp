@@ -9,17 +9,6 @@
 
 namespace vantle {
 
-av::Frame blankPicture(Size size, const PictureFormat& format) {
-    av::Frame frame = av::makeFrame();
-    frame->width = size.width;
-    frame->height = size.height;
-    frame->format = format.pixels;
-    frame->colorspace = format.space;
-    frame->color_range = format.range;
-    av::check(av_frame_get_buffer(frame.get(), 0), "frame");
-    return frame;
-}
-
 OutputKind outputKind(const std::string& name) {
     std::string ending = std::filesystem::path(name).extension().string();
     std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return std::tolower(c); });

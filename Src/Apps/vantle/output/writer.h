@@ -2,26 +2,16 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "media/av.h"
 #include "media/canvas.h"
+#include "media/convert.h"
 #include "media/sound_format.h"
 
 namespace vantle {
-
-/// How pixels are to be for a writer.
-struct PictureFormat {
-    AVPixelFormat pixels = AV_PIX_FMT_NONE;
-    AVColorSpace space = AVCOL_SPC_RGB;
-    AVColorRange range = AVCOL_RANGE_JPEG;
-};
-
-/// A new picture for a writer, its pixels not set.
-av::Frame blankPicture(Size size, const PictureFormat& format);
 
 /// Takes pictures (and sound) in order. Nothing stands under the output's name before `finish` has returned,
 /// and nothing of it stays when that is never called. Every failure to write throws Error.
@@ -65,7 +55,7 @@ struct WriterOptions {
     const AVFrame* colours = nullptr;    ///< a picture whose description of its colours a video takes over
     std::optional<int> soundSampleRate;  ///< rate of the inputs' sound, if it is wanted
     bool overwrite = false;
-    std::map<std::string, std::string> encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
+    av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
 };
 
 /// The writer for an output of a kind.

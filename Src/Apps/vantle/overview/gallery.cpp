@@ -49,19 +49,19 @@ std::string title(const std::string& input) {
 }
 
 /// The options with which `vantle render` shows the same pictures.
-Json renderOptions(const OverviewOptions& options) {
+Json renderOptions(const JoinOptions& options) {
     Json texts = Json::array();
     const auto add = [&](const char* name, const std::string& value) {
         texts.push_back(name);
         texts.push_back(value);
     };
-    if (options.duration != OverviewOptions().duration) add("--duration", Json(options.duration).dump());
+    if (options.duration != JoinOptions().duration) add("--duration", Json(options.duration).dump());
     if (options.fps) add("--fps", std::to_string(options.fps->num) + "/" + std::to_string(options.fps->den));
     if (options.fit != Fit::contain) add("--fit", options.fit == Fit::cover ? "cover" : "stretch");
     return texts;
 }
 
-std::string data(const OverviewOptions& options, const Overview& overview, const SpriteLayout& layout,
+std::string data(const JoinOptions& options, const Overview& overview, const SpriteLayout& layout,
                  const std::vector<double>& positions) {
     Json gallery;
     gallery["from"] = title(options.from);
@@ -99,11 +99,11 @@ std::vector<std::string_view> ownNames() {
 }  // namespace
 
 void makeGallery(const GalleryOptions& options) {
-    const OverviewOptions& asked = options.overview;
+    const JoinOptions& asked = options.overview.join;
     StagedFolder folder(asked.output, asked.force, ownNames());
     const std::vector<double> positions = evenPositions(options.positions);
     // Frames too large for a sprite are refused before they are loaded.
-    const Overview overview(asked, positions, [&](Size own) {
+    const Overview overview(options.overview, positions, [&](Size own) {
         return SpriteLayout(frameSize(options, own), options.positions).frame;
     });
     const SpriteLayout layout(overview.size(), options.positions);

@@ -1,7 +1,7 @@
 #include "overview/overview.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdio>
 #include <mutex>
 #include <utility>
 
@@ -9,8 +9,7 @@
 #include "system/interrupt.h"
 #include "system/progress_bar.h"
 #include "system/workers.h"
-#include "timeline/clip.h"
-#include "timeline/join.h"
+#include "timeline/film.h"
 
 namespace vantle {
 
@@ -59,35 +58,39 @@ const std::string& shownName(const Transition& transition) {
     return transition.name.empty() ? transition.function : transition.name;
 }
 
-Overview::Overview(const OverviewOptions& options, std::span<const double> positions,
+Overview::Overview(const OverviewOptions& options, const std::vector<double>& positions,
                    const std::function<Size(Size)>& frameSize)
-    : plugin_(options.plugin), transitions_(wanted(plugin_, options.transitions)) {
-    Clip from(options.from);
-    Clip to(options.to);
+    : plugin_(options.join.plugin), transitions_(wanted(plugin_, options.transitions)) {
+    Input from(options.join.from);
+    Input to(options.join.to);
     size_ = frameSize(from.size());
-    const Canvas canvas{size_, options.fps.value_or(commonRate(from, to)), options.fit};
-    overlap_ = std::llround(options.duration * av_q2d(canvas.rate));
-    if (overlap_ < 1) throw UsageError("--duration: shorter than one frame");
+    const Canvas canvas{size_, options.join.fps.value_or(commonRate(from, to)), options.join.fit};
+    overlap_ = options.join.overlap(canvas.rate);
+    const Film film = joined(from, to, canvas, nullptr, overlap_, 0, false);
     FrameSource fromFrames(size_);
     FrameSource toFrames(size_);
-    for (const Meeting& meeting : meetingsAt(from, to, canvas, overlap_, positions))
-        moments_.push_back({fromFrames.frame(*meeting.from), toFrames.frame(*meeting.to), meeting.frame});
+    for (const Moment& moment : momentsOf(film, 0, positions))
+        meetings_.push_back(
+            {fromFrames.frame(*moment.picture), toFrames.frame(*moment.incoming), moment.position});
+    for (const Input* input : {&from, &to})
+        if (const std::string report = input->damageReport(); !report.empty() && !options.join.quiet)
+            std::fprintf(stderr, "vantle: %s\n", report.c_str());
 }
 
 void Overview::draw(bool quiet, const Sink& sink) const {
-    ProgressBar progress(std::ssize(transitions_) * std::ssize(moments_), quiet);
+    ProgressBar progress(std::ssize(transitions_) * std::ssize(meetings_), quiet);
     std::mutex guard;
     std::int64_t drawn = 0;
     // A transition stays on one thread, so that its calls never overlap: the dissolve keeps state.
     inParallel(transitions_.size(), [&](std::size_t transition) {
         const Image out = makeImage(size_.width, size_.height);
-        for (std::size_t position = 0; position < moments_.size(); ++position) {
+        for (std::size_t position = 0; position < meetings_.size(); ++position) {
             throwIfInterrupted();
-            const Moment& moment = moments_[position];
+            const Meeting& meeting = meetings_[position];
             TransParam param{};
             param.dDuration = static_cast<double>(overlap_);
-            param.dPosition = moment.frame;
-            transitions_[transition].draw(out.get(), moment.from->get(), moment.to->get(), &param);
+            param.dPosition = meeting.frame;
+            transitions_[transition].draw(out.get(), meeting.from->get(), meeting.to->get(), &param);
             sink(transition, position, out.get());
             const std::scoped_lock lock(guard);
             progress.update(++drawn);

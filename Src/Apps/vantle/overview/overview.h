@@ -12,21 +12,14 @@
 #include "Host/image.h"
 #include "Host/plugin.h"
 #include "media/canvas.h"
+#include "timeline/join_options.h"
 
 namespace vantle {
 
 /// What every overview of transitions is asked for with.
 struct OverviewOptions {
-    std::string plugin;  ///< path of the plug-in; empty for the installed one
-    std::string from;    ///< outgoing input
-    std::string to;      ///< incoming input
-    std::string output;
+    JoinOptions join;
     std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions; empty for all
-    double duration = 1.0;                 ///< seconds of overlap
-    std::optional<AVRational> fps;         ///< FROM's when absent
-    Fit fit = Fit::contain;
-    bool force = false;
-    bool quiet = false;
 };
 
 /// The name under which a transition is shown and can be asked for.
@@ -36,7 +29,7 @@ class Overview {
    public:
     /// Loads the plug-in and the pictures of the overlap at `positions` (0 to 1, ascending), which are the
     /// ones that a rendering shows there. `frameSize` says how large the frames are, given FROM's size.
-    Overview(const OverviewOptions& options, std::span<const double> positions,
+    Overview(const OverviewOptions& options, const std::vector<double>& positions,
              const std::function<Size(Size)>& frameSize);
 
     /// The transitions to show, each once.
@@ -54,7 +47,7 @@ class Overview {
 
    private:
     /// A position with the frames that meet there. Frames of a still are shared by all.
-    struct Moment {
+    struct Meeting {
         std::shared_ptr<const Image> from;
         std::shared_ptr<const Image> to;
         double frame = 0.0;
@@ -62,7 +55,7 @@ class Overview {
 
     Plugin plugin_;
     std::vector<Transition> transitions_;
-    std::vector<Moment> moments_;
+    std::vector<Meeting> meetings_;
     std::int64_t overlap_ = 1;
     Size size_;
 };

@@ -96,44 +96,43 @@ std::vector<double> innerPositions(int count) {
 }
 
 /// A filter that writes `text` with its capitals' middle at height `middle`.
-std::string write(std::string text, int x, int middle, int size, const char* colour) {
-    // Some characters are syntax to the filters; no name needs them.
-    std::ranges::replace_if(
-        text, [](char c) { return std::string_view("\\':,;[]=%").find(c) != std::string_view::npos; }, '?');
-    return "drawtext=font=DejaVu Sans:expansion=none:text='" + text + "':x=" + std::to_string(x) +
-           ":y=" + std::to_string(middle + size * 3 / 8) + "-ascent:fontsize=" + std::to_string(size) +
-           ":fontcolor=" + colour + ",";
+Filter write(const std::string& text, int x, int middle, int size, const char* colour) {
+    return {"drawtext",
+            {{"font", "DejaVu Sans"},
+             {"expansion", "none"},
+             {"text", text},
+             {"x", std::to_string(x)},
+             {"y", std::to_string(middle + size * 3 / 8) + "-ascent"},
+             {"fontsize", std::to_string(size)},
+             {"fontcolor", colour}}};
 }
 
 /// The sheet with its texts: names and families beside the rows, positions above each block.
 av::Frame withTexts(av::Frame sheet, const Layout& layout, const Overview& overview,
                     const std::vector<double>& positions) {
-    std::string filters = "[in0]";
+    std::vector<Filter> filters;
     const int text = layout.text();
     const int small = layout.smallText();
     for (std::size_t i = 0; i < overview.transitions().size(); ++i) {
         const Transition& transition = overview.transitions()[i];
         const int middle = layout.y(i) + std::max(layout.thumbnail().height, text * 5 / 2) / 2;
-        filters += write(shownName(transition), layout.nameX(i), middle - text * 2 / 3, text, dark);
-        filters += write(std::string(familyOf(transition.function)), layout.nameX(i), middle + text * 2 / 3,
-                         small, muted);
+        filters.push_back(write(shownName(transition), layout.nameX(i), middle - text * 2 / 3, text, dark));
+        filters.push_back(write(std::string(familyOf(transition.function)), layout.nameX(i),
+                                middle + text * 2 / 3, small, muted));
         for (std::size_t k = 0; layout.headsBlock(i) && k < positions.size(); ++k) {
             char label[16] = "";
             std::snprintf(label, sizeof label, "%.2f", positions[k]);
-            filters +=
-                write(label, layout.x(i, static_cast<int>(k)), layout.headerY() + small / 2, small, muted);
+            filters.push_back(
+                write(label, layout.x(i, static_cast<int>(k)), layout.headerY() + small / 2, small, muted));
         }
     }
-    filters += "null[out]";
-    const std::string source = "video_size=" + std::to_string(sheet->width) + "x" +
-                               std::to_string(sheet->height) + ":pix_fmt=rgb24:time_base=1/1";
     std::optional<Filters> graph;
     try {
-        graph.emplace(AVMEDIA_TYPE_VIDEO, std::vector{source}, filters);
+        graph.emplace(*sheet, AVRational{1, 1}, filters);
     } catch (const Error&) {
         throw Error("cannot write the names: FFmpeg's drawtext finds no font (package fonts-dejavu-core)");
     }
-    graph->push(0, std::move(sheet));
+    graph->push(std::move(sheet));
     av::Frame written = graph->pull();
     if (!written) throw Error("cannot write the names onto the sheet");
     return written;
@@ -142,13 +141,13 @@ av::Frame withTexts(av::Frame sheet, const Layout& layout, const Overview& overv
 }  // namespace
 
 void drawSheet(const SheetOptions& options) {
-    const OverviewOptions& asked = options.overview;
+    const JoinOptions& asked = options.overview.join;
     if (pictureCodec(asked.output) == AV_CODEC_ID_NONE || !numberedName(asked.output, 0).empty())
         throw UsageError("OUT is one picture: a name such as sheet.png, not " + asked.output);
     // Refused now rather than when all is drawn; the file itself comes with the writer.
     const StagedFile probe(asked.output, asked.force);
     const std::vector<double> positions = innerPositions(options.columns);
-    const Overview overview(asked, positions, [](Size own) { return own; });
+    const Overview overview(options.overview, positions, [](Size own) { return own; });
     const Layout layout(options, overview);
     const std::unique_ptr<Writer> writer =
         makePictureWriter({asked.output, {layout.sheet(), {1, 1}, asked.fit}, nullptr, {}, asked.force, {}});

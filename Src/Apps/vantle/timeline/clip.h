@@ -1,67 +1,37 @@
-/// The pictures of one input, brought to the canvas of a rendering.
+/// The pictures of one input, brought to the canvas of a film.
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <optional>
-#include <string>
 
 #include "media/canvas.h"
-#include "media/decoder.h"
 #include "media/filters.h"
+#include "timeline/input.h"
 
 namespace vantle {
 
+/// Gives the picture of an input for each number of a film's grid: the one that shows at that time.
 class Clip {
    public:
-    /// Opens an input and decodes its first pictures. Throws Error when there are none.
-    explicit Clip(const std::string& name);
+    /// From the input's picture number `first` on. The input must outlive it; with `sound`, its sound can be
+    /// read from there too.
+    Clip(Input& input, const Canvas& canvas, std::int64_t first, bool sound);
 
-    const std::string& name() const { return decoder_.name(); }
-
-    /// The size at which a picture shows: upright, with square pixels.
-    Size size() const;
-
-    /// Pictures per second; 0/1 for a still.
-    AVRational rate() const;
-
-    /// True when the input never ends of itself: a single picture, or a generated source without an end.
-    bool endless() const { return still_ || endlessSource_; }
-
-    /// The length in seconds as the container states it; none for endless ones and where it does not.
-    std::optional<double> statedSeconds() const;
-
-    /// The first picture as decoded, for its colours. Only before `next`.
-    const AVFrame& first() const { return *ahead_.front(); }
-
-    /// Says what `next` gives: pictures for `canvas`, at most `limit` of them. To be called once, before.
-    void start(const Canvas& canvas, std::optional<std::int64_t> limit);
-
-    /// The next picture, or null at the end. A still gives the same one again and again.
+    /// The next picture; after the input's end its last one, again and again.
     av::Frame next();
 
    private:
-    av::Frame decode();
-    std::int64_t shownFor(const AVFrame& frame) const;
-    void filter(const AVFrame& like);
-    bool isLikeFiltered(const AVFrame& frame) const;
-    std::string graph(const AVFrame& like) const;
-    Size shownSize(const AVFrame& frame) const;
+    av::Frame onCanvas(const AVFrame& picture);
 
-    Decoder decoder_;
-    std::deque<av::Frame> ahead_;  // decoded, and not yet given to the filters
+    Input& input_;
     Canvas canvas_;
+    std::int64_t number_;  // in the grid, of the picture that `next` gives
+    av::Frame ahead_;      // the first picture that shows later
+    av::Frame decoded_;    // the one that shows now
+    av::Frame shown_;      // the same on the canvas, once asked for
     std::optional<Filters> filters_;
     av::Frame filtered_;  // a picture of the form that the filters are made for
-    av::Frame stillPicture_;
-    std::optional<std::int64_t> left_;
-    std::int64_t end_ = 0;  // of the last picture decoded, in the stream's time base
-    bool still_ = false;
-    bool endlessSource_ = false;
-    bool drained_ = false;
+    bool ended_ = false;
 };
-
-/// The rate at which two inputs are joined: FROM's, else TO's, else 30 per second.
-AVRational commonRate(const Clip& from, const Clip& to);
 
 }  // namespace vantle

@@ -1,0 +1,185 @@
+#include "media/demuxer.h"
+
+extern "C" {
+#include <libavdevice/avdevice.h>
+#include <libavutil/common.h>
+}
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "system/interrupt.h"
+
+namespace vantle {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr AVRational microseconds{1, AV_TIME_BASE};
+
+av::Input open(const std::string& name) {
+    constexpr std::string_view generated = "lavfi:";
+    const bool isGenerated = name.starts_with(generated);
+    std::string url = isGenerated ? name.substr(generated.size()) : name;
+    std::error_code unknown;  // what cannot be looked at cannot be opened either, which says why
+    const fs::file_type type = isGenerated ? fs::file_type::none : fs::status(url, unknown).type();
+    if (type == fs::file_type::directory) throw Error(name + ": is a directory");
+    // Inputs are read more than once: to measure them, and to show them.
+    if (type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::character)
+        throw Error(name + ": is not a regular file");
+    // A file's name may hold a colon, which would make the part before it a protocol.
+    if (type == fs::file_type::regular || type == fs::file_type::block) url.insert(0, "file:");
+    avdevice_register_all();
+
+    AVFormatContext* context = av::check(avformat_alloc_context(), name);
+    context->interrupt_callback.callback = [](void*) { return interrupted() ? 1 : 0; };
+    const int code = avformat_open_input(&context, url.c_str(),
+                                         isGenerated ? av_find_input_format("lavfi") : nullptr, nullptr);
+    throwIfInterrupted();
+    av::check(code, name);  // a context that fails to open is freed
+    av::Input input(context);
+    av::check(avformat_find_stream_info(input.get(), nullptr), name);
+    return input;
+}
+
+}  // namespace
+
+Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name)) {}
+
+std::optional<int> Demuxer::best(AVMediaType type) const {
+    const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
+    return stream >= 0 ? std::optional(stream) : std::nullopt;
+}
+
+av::Packet Demuxer::read(int stream) {
+    std::deque<av::Packet>& queue = queues_.at(stream);
+    while (queue.empty())
+        if (!readOne()) return nullptr;
+    av::Packet packet = std::move(queue.front());
+    queue.pop_front();
+    return packet;
+}
+
+bool Demuxer::readOne() {
+    constexpr int mostInARow = 100;  // damaged packets: what goes on like that has no more good ones
+    int code = 0;
+    for (int i = 0; i < mostInARow && !ended_; ++i) {
+        av::Packet packet = av::makePacket();
+        code = av_read_frame(input_.get(), packet.get());
+        throwIfInterrupted();
+        if (code == AVERROR_EOF) {
+            ended_ = true;
+            checkLength();
+        } else if (code >= 0) {
+            bridgeJump(*packet);
+            const auto queue = queues_.find(packet->stream_index);
+            if (queue != queues_.end()) queue->second.push_back(std::move(packet));
+            return true;
+        } else if (code == AVERROR_INVALIDDATA || code == AVERROR(EAGAIN)) {
+            ++health_.damaged;
+        } else {
+            break;
+        }
+    }
+    if (!ended_) fail(av::message(code));
+    return false;
+}
+
+bool Demuxer::seek(int stream, std::int64_t time) {
+    if (jumped() || (input_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0) return false;
+    const int code =
+        avformat_seek_file(input_.get(), stream, std::numeric_limits<std::int64_t>::min(), time, time, 0);
+    throwIfInterrupted();
+    if (code < 0) return false;
+    forget();
+    return true;
+}
+
+void Demuxer::reopen() {
+    input_ = open(name_);
+    forget();
+}
+
+void Demuxer::forget() {
+    for (auto& [stream, queue] : queues_) queue.clear();
+    ended_ = false;
+    times_.clear();
+    shift_ = end_ = othersEnd_ = 0;
+}
+
+bool Demuxer::indexed() const {
+    const std::string_view format = input_->iformat->name;
+    return (format.starts_with("mov,") || format.starts_with("matroska,")) && statesLength();
+}
+
+void Demuxer::bridgeJump(AVPacket& packet) {
+    constexpr std::int64_t second = AV_TIME_BASE;
+    constexpr std::int64_t longest = 3600 * second;  // that anything stands still
+    constexpr std::int64_t gap = 10 * second;        // that is no jump where times may jump
+    const AVStream& stream = *input_->streams[packet.stream_index];
+    const AVMediaType type = stream.codecpar->codec_type;
+    const std::int64_t shown = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    if (shown == AV_NOPTS_VALUE) return;
+
+    // Saturating: the times of a damaged file may be any number.
+    const auto sum = [](std::int64_t a, std::int64_t b) { return av_sat_add64(a, b); };
+    const std::int64_t start = input_->start_time != AV_NOPTS_VALUE ? input_->start_time : 0;
+    const auto sinceStart = [&](std::int64_t time) {
+        return av_sat_sub64(av_rescale_q(time, stream.time_base, microseconds), start);
+    };
+    const std::int64_t read = sinceStart(shown);
+    packet.duration = std::min(packet.duration, av_rescale_q(longest, microseconds, stream.time_base));
+    const std::int64_t length = av_rescale_q(packet.duration, stream.time_base, microseconds);
+    if (type != AVMEDIA_TYPE_VIDEO && type != AVMEDIA_TYPE_AUDIO) {
+        othersEnd_ = std::max(othersEnd_, sum(read, length));
+        return;
+    }
+    const std::int64_t readDecoded = sinceStart(packet.dts != AV_NOPTS_VALUE ? packet.dts : shown);
+    const bool restarts = (input_->iformat->flags & AVFMT_TS_DISCONT) != 0;
+    Times& own = times_[packet.stream_index];
+    const auto jumps = [&](std::int64_t shift) {
+        if (end_ <= 0) return false;
+        const std::int64_t time = sum(read, shift);
+        const bool pastStatedEnd = statesLength() && time > sum(input_->duration, gap);
+        if (time > sum(end_, restarts || pastStatedEnd ? gap : longest)) return true;
+        // Other formats may keep their streams apart, one after the other.
+        return restarts ? sum(readDecoded, shift) < av_sat_sub64(own.decoded, second / 10)
+                        : shift != 0 && time < end_ - gap;
+    };
+    if (jumps(own.shift)) {
+        // The first stream to jump sets where all go on; the others follow when they come to their jump.
+        if (jumps(shift_)) shift_ = av_sat_sub64(end_, read);
+        own.shift = shift_;
+    }
+    own.decoded = sum(readDecoded, own.shift);
+
+    end_ = std::max(end_, sum(sum(read, own.shift), length));
+    const std::int64_t shift = av_rescale_q(own.shift, microseconds, stream.time_base);
+    if (packet.pts != AV_NOPTS_VALUE) packet.pts = sum(packet.pts, shift);
+    if (packet.dts != AV_NOPTS_VALUE) packet.dts = sum(packet.dts, shift);
+}
+
+bool Demuxer::statesLength() const {
+    // Other lengths are measured or guessed from the file as it is.
+    return input_->duration > 0 && input_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
+}
+
+void Demuxer::checkLength() const {
+    if (!statesLength() || shift_ != 0) return;  // times that jump say nothing about the length
+    // Containers round, and some leave out the length of the last picture: only a clear shortfall counts.
+    const double stated = static_cast<double>(input_->duration) / AV_TIME_BASE;
+    const double end = static_cast<double>(std::max(end_, othersEnd_)) / AV_TIME_BASE;
+    if (stated < 1.0 || end_ <= 0 || end >= stated - std::min(0.1 * stated, 10.0) - 0.5) return;
+    char text[96] = "";
+    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated", end, stated);
+    fail(text);
+}
+
+void Demuxer::fail(const std::string& what) const { throw Error(name_ + ": " + what); }
+
+}  // namespace vantle

@@ -1,0 +1,85 @@
+/// A media file as packets.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <limits>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "media/av.h"
+
+namespace vantle {
+
+/// Reads the packets of anything FFmpeg's libraries read, or of a generated source written `lavfi:GRAPH`.
+/// All errors, and a file that ends before the length it states, throw Error with the input's name in front.
+class Demuxer {
+   public:
+    /// Opens and probes `name`. Throws Error when it cannot be read.
+    explicit Demuxer(const std::string& name);
+
+    const std::string& name() const { return name_; }
+    AVFormatContext& container() const { return *input_; }
+    AVStream& stream(int index) const { return *input_->streams[index]; }
+
+    /// The best stream of this type, if there is one.
+    std::optional<int> best(AVMediaType type) const;
+
+    /// Keeps the packets of this stream for `read` while those of another one are read.
+    void use(int stream) { queues_[stream]; }
+
+    /// Lets go of this stream's packets.
+    void drop(int stream) { queues_.erase(stream); }
+
+    /// The next packet of a stream that is in use, or null at the end. Times run on where a recording starts
+    /// anew half way.
+    av::Packet read(int stream);
+
+    /// Goes to the last key packet of `stream` at or before `time`, in its time base; all streams go on from
+    /// about there. False when the input cannot do that; it is then where it was, or anywhere.
+    bool seek(int stream, std::int64_t time);
+
+    /// Opens the input once more, from its start.
+    void reopen();
+
+    /// True when times have jumped so far: then a time does not lead to its place in the file.
+    bool jumped() const { return shift_ != 0; }
+
+    /// True for a format that knows where its packets lie and states how long it is.
+    bool indexed() const;
+
+    /// Packets that were read to be decoded, and those of them that are damaged, whoever finds it.
+    struct Health {
+        std::int64_t packets = 0;
+        std::int64_t damaged = 0;
+    };
+    Health& health() { return health_; }
+    const Health& health() const { return health_; }
+
+   private:
+    [[noreturn]] void fail(const std::string& what) const;
+    bool readOne();
+    void bridgeJump(AVPacket& packet);
+    bool statesLength() const;
+    void checkLength() const;
+    void forget();
+
+    std::string name_;
+    av::Input input_;
+    std::map<int, std::deque<av::Packet>> queues_;  // of the streams in use
+    Health health_;
+    bool ended_ = false;
+    // In microseconds from the file's start. Recordings put one after the other start anew in the middle, and
+    // damage makes times of another year: from such a jump on, a file plays on where it had come to.
+    struct Times {
+        std::int64_t shift = 0;                                           // added to what is read
+        std::int64_t decoded = std::numeric_limits<std::int64_t>::min();  // of the last packet
+    };
+    std::map<int, Times> times_;  // by stream
+    std::int64_t shift_ = 0;      // for what follows the last jump
+    std::int64_t end_ = 0;        // of the pictures and sound read so far
+    std::int64_t othersEnd_ = 0;  // of subtitles and the like
+};
+
+}  // namespace vantle

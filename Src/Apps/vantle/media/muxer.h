@@ -1,0 +1,44 @@
+/// A media file being written.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "media/av.h"
+
+namespace vantle {
+
+/// Puts packets of encoders, or of other files, into a file. Every failure throws Error.
+class Muxer {
+   public:
+    /// Creates the file at `path` in a format by FFmpeg's name; `name` is what errors call it.
+    Muxer(const std::string& path, const char* format, const std::string& name);
+
+    /// True when encoders must put their headers beside the stream.
+    bool wantsGlobalHeaders() const;
+
+    /// Adds a stream for the packets of an encoder, which is set up already.
+    AVStream& add(const AVCodecContext& encoder);
+
+    /// Writes the header, when all streams are added.
+    void start(const av::Options& options);
+
+    /// Writes a packet whose times are in `timeBase`; its contents are gone afterwards.
+    void write(AVPacket& packet, const AVStream& stream, AVRational timeBase);
+
+    /// Completes the file.
+    void finish();
+
+   private:
+    struct Close {
+        void operator()(AVFormatContext* output) const {
+            avio_closep(&output->pb);
+            avformat_free_context(output);
+        }
+    };
+
+    std::string writing_;
+    std::unique_ptr<AVFormatContext, Close> output_;
+};
+
+}  // namespace vantle

@@ -1,0 +1,27 @@
+#include "media/sound_format.h"
+
+extern "C" {
+#include <libavutil/channel_layout.h>
+#include <libavutil/mathematics.h>
+#include <libavutil/samplefmt.h>
+}
+
+namespace vantle {
+
+av::Frame silence(const SoundFormat& format, int samples) {
+    av::Frame frame = av::makeFrame();
+    frame->sample_rate = format.sampleRate;
+    frame->format = format.sampleFormat;
+    frame->nb_samples = samples;
+    av_channel_layout_default(&frame->ch_layout, format.channels);
+    av::check(av_frame_get_buffer(frame.get(), 0), "sound");
+    av::check(av_samples_set_silence(frame->extended_data, 0, samples, format.channels, format.sampleFormat),
+              "sound");
+    return frame;
+}
+
+std::int64_t sampleOf(std::int64_t frame, AVRational frameRate, int sampleRate) {
+    return av_rescale(frame, static_cast<std::int64_t>(sampleRate) * frameRate.den, frameRate.num);
+}
+
+}  // namespace vantle

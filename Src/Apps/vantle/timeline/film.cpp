@@ -1,0 +1,106 @@
+#include "timeline/film.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace vantle {
+
+namespace {
+
+/// How many frames show an input; `outside` of them outside the overlap when it is endless.
+std::int64_t length(Input& input, AVRational rate, std::int64_t overlap, std::int64_t outside) {
+    if (input.endless()) return overlap + outside;
+    const std::int64_t frames = input.frames(rate);
+    if (frames < overlap)
+        throw Error(input.name() + ": has " + std::to_string(frames) +
+                    " frames, fewer than the transition's " + std::to_string(overlap) +
+                    "; --duration makes it shorter");
+    return frames;
+}
+
+}  // namespace
+
+Film joined(Input& from, Input& to, const Canvas& canvas, TransFunc* transition, std::int64_t overlap,
+            std::int64_t hold, bool drawsEnds) {
+    Film film{canvas, {}, {}, drawsEnds};
+    film.parts.push_back({&from, 0, length(from, canvas.rate, overlap, hold)});
+    const std::int64_t start = film.parts.front().frames - overlap;
+    film.parts.push_back({&to, start, length(to, canvas.rate, overlap, hold)});
+    // The end that is drawn is a frame of its own, whether or not the input has one for it.
+    if (drawsEnds) film.parts.back().frames = std::max(film.parts.back().frames, overlap + 1);
+    film.joins.push_back({transition, start, overlap});
+    return film;
+}
+
+FilmReader::FilmReader(const Film& film, std::int64_t first, bool sound)
+    : film_(film), frame_(first), sound_(sound) {}
+
+Moment FilmReader::next() {
+    const std::int64_t frame = frame_++;
+    Moment moment;
+    for (std::size_t i = 0; i < film_.joins.size(); ++i) {
+        const Join& join = film_.joins[i];
+        const bool isEnd = film_.drawsEnds && frame == join.end();
+        if (frame < join.start || (frame >= join.end() && !isEnd)) continue;
+        moment.picture = pictureOf(i, std::min(frame, join.end() - 1));
+        moment.incoming = pictureOf(i + 1, frame);
+        moment.transition = join.transition;
+        moment.position = static_cast<double>(frame - join.start);
+        moment.duration = static_cast<double>(join.frames);
+        return moment;
+    }
+    for (std::size_t i = 0; i < film_.parts.size(); ++i)
+        if (film_.parts[i].holds(frame)) moment.picture = pictureOf(i, frame);
+    return moment;
+}
+
+av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
+    const std::int64_t now = frame_ - 1;
+    players_.remove_if([&](const Player& player) { return film_.parts[player.part].end() < now; });
+    const Part& part = film_.parts[number];
+    auto player = std::ranges::find(players_, number, &Player::part);
+    const bool isNew = player == players_.end();
+    if (isNew) {
+        players_.push_back(
+            {number, Clip(*part.input, film_.canvas, part.first + frame - part.start, sound_), nullptr});
+        player = std::prev(players_.end());
+    }
+    // Past its end a part's last picture is asked for once more.
+    if (isNew || part.holds(now)) player->last = player->clip.next();
+    return av::share(*player->last);
+}
+
+std::vector<Moment> momentsOf(const Film& film, std::size_t number, const std::vector<double>& positions) {
+    const Join& join = film.joins.at(number);
+    std::vector<Moment> moments;
+    std::optional<Clip> clips[2];
+    av::Frame pictures[2];
+    std::int64_t next[2] = {0, 0};  // frames of the join
+    for (const double position : positions) {
+        // A fraction such as 29 / 100 times 100 falls just short of frame 29, which is what is meant.
+        const double frame = position * static_cast<double>(join.frames);
+        const double drawn = std::abs(frame - std::round(frame)) < 1e-6 ? std::round(frame) : frame;
+        // The picture of the overlap that shows at this position; at its very end TO's next one, if it has
+        // one.
+        const auto k = static_cast<std::int64_t>(drawn);
+        for (std::size_t side = 0; side < 2; ++side) {
+            const Part& part = film.parts[number + side];
+            const std::int64_t wanted = side == 0 ? std::min(k, join.frames - 1) : k;
+            if (!clips[side]) {
+                clips[side].emplace(*part.input, film.canvas, part.first + join.start - part.start + wanted,
+                                    false);
+                next[side] = wanted;
+            }
+            for (; next[side] <= wanted; ++next[side]) pictures[side] = clips[side]->next();
+        }
+        moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), join.transition, drawn,
+                           static_cast<double>(join.frames)});
+    }
+    return moments;
+}
+
+}  // namespace vantle

@@ -1,0 +1,44 @@
+#include "timeline/painter.h"
+
+namespace vantle {
+
+namespace {
+
+// Video keeps its chroma as it is on the way through RGB; pictures to look at get it interpolated.
+bool smoothChroma(const PictureFormat& format) { return format.range == AVCOL_RANGE_JPEG; }
+
+}  // namespace
+
+DIImage ImageLoader::load(const AVFrame& picture) {
+    if (!held_ || held_->data[0] != picture.data[0]) {
+        converter_.convert(viewOf(picture), viewOf(image_.get()));
+        held_ = av::share(picture);
+    }
+    return image_.get();
+}
+
+Painter::Painter(Size size, const PictureFormat& format)
+    : size_(size),
+      format_(format),
+      from_(size, smoothChroma(format)),
+      to_(size, smoothChroma(format)),
+      out_(makeImage(size.width, size.height)),
+      toFormat_(smoothChroma(format)) {}
+
+av::Frame Painter::paint(const Moment& moment) {
+    PixelView view = viewOf(*moment.picture);
+    if (moment.transition != nullptr) {
+        TransParam param{};
+        param.dDuration = moment.duration;
+        param.dPosition = moment.position;
+        moment.transition(out_.get(), from_.load(*moment.picture), to_.load(*moment.incoming), &param);
+        view = viewOf(out_.get());
+    } else if (view.format == format_.pixels && view.space == format_.space && view.range == format_.range) {
+        return av::share(*moment.picture);
+    }
+    av::Frame picture = blankPicture(size_, format_);
+    toFormat_.convert(view, viewOf(*picture));
+    return picture;
+}
+
+}  // namespace vantle

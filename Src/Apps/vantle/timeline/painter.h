@@ -1,0 +1,41 @@
+/// Draws what a film shows.
+#pragma once
+
+#include "Host/image.h"
+#include "media/convert.h"
+#include "timeline/film.h"
+
+namespace vantle {
+
+/// The pictures of one input in the image library's form, converted only where the picture is another.
+class ImageLoader {
+   public:
+    ImageLoader(Size size, bool smoothChroma)
+        : image_(makeImage(size.width, size.height)), converter_(smoothChroma) {}
+
+    DIImage load(const AVFrame& picture);
+
+   private:
+    Image image_;
+    Converter converter_;
+    av::Frame held_;  // keeps the picture's memory, so that the same memory means the same picture
+};
+
+/// Turns moments of a film into pictures for a writer: those of one input as they are, those of a join drawn
+/// by its transition.
+class Painter {
+   public:
+    Painter(Size size, const PictureFormat& format);
+
+    av::Frame paint(const Moment& moment);
+
+   private:
+    Size size_;
+    PictureFormat format_;
+    ImageLoader from_;
+    ImageLoader to_;
+    Image out_;
+    Converter toFormat_;
+};
+
+}  // namespace vantle
