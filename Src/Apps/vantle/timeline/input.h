@@ -47,6 +47,11 @@ class Input {
     std::optional<int> soundStream() const { return soundStream_; }
     std::optional<int> soundSampleRate() const;
 
+    /// The sample of its sound at which its first picture shows, counted from the input's time 0.
+    std::int64_t startSample(int sampleRate) const {
+        return av_rescale_q(first_->pts, timeBase(), {1, sampleRate});
+    }
+
     /// The number of the first picture in the grid of `rate`, counted from the input's time 0.
     std::int64_t gridStart(AVRational rate) const { return gridNumber(first_->pts, rate); }
 

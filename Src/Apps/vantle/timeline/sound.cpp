@@ -120,8 +120,8 @@ void Soundtrack::add(AVFrame& mix, std::size_t number) {
     const std::int64_t end = std::min(sample(part.end()), next_ + mix.nb_samples);
     auto player = std::ranges::find(players_, number, &Player::part);
     if (player == players_.end()) {
-        // On the grid of the input's own frames, so that its sound lies with its pictures.
-        const std::int64_t first = sample(part.input->gridStart(film_.canvas.rate) + part.first);
+        // Counted from the input's own first picture, so that its sound lies with its pictures.
+        const std::int64_t first = part.input->startSample(format_.sampleRate) + sample(part.first);
         players_.emplace_back(number, *part.input, format_, first + begin - sample(part.start));
         player = std::prev(players_.end());
     }
