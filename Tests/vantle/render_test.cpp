@@ -171,4 +171,63 @@ TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {
     for (const double time : {0.5, 1.5, 2.5}) EXPECT_GT(loudness(sound, time), 0.1) << time;
 }
 
+TEST_F(Render, CountsPicturesAndGoesToThemInAnyContainer) {
+    countingClip("long.mp4", 70, 90);
+    ffmpeg("-i long.mp4 -c:v libx264 -crf 4 -g 20 clip.mp4");
+    for (const std::string name : {"clip.mkv", "clip.ts", "clip.h264"})
+        ffmpeg("-i clip.mp4 -c copy -bsf:v h264_mp4toannexb " + name);
+    // The start is beyond repair: what shows later needs none of it.
+    shell(in(
+        "cp clip.mp4 torn.mp4; for at in $(ffprobe -v error -select_streams v -show_entries packet=pos -of "
+        "csv=p=0 clip.mp4 | sed -n '4,20p' | tr -d ,); do printf junk_and_more_junk | dd of=torn.mp4 bs=1 "
+        "seek=$((at)) conv=notrunc status=none; done"));
+    for (const std::string name : {"clip.mp4", "clip.mkv", "clip.ts", "clip.h264", "torn.mp4"}) {
+        const std::string options = " lavfi:color=black:s=64x320 -t 0 --duration 0.4 --hold 0 -f ";
+        if (name != "torn.mp4") {
+            render(name + options + "-o all.mkv");
+            EXPECT_EQ(probe("all.mkv", "stream=nb_read_frames"), "70") << name;
+        }
+        render(name + options + "--frames 55-58 -o part_%d.png");
+        for (std::size_t i = 55; i <= 58; ++i)
+            EXPECT_NEAR(decode("part_" + std::to_string(i) + ".png", 64, 320).luma(0, 60, 4), number(i), 1.5)
+                << name;
+    }
+}
+
+TEST_F(Render, PlaysOnPastADamagedPacketButNotPastMany) {
+    countingClip("clip.mp4", 50, 90);
+    const auto damaged = [&](const std::string& which) {
+        shell(
+            in("cp clip.mp4 bad.mp4; for at in $(ffprobe -v error -show_entries packet=pos -of csv=p=0 "
+               "clip.mp4 | "
+               "sed -n '" +
+               which +
+               "' | tr -d ,); do printf '\\0\\0\\0\\1\\377\\377\\377\\377' | dd of=bad.mp4 bs=1 "
+               "seek=$((at)) conv=notrunc status=none; done"));
+        return vantle("render bad.mp4 lavfi:testsrc2=s=64x320 -t 0 --duration 0.2 --hold 0 -f -o joined.mkv");
+    };
+    const Outcome one = damaged("20p");
+    EXPECT_EQ(one.status, 0) << one.text();
+    EXPECT_NE(one.text().find("vantle: bad.mp4: passed over 1 damaged packet\n"), std::string::npos)
+        << one.text();
+    EXPECT_EQ(probe("joined.mkv", "stream=nb_read_frames"), "50");
+    const Outcome many = damaged("20,29p");
+    EXPECT_EQ(many.status, 1);
+    EXPECT_NE(many.text().find("packets are damaged\n"), std::string::npos) << many.text();
+}
+
+TEST_F(Render, LetsTheUserControlTheRateOfAVideo) {
+    const auto bytes = [&](const std::string& options) {
+        render(
+            "lavfi:testsrc2=s=320x240:d=1 lavfi:testsrc2=s=320x240 -t 0 --duration 0.2 --hold 0.2 -f -o "
+            "a.mp4 " +
+            options);
+        return contents("a.mp4").size();
+    };
+    const std::size_t usual = bytes("");
+    EXPECT_LT(bytes("--encoder-option b=50k"), usual / 3);
+    EXPECT_GT(bytes("--encoder-option qp=0"), usual * 2);
+    EXPECT_LT(bytes("--encoder-option crf=1 --encoder-option crf=51"), usual / 3);
+}
+
 }  // namespace tests

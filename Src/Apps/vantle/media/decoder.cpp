@@ -1,5 +1,6 @@
 #include "media/decoder.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 #include <utility>
@@ -47,6 +48,8 @@ av::Frame Decoder::receive() {
         if (ended_ || code == AVERROR(EAGAIN)) return nullptr;
         pass(code);
         if (code < 0) continue;
+        const bool marred = frame->decode_error_flags != 0 || (frame->flags & AV_FRAME_FLAG_CORRUPT) != 0;
+        damaged_ += marred ? 1 : 0;
         frame->pts = frame->best_effort_timestamp;
         return frame;
     }
@@ -71,11 +74,16 @@ av::Frame StreamReader::next() {
     while (!decoder_.ended()) {
         throwIfInterrupted();
         av::Frame frame = decoder_.receive();
-        health.damaged += decoder_.damaged() - std::exchange(damaged_, decoder_.damaged());
+        // The same damage may be noticed by both.
+        const std::int64_t damaged = std::max(flagged_, decoder_.damaged());
+        health.damaged += damaged - std::exchange(damaged_, damaged);
         if (frame) return frame;
         if (decoder_.ended()) break;
         const av::Packet packet = input_.read(stream_);
-        health.packets += packet ? 1 : 0;
+        if (packet) {
+            ++health.packets;
+            flagged_ += (packet->flags & AV_PKT_FLAG_CORRUPT) != 0 ? 1 : 0;
+        }
         decoder_.send(packet.get());
     }
     if (10 * health.damaged > health.packets)

@@ -28,7 +28,7 @@ class Decoder {
     /// Forgets all packets, to go on elsewhere in the stream.
     void flush();
 
-    /// Packets passed over so far.
+    /// Packets passed over and pictures marred so far.
     std::int64_t damaged() const { return damaged_; }
     const AVCodecContext& context() const { return *codec_; }
 
@@ -65,7 +65,8 @@ class StreamReader {
     Demuxer& input_;
     int stream_;
     Decoder decoder_;
-    std::int64_t damaged_ = 0;  // packets that the decoder has found and the input knows of
+    std::int64_t flagged_ = 0;  // damaged packets that the container knows of
+    std::int64_t damaged_ = 0;  // those that the input has heard of
 };
 
 }  // namespace vantle

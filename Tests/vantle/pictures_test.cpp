@@ -1,0 +1,113 @@
+// What files say of their own pictures: turned, mirrored, of oblong pixels, transparent, of other colours.
+#include <array>
+#include <fstream>
+
+#include "command.h"
+
+namespace tests {
+
+namespace {
+
+/// A colour as one sees it: Red, Green, Blue, White, or some other.
+char seen(const Bytes& rgb, std::size_t pixel) {
+    int levels = 0;
+    for (std::size_t i = 3 * pixel; i < 3 * pixel + 3; ++i) levels = 10 * levels + (rgb.at(i) + 64) / 128;
+    return levels == 200 ? 'R' : levels == 20 ? 'G' : levels == 2 ? 'B' : levels == 222 ? 'W' : '?';
+}
+
+/// A picture whose quarters are red, green, blue and white, left to right and top to bottom.
+constexpr const char* quarters =
+    "-f lavfi -i \"color=red:s=32x16[a];color=lime:s=32x16[b];color=blue:s=32x16[c];color=white:s=32x16[d];"
+    "[a][b][c][d]xstack=inputs=4:layout=0_0|w0_0|0_h0|w0_h0\" ";
+
+}  // namespace
+
+class PicturesAsMeant : public CommandTest {
+   protected:
+    /// The first frame of a rendering that starts with an input: its size, and the colours of its quarters.
+    std::string shown(const std::string& input, const std::string& options = "") const {
+        render(input + " lavfi:testsrc2=s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 -f -o first_%d.png " +
+               options);
+        const std::string size = probe("first_0.png", "stream=width,height");
+        const Bytes pixels = rgb("first_0.png");
+        const auto width = static_cast<std::size_t>(std::stoi(size));
+        const std::size_t height = pixels.size() / 3 / width;
+        std::string text = size + ' ';
+        for (const std::size_t y : {height / 4, 3 * height / 4})
+            for (const std::size_t x : {width / 4, 3 * width / 4}) text += seen(pixels, y * width + x);
+        return text;
+    }
+
+    /// A JPEG with a note of how the camera was held: `orientation` as cameras number it.
+    void photo(const std::string& name, std::uint8_t orientation) const {
+        ffmpeg(std::string(quarters) + "-frames:v 1 -q:v 1 plain.jpg");
+        Bytes jpeg = contents("plain.jpg");
+        const Bytes exif{0xFF, 0xE1, 0, 34, 'E',         'x', 'i', 'f', 0,    0, 'I', 'I',
+                         '*',  0,    8, 0,  0,           0,   1,   0,   0x12, 1, 3,   0,
+                         1,    0,    0, 0,  orientation, 0,   0,   0,   0,    0, 0,   0};
+        jpeg.insert(jpeg.begin() + 2, exif.begin(), exif.end());
+        std::ofstream(folder_ / name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(jpeg.data()), static_cast<std::streamsize>(jpeg.size()));
+    }
+};
+
+TEST_F(PicturesAsMeant, StandUprightAsTheirCameraWasHeld) {
+    const char* const expected[] = {"64,32 RGBW", "64,32 GRWB", "64,32 WBGR", "64,32 BWRG",
+                                    "32,64 RBGW", "32,64 BRWG", "32,64 WGBR", "32,64 GWRB"};
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        photo("photo.jpg", static_cast<std::uint8_t>(orientation));
+        EXPECT_EQ(shown("photo.jpg"), expected[orientation - 1]) << orientation;
+    }
+    ffmpeg(std::string(quarters) + "-t 1 -c:v libx264 -crf 4 -pix_fmt yuv420p lying.mp4");
+    ffmpeg("-i lying.mp4 -c copy -metadata:s:v rotate=270 held.mp4");
+    EXPECT_EQ(shown("held.mp4"), expected[5]);
+}
+
+TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
+    ffmpeg(std::string(quarters) + "-vf setsar=2 -t 0.4 -c:v libx264 -crf 4 -pix_fmt yuv420p oblong.mkv");
+    EXPECT_TRUE(shown("oblong.mkv").starts_with("128,32 R"));
+    ffmpeg("-f lavfi -i color=white@0.5:s=64x32,format=rgba -frames:v 1 glass.png");
+    render("glass.png lavfi:testsrc2=s=64x32 -t 0 --at 0 -o seen.png");
+    EXPECT_NEAR(rgb("seen.png").at(0), 128, 2);
+
+    // One grey and one colour, coded in every way: they look the same, in pictures and in video.
+    const auto firstPixel = [&](const std::string& input, const std::string& output) {
+        render(input + " lavfi:color=c=0xA05028:s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 -f -o " +
+               output);
+        const Bytes pixels = rgb(output.find('%') != std::string::npos ? "out_0.png" : output);
+        return std::array{pixels.at(0), pixels.at(1), pixels.at(2)};
+    };
+    for (const char* const matrix : {"bt601", "bt709"})
+        for (const char* const range : {"tv", "pc"}) {
+            ffmpeg(
+                std::string("-f lavfi -i color=c=0xA05028:s=64x32,format=gbrp -vf scale=out_color_matrix=") +
+                matrix + ":out_range=" + range + ",format=yuv444p -colorspace " +
+                (matrix == std::string("bt709") ? "bt709" : "smpte170m") + " -color_range " + range +
+                " -t 0.4 -c:v ffv1 coded.mkv");
+            for (const char* const output : {"out_%d.png", "out.mkv"}) {
+                const auto [r, g, b] = firstPixel("coded.mkv", output);
+                EXPECT_NEAR(r, 0xA0, 3) << matrix << range << output;
+                EXPECT_NEAR(g, 0x50, 3) << matrix << range << output;
+                EXPECT_NEAR(b, 0x28, 3) << matrix << range << output;
+            }
+        }
+}
+
+// A video's chroma comes back from a transition as it went in; of a picture to look at it is interpolated.
+TEST_F(PicturesAsMeant, KeepTheSharpnessOfTheirChroma) {
+    ffmpeg(
+        "-f lavfi -i \"color=gray:s=64x32:r=25,format=yuv420p,geq=lum=128:cb='90+80*mod(X,2)':cr=128\" -t 1 "
+        "-c:v ffv1 stripes.mkv");
+    render(
+        "stripes.mkv lavfi:testsrc2=s=64x32 -t Row_split --duration 0.4 --frames 16-16 -o at.mkv "
+        "--encoder-option qp=0");
+    const auto contrast = [&](const std::string& name) {
+        const Bytes pixels = rgb(name);
+        return std::abs(pixels.at(2 + 3 * 16) - pixels.at(2 + 3 * 18));
+    };
+    render("stripes.mkv lavfi:testsrc2=s=64x32 -t Row_split --duration 0.4 --at 0 -o at.png");
+    EXPECT_GT(contrast("at.mkv"), 130);
+    EXPECT_LT(contrast("at.png"), 120);
+}
+
+}  // namespace tests
