@@ -10,7 +10,6 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -82,26 +81,6 @@ class Dictionary {
    private:
     AVDictionary* entries_ = nullptr;
 };
-
-/// How long a frame shows, in its stream's time base; 0 when unknown.
-inline std::int64_t duration(const AVFrame& frame) {
-#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(57, 30, 100)
-    return frame.duration;
-#else
-    return frame.pkt_duration;
-#endif
-}
-
-/// What a stream's container says beside its packets, or null.
-inline const std::uint8_t* streamSideData(const AVStream& stream, AVPacketSideDataType type) {
-#if LIBAVFORMAT_VERSION_INT >= AV_VERSION_INT(60, 15, 100)
-    const AVPacketSideData* const side =
-        av_packet_side_data_get(stream.codecpar->coded_side_data, stream.codecpar->nb_coded_side_data, type);
-    return side != nullptr ? side->data : nullptr;
-#else
-    return av_stream_get_side_data(&stream, type, nullptr);
-#endif
-}
 
 /// Another reference to the same picture or samples.
 inline Frame share(const AVFrame& frame) { return Frame(check(av_frame_clone(&frame), "frame")); }

@@ -176,7 +176,8 @@ void Demuxer::checkLength() const {
     const double end = static_cast<double>(std::max(end_, othersEnd_)) / AV_TIME_BASE;
     if (stated < 1.0 || end_ <= 0 || end >= stated - std::min(0.1 * stated, 10.0) - 0.5) return;
     char text[96] = "";
-    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated or damaged", end, stated);
+    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated or damaged", end,
+                  stated);
     fail(text);
 }
 

@@ -30,6 +30,10 @@ Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Fil
     form->height = like.height;
     form->sample_aspect_ratio = like.sample_aspect_ratio;
     form->sample_rate = like.sample_rate;
+#if LIBAVFILTER_VERSION_MAJOR >= 10
+    form->color_space = like.colorspace;
+    form->color_range = like.color_range;
+#endif
     if (!video) av::check(av_channel_layout_copy(&form->ch_layout, &like.ch_layout), "filters");
     source_ = av::check(
         avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name(video ? "buffer" : "abuffer"), "in"),

@@ -9,6 +9,7 @@ extern "C" {
 
 #include "media/filters.h"
 #include "media/muxer.h"
+#include "media/versions.h"
 #include "output/staged_file.h"
 
 namespace vantle {
@@ -32,11 +33,9 @@ constexpr MovieKind kinds[] = {
 
 /// The rate nearest to `wanted` that an encoder takes.
 int supportedRate(const AVCodec& codec, int wanted) {
-    if (codec.supported_samplerates == nullptr) return wanted;
-    int best = 0;
-    for (const int* rate = codec.supported_samplerates; *rate != 0; ++rate)
-        if (best == 0 || std::abs(*rate - wanted) < std::abs(best - wanted)) best = *rate;
-    return best;
+    const std::vector<int> rates = av::sampleRates(codec);
+    if (rates.empty()) return wanted;
+    return *std::ranges::min_element(rates, {}, [&](int rate) { return std::abs(rate - wanted); });
 }
 
 class MovieWriter final : public Writer {
@@ -128,7 +127,7 @@ class MovieWriter final : public Writer {
 
     void setUpSound(AVCodecContext& codec, int rate) {
         codec.sample_rate = supportedRate(*codec.codec, rate);
-        codec.sample_fmt = codec.codec->sample_fmts[0];
+        codec.sample_fmt = av::sampleFormats(*codec.codec).at(0);
         codec.bit_rate = 192'000;
         codec.time_base = {1, codec.sample_rate};
         av_channel_layout_default(&codec.ch_layout, 2);

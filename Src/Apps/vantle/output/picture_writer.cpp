@@ -11,8 +11,10 @@ extern "C" {
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "media/encoder.h"
+#include "media/versions.h"
 #include "output/staged_file.h"
 
 namespace vantle {
@@ -28,9 +30,10 @@ class PictureWriter final : public Writer {
               codec.width = options.canvas.size.width;
               codec.height = options.canvas.size.height;
               codec.time_base = {1, 1};
+              std::vector<AVPixelFormat> formats = av::pixelFormats(*codec.codec);
+              formats.push_back(AV_PIX_FMT_NONE);
               int loss = 0;
-              codec.pix_fmt =
-                  avcodec_find_best_pix_fmt_of_list(codec.codec->pix_fmts, AV_PIX_FMT_RGB24, 0, &loss);
+              codec.pix_fmt = avcodec_find_best_pix_fmt_of_list(formats.data(), AV_PIX_FMT_RGB24, 0, &loss);
               codec.color_range = AVCOL_RANGE_JPEG;
               codec.colorspace = isRgb(codec.pix_fmt) ? AVCOL_SPC_RGB : AVCOL_SPC_BT470BG;
               // For codecs with a quality scale: close to lossless.

@@ -10,6 +10,8 @@ extern "C" {
 #include <string_view>
 #include <utility>
 
+#include "media/versions.h"
+
 namespace vantle {
 
 namespace {
