@@ -1,7 +1,10 @@
 #include "list_command.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <memory>
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "Host/plugin.h"
 
@@ -28,8 +31,7 @@ void listJson(const Plugin& plugin) {
     std::puts(rows.dump(2).c_str());
 }
 
-}  // namespace
-
+/// Writes index, name, function and GUID of every transition to standard output.
 void list(const std::filesystem::path& plugin, bool json) {
     const Plugin loaded(plugin);
     if (json) {
@@ -41,6 +43,20 @@ void list(const std::filesystem::path& plugin, bool json) {
         std::printf("%5s  %-21s %-22s %s\n",
                     transition.index ? std::to_string(*transition.index).c_str() : "-",
                     orDash(transition.name), orDash(transition.function), orDash(transition.guid));
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app) {
+    struct Options {
+        std::string plugin;
+        bool json = false;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand("list", "List the transitions");
+    command->add_flag("--json", options->json, "As JSON");
+    command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)");
+    command->callback([options] { list(options->plugin, options->json); });
 }
 
 }  // namespace vantle

@@ -1,11 +1,11 @@
 /// `vantle list`: shows the transitions of a plug-in.
 #pragma once
 
-#include <filesystem>
+#include <CLI/App.hpp>
 
 namespace vantle {
 
-/// Writes index, name, function and GUID of every transition to standard output, as a table or as JSON.
-void list(const std::filesystem::path& plugin, bool json);
+/// Adds the command to the command line; it runs when it is given.
+void addListCommand(CLI::App& app);
 
 }  // namespace vantle

@@ -4,9 +4,12 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "Host/plugin.h"
+#include "options.h"
 #include "output/writer.h"
 #include "system/progress_bar.h"
 #include "timeline/painter.h"
@@ -15,6 +18,16 @@
 namespace vantle {
 
 namespace {
+
+struct RenderOptions {
+    JoinOptions join;
+    std::string transition;      ///< name, index, GUID or function
+    std::optional<Size> size;    ///< FROM's when absent
+    std::optional<double> hold;  ///< seconds that an endless input plays outside the overlap
+    std::optional<double> at;    ///< only the picture at this position, 0 to 1
+    std::optional<FrameRange> frames;
+    av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
+};
 
 void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     const bool onePicture = kind.movie == nullptr && !kind.numbered;
@@ -81,8 +94,6 @@ class Rendering {
     std::optional<Soundtrack> sound_;
 };
 
-}  // namespace
-
 void render(const RenderOptions& options) {
     const JoinOptions& asked = options.join;
     const OutputKind kind = outputKind(asked.output);
@@ -129,6 +140,68 @@ void render(const RenderOptions& options) {
             std::fprintf(stderr, "vantle: %s\n", report.c_str());
     std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n", asked.output.c_str(), static_cast<long long>(frames),
                  frames == 1 ? "" : "s", canvas.size.width, canvas.size.height);
+}
+
+// Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
+
+std::pair<std::string, std::string> parseSetting(const std::string& text) {
+    const std::size_t middle = text.find('=');
+    if (middle == std::string::npos || middle == 0)
+        throw CLI::ValidationError("--encoder-option", "\"" + text + "\" is not KEY=VALUE");
+    return {text.substr(0, middle), text.substr(middle + 1)};
+}
+
+FrameRange parseFrames(const std::string& text) {
+    long long first = 0;
+    long long last = 0;
+    int length = 0;
+    if (std::sscanf(text.c_str(), "%lld-%lld%n", &first, &last, &length) != 2 ||
+        length != static_cast<int>(text.size()) || first < 0 || last < first)
+        throw CLI::ValidationError("--frames", "\"" + text + "\" is no range of frames (as 10-19)");
+    // Positions in the sound are counted from these: far beyond any video is far enough.
+    constexpr long long farthest = FrameRange{}.last;
+    return {std::min(first, farthest), std::min(last, farthest)};
+}
+
+}  // namespace
+
+void addRenderCommand(CLI::App& app) {
+    const auto held = std::make_shared<RenderOptions>();
+    RenderOptions& options = *held;
+    CLI::App* const command = app.add_subcommand("render", "Render a transition between two inputs");
+    command->footer(
+        "FROM and TO are stills, videos, image sequences (img_%04d.png) or generated sources\n"
+        "(lavfi:GRAPH, as lavfi:testsrc2=size=640x360:duration=3). OUT is a video (.mp4 .mkv .webm .mov\n"
+        ".gif), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
+    addInputs(*command, options.join);
+    command->add_option("-t,--transition", options.transition, "Catalogue name, index, GUID or function name")
+        ->required();
+    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form")
+        ->required();
+    addOverlap(*command, options.join);
+    addSize(*command, options.size, "WIDTHxHEIGHT of the output (default: FROM's)");
+    command
+        ->add_option("--hold", options.hold,
+                     "Seconds that a still shows before or after (default: 1 in a video, else 0)")
+        ->check(within(0.0, 86400.0));
+    command->add_option("--at", options.at, "Only the picture at this position, 0 to 1")
+        ->check(within(0.0, 1.0));
+    command->add_option_function<std::string>(
+        "--frames", [&](const std::string& text) { options.frames = parseFrames(text); },
+        "Only frames A-B of the output, counted from 0");
+    command
+        ->add_option_function<std::vector<std::string>>(
+            "--encoder-option",
+            [&](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts) {
+                    const auto [key, value] = parseSetting(text);
+                    options.encoderOptions.insert_or_assign(key, value);
+                }
+            },
+            "KEY=VALUE for a video's encoder, as FFmpeg knows it (crf=23, preset=fast); repeatable")
+        ->take_all();
+    addCommon(*command, options.join);
+    command->callback([held] { render(*held); });
 }
 
 }  // namespace vantle

@@ -1,4 +1,4 @@
-/// `vantle gallery`: a page to look at many transitions in a browser.
+/// A page to look at many transitions in a browser.
 #pragma once
 
 #include <optional>

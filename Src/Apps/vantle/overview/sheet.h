@@ -1,4 +1,4 @@
-/// `vantle sheet`: many transitions on one picture, a row of thumbnails for each.
+/// Many transitions on one picture, a row of thumbnails for each.
 #pragma once
 
 #include <optional>

@@ -1,0 +1,93 @@
+#include "options.h"
+
+extern "C" {
+#include <libavutil/log.h>
+#include <libavutil/parseutils.h>
+}
+
+#include <cmath>
+#include <cstdlib>
+
+namespace vantle {
+
+namespace {
+
+// Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
+
+AVRational parseRate(const std::string& text) {
+    AVRational rate{};
+    if (av_parse_video_rate(&rate, text.c_str()) < 0 || av_q2d(rate) > 1000.0)
+        throw CLI::ValidationError("--fps", "\"" + text + "\" is no frame rate (as 25, 29.97 or 30000/1001)");
+    return rate;
+}
+
+Size parseSize(const std::string& text) {
+    Size size;
+    if (av_parse_video_size(&size.width, &size.height, text.c_str()) < 0 || size.width > largestSide ||
+        size.height > largestSide)
+        throw CLI::ValidationError("--size", "\"" + text + "\" is no size (as 1280x720, at most 16384 each)");
+    return size;
+}
+
+Fit parseFit(const std::string& text) {
+    if (text == "contain") return Fit::contain;
+    if (text == "cover") return Fit::cover;
+    if (text == "stretch") return Fit::stretch;
+    throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
+}
+
+}  // namespace
+
+// A range alone lets "nan" pass, which lies beyond neither bound.
+CLI::Validator within(double lowest, double highest) {
+    const auto isNumber = [](const std::string& text) {
+        return std::isnan(std::strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is no number"
+                                                              : std::string();
+    };
+    return CLI::Range(lowest, highest) & CLI::Validator(isNumber, "");
+}
+
+void addInputs(CLI::App& command, JoinOptions& options) {
+    command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
+        ->required();
+    command.add_option("TO", options.to, "The input that the transition leads to")->required();
+}
+
+void addOverlap(CLI::App& command, JoinOptions& options) {
+    command.add_option("--duration", options.duration, "Length of the transition in seconds")
+        ->check(within(0.001, 3600.0))
+        ->capture_default_str();
+    command.add_option_function<std::string>(
+        "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
+        "Frames per second (default: FROM's)");
+    command.add_option_function<std::string>(
+        "--fit", [&](const std::string& text) { options.fit = parseFit(text); },
+        "How an input of another shape fills the picture: contain (default), cover or stretch");
+}
+
+void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning) {
+    command.add_option_function<std::string>(
+        "--size", [&](const std::string& text) { size = parseSize(text); }, meaning);
+}
+
+void addCommon(CLI::App& command, JoinOptions& options) {
+    command.add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
+    command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+    command.add_flag_callback(
+        "-v,--verbose", [] { av_log_set_level(AV_LOG_VERBOSE); }, "Show what FFmpeg's libraries say");
+    command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
+}
+
+void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
+    addInputs(command, options.join);
+    command.add_option("-o,--output", options.join.output, output)->required();
+    command
+        .add_option("-t,--transition", options.transitions,
+                    "Only this one, by catalogue name, index, GUID or function name; repeatable")
+        ->expected(1)
+        ->take_all();
+    addOverlap(command, options.join);
+    addCommon(command, options.join);
+}
+
+}  // namespace vantle

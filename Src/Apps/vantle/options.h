@@ -1,0 +1,32 @@
+/// Options that mean the same in several commands.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+#include "media/canvas.h"
+#include "overview/overview.h"
+#include "timeline/join_options.h"
+
+namespace vantle {
+
+/// Accepts the numbers of a range, and nothing else that reads as one.
+CLI::Validator within(double lowest, double highest);
+
+/// FROM and TO.
+void addInputs(CLI::App& command, JoinOptions& options);
+
+/// How the inputs overlap: --duration, --fps, --fit.
+void addOverlap(CLI::App& command, JoinOptions& options);
+
+/// --size, which means what `meaning` says.
+void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning);
+
+/// --force, --quiet, --verbose, --plugin.
+void addCommon(CLI::App& command, JoinOptions& options);
+
+/// What the commands that show many transitions have in common; `output` says what they write.
+void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output);
+
+}  // namespace vantle
