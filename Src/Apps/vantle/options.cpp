@@ -29,13 +29,6 @@ Size parseSize(const std::string& text) {
     return size;
 }
 
-Fit parseFit(const std::string& text) {
-    if (text == "contain") return Fit::contain;
-    if (text == "cover") return Fit::cover;
-    if (text == "stretch") return Fit::stretch;
-    throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
-}
-
 }  // namespace
 
 // A range alone lets "nan" pass, which lies beyond neither bound.
@@ -47,21 +40,37 @@ CLI::Validator within(double lowest, double highest) {
     return CLI::Range(lowest, highest) & CLI::Validator(isNumber, "");
 }
 
-void addInputs(CLI::App& command, JoinOptions& options) {
-    command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
-        ->required();
-    command.add_option("TO", options.to, "The input that the transition leads to")->required();
+Fit fitOf(const std::string& text) {
+    if (text == "contain") return Fit::contain;
+    if (text == "cover") return Fit::cover;
+    if (text == "stretch") return Fit::stretch;
+    throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
 }
 
+CLI::Validator aTime(double longest) {
+    return {[longest](const std::string& text) {
+                const std::optional<Time> time = parseTime(text);
+                if (!time) return "\"" + text + "\" is no time (as 2.5, 1:02.5, 500ms or 12f)";
+                if (time->value <= 0.0 || (!time->inFrames && time->value > longest))
+                    return "\"" + text + "\" is no length of time above 0";
+                return std::string();
+            },
+            "TIME"};
+}
+
+Time timeOf(const std::string& text) { return parseTime(text).value_or(Time{}); }
+
 void addOverlap(CLI::App& command, JoinOptions& options) {
-    command.add_option("--duration", options.duration, "Length of the transition in seconds")
-        ->check(within(0.001, 3600.0))
-        ->capture_default_str();
+    command
+        .add_option_function<std::string>(
+            "--duration", [&](const std::string& text) { options.duration = timeOf(text); },
+            "Length of a transition: seconds, or frames as 12f (default: 1)")
+        ->check(aTime(3600.0));
     command.add_option_function<std::string>(
         "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
-        "Frames per second (default: FROM's)");
+        "Frames per second (default: those of the first input that has them)");
     command.add_option_function<std::string>(
-        "--fit", [&](const std::string& text) { options.fit = parseFit(text); },
+        "--fit", [&](const std::string& text) { options.fit = fitOf(text); },
         "How an input of another shape fills the picture: contain (default), cover or stretch");
 }
 
@@ -79,7 +88,9 @@ void addCommon(CLI::App& command, JoinOptions& options) {
 }
 
 void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
-    addInputs(command, options.join);
+    command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
+        ->required();
+    command.add_option("TO", options.to, "The input that the transition leads to")->required();
     command.add_option("-o,--output", options.join.output, output)->required();
     command
         .add_option("-t,--transition", options.transitions,

@@ -14,8 +14,13 @@ namespace vantle {
 /// Accepts the numbers of a range, and nothing else that reads as one.
 CLI::Validator within(double lowest, double highest);
 
-/// FROM and TO.
-void addInputs(CLI::App& command, JoinOptions& options);
+/// Accepts times as `parseTime` reads them, of up to `longest` seconds and not 0.
+CLI::Validator aTime(double longest);
+
+/// Reads a time that a validator has let through.
+Time timeOf(const std::string& text);
+
+Fit fitOf(const std::string& text);
 
 /// How the inputs overlap: --duration, --fps, --fit.
 void addOverlap(CLI::App& command, JoinOptions& options);

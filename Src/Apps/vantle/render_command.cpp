@@ -1,17 +1,30 @@
 #include "render_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <random>
+#include <span>
 #include <string>
 #include <utility>
+#include <vector>
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
 
 #include "Host/plugin.h"
+#include "operands.h"
 #include "options.h"
 #include "output/writer.h"
+#include "overview/joins.h"
+#include "plan.h"
 #include "system/progress_bar.h"
+#include "timeline/lay_out.h"
 #include "timeline/painter.h"
 #include "timeline/sound.h"
 
@@ -19,13 +32,30 @@ namespace vantle {
 
 namespace {
 
+/// One position of one join.
+struct JoinPosition {
+    std::optional<std::size_t> join;  ///< counted from 1; the only one when absent
+    double position = 0.0;            ///< 0 to 1
+};
+
 struct RenderOptions {
     JoinOptions join;
-    std::string transition;      ///< name, index, GUID or function
-    std::optional<Size> size;    ///< FROM's when absent
-    std::optional<double> hold;  ///< seconds that an endless input plays outside the overlap
-    std::optional<double> at;    ///< only the picture at this position, 0 to 1
+    std::vector<std::string> operands;
+    std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions, taken in turn
+    std::optional<std::uint32_t> seed;
+    bool sort = false;
+    bool shrink = false;
+    bool mute = false;
+    MusicOptions music;
+    std::optional<int> channels;
+    std::optional<Size> size;  ///< the first input's when absent
+    std::optional<Time> hold;  ///< that an endless input plays outside its joins
+    std::optional<JoinPosition> at;
     std::optional<FrameRange> frames;
+    bool plan = false;
+    bool json = false;
+    std::string joins;  ///< the picture of all joins to write
+    EncoderNames encoders;
     av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
 };
 
@@ -38,6 +68,10 @@ void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     if (kind.movie == nullptr && !options.encoderOptions.empty())
         throw UsageError("--encoder-option is for a video");
     if (options.at && options.frames) throw UsageError("--at and --frames exclude each other");
+    if (options.join.output == "-" && isatty(STDOUT_FILENO) == 1)
+        throw UsageError(
+            "-o - writes a video to standard output, which is a terminal; pipe it into a player");
+    if (!options.music.file.empty() && !kind.holdsSound) throw UsageError("--music: OUT holds no sound");
 }
 
 Size canvasSize(const RenderOptions& options, const Input& from, bool even) {
@@ -54,10 +88,43 @@ Size canvasSize(const RenderOptions& options, const Input& from, bool even) {
     return size;
 }
 
+/// What the inputs lose on the way, in a line for each.
+void noteLosses(std::span<const std::unique_ptr<Input>> inputs, std::vector<std::string>& notes) {
+    for (const std::unique_ptr<Input>& input : inputs) {
+        const AVFrame& first = input->first();
+        const AVPixFmtDescriptor* const pixels =
+            av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first.format));
+        if (isHdr(first))
+            notes.push_back(input->name() + ": its HDR colours are mapped to ordinary ones of 8 bits");
+        else if (pixels != nullptr && pixels->comp[0].depth > 8 && !input->still())
+            notes.push_back(input->name() + ": its colours of " + std::to_string(pixels->comp[0].depth) +
+                            " bits become ones of 8");
+    }
+}
+
+/// The sound of the film: the first input's rate, and as many channels as all agree on, else two.
+std::optional<SoundWish> soundOf(const RenderOptions& options, const Film& film) {
+    std::optional<SoundWish> wish;
+    for (const Part& part : film.parts) {
+        if (!part.sounds()) continue;
+        const Input::Sound& sound = *part.input->sound();
+        if (!wish)
+            wish = {sound.sampleRate, sound.channels};
+        else if (wish->channels != sound.channels)
+            wish->channels = 2;
+    }
+    if (!wish && !options.music.file.empty()) wish = {48000, 2};
+    if (!wish) return {};
+    // One channel is as much as two, and is heard in the middle everywhere.
+    wish->channels = options.channels.value_or(std::max(wish->channels, 2));
+    return wish;
+}
+
 /// Draws the wanted frames of a film into a writer, with their sound where it takes any.
 class Rendering {
    public:
-    Rendering(const Film& film, FrameRange wanted, Writer& writer, ProgressBar& progress)
+    Rendering(const Film& film, FrameRange wanted, const MusicOptions& music, Writer& writer,
+              ProgressBar& progress)
         : writer_(writer),
           progress_(progress),
           next_(wanted.first),
@@ -65,7 +132,7 @@ class Rendering {
           reader_(film, next_, writer.soundFormat().has_value()),
           painter_(film.canvas.size, writer.pictureFormat()) {
         if (const std::optional<SoundFormat> format = writer.soundFormat())
-            sound_.emplace(film, *format, next_);
+            sound_.emplace(film, *format, next_, music);
     }
 
     void run() {
@@ -94,52 +161,103 @@ class Rendering {
     std::optional<Soundtrack> sound_;
 };
 
-void render(const RenderOptions& options) {
+/// The join that `--at` means.
+std::size_t joinAt(const JoinPosition& at, const Film& film) {
+    const std::size_t count = film.joins.size();
+    if (!at.join && count > 1)
+        throw UsageError("--at: say which of the " + std::to_string(count) + " joins, as 2:0.5");
+    const std::size_t join = at.join.value_or(1);
+    if (join < 1 || join > count)
+        throw UsageError("--at: the film has " + std::to_string(count) + " join" + (count == 1 ? "" : "s"));
+    if (film.joins[join - 1].transition == nullptr) throw UsageError("--at: that join is a cut");
+    return join - 1;
+}
+
+std::uint32_t seedOf(const RenderOptions& options, const Sequence& sequence) {
+    const bool wanted =
+        std::ranges::find(sequence.meetings, "random", &Meeting::transition) != sequence.meetings.end();
+    if (!wanted) return 0;
+    const std::uint32_t seed = options.seed ? *options.seed : std::random_device()() % 1'000'000;
+    if (!options.join.quiet)
+        std::fprintf(stderr, "vantle: --seed %u chooses the same transitions again\n", seed);
+    return seed;
+}
+
+void writeFilm(const RenderOptions& options, const OutputKind& kind, const Film& film,
+               std::span<const std::unique_ptr<Input>> inputs) {
     const JoinOptions& asked = options.join;
-    const OutputKind kind = outputKind(asked.output);
-    checkOptions(options, kind);
-    const Plugin plugin(asked.plugin);
-    const Transition& transition = plugin.find(options.transition);
-    if (transition.draw == nullptr)
-        throw Error("the plug-in lists \"" + transition.name + "\" but does not have it yet");
-
-    Input from(asked.from);
-    Input to(asked.to);
-    Canvas canvas;
-    canvas.rate = asked.fps.value_or(commonRate(from, to));
-    canvas.size = canvasSize(options, from, kind.evenSize);
-    canvas.fit = asked.fit;
-    const std::int64_t overlap = asked.overlap(canvas.rate);
-    // A video shows its stills before and after; of pictures one wants the transition.
-    const std::int64_t hold =
-        std::llround(options.hold.value_or(kind.movie != nullptr ? 1.0 : 0.0) * av_q2d(canvas.rate));
-    WriterOptions writerOptions{asked.output, canvas, &from.first(), {}, asked.force, options.encoderOptions};
-    if (kind.holdsSound)
-        for (const Input* input : {&to, &from})
-            if (input->soundStream()) writerOptions.soundSampleRate = input->soundSampleRate();
-    // What may not be written is refused before anything long begins.
-    const std::unique_ptr<Writer> writer = makeWriter(kind, writerOptions);
-
-    const Film film = joined(from, to, canvas, transition.draw, overlap, hold, kind.numbered);
     const FrameRange wanted = options.frames.value_or(FrameRange{});
     const std::int64_t frames = options.at ? 1 : std::min(film.frames() - 1, wanted.last) - wanted.first + 1;
     if (frames < 1)
         throw Error("--frames: the rendering ends before its frame " + std::to_string(wanted.first));
+    const std::unique_ptr<Writer> writer =
+        makeWriter(kind, {.name = asked.output,
+                          .canvas = film.canvas,
+                          .colours = &inputs.front()->first(),
+                          .sound = kind.holdsSound ? soundOf(options, film) : std::nullopt,
+                          .overwrite = asked.force,
+                          .encoders = options.encoders,
+                          .encoderOptions = options.encoderOptions});
     ProgressBar progress(frames, asked.quiet);
     if (options.at) {
-        Painter painter(canvas.size, writer->pictureFormat());
-        writer->write(painter.paint(momentsOf(film, 0, {*options.at}).front()), 0);
+        const std::size_t join = joinAt(*options.at, film);
+        Painter painter(film.canvas.size, writer->pictureFormat());
+        writer->write(painter.paint(momentsOf(film, join, {options.at->position}).front()), 0);
     } else {
-        Rendering(film, wanted, *writer, progress).run();
+        Rendering(film, wanted, options.music, *writer, progress).run();
     }
     writer->finish();
     progress.finish();
     if (asked.quiet) return;
-    for (const Input* input : {&from, &to})
-        if (const std::string report = input->damageReport(); !report.empty())
-            std::fprintf(stderr, "vantle: %s\n", report.c_str());
-    std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n", asked.output.c_str(), static_cast<long long>(frames),
-                 frames == 1 ? "" : "s", canvas.size.width, canvas.size.height);
+    reportDamage(inputs);
+    std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n",
+                 asked.output == "-" ? "standard output" : asked.output.c_str(),
+                 static_cast<long long>(frames), frames == 1 ? "" : "s", film.canvas.size.width,
+                 film.canvas.size.height);
+}
+
+void render(const RenderOptions& options) {
+    const JoinOptions& asked = options.join;
+    const bool writes = !options.plan && options.joins.empty();
+    if (writes && asked.output.empty()) throw UsageError("-o OUT is missing: what to write");
+    std::optional<OutputKind> kind;
+    if (!asked.output.empty()) {
+        kind = outputKind(asked.output, options.encoders);
+        checkOptions(options, *kind);
+        if (writes) checkReplaceable(asked.output, asked.force);
+    }
+    if (!options.joins.empty()) checkSheetName(options.joins, asked.force);
+
+    Sequence sequence = parseOperands(options.operands, options.transitions);
+    if (options.sort) sortNaturally(sequence, options.operands);
+    if (options.mute)
+        for (Shot& shot : sequence.shots) shot.mute = true;
+    const Plugin plugin(asked.plugin);
+    const auto transitions = transitionsFor(sequence, plugin, seedOf(options, sequence));
+
+    const auto inputs = openInputs(sequence, asked.quiet);
+    const bool numbered = kind && kind->numbered;
+    const bool pictures = kind && kind->movie == nullptr;
+    const Canvas canvas{canvasSize(options, *inputs.front(), !pictures && (!kind || kind->evenSize)),
+                        asked.fps.value_or(commonRate(inputs)), asked.fit};
+    std::vector<std::string> notes;
+    noteLosses(inputs, notes);
+    // A video shows its stills before and after; of pictures one wants the transition.
+    const Film film = layOut(
+        sequence, inputs, transitions, canvas,
+        {asked.duration, options.hold.value_or(Time{pictures ? 0.0 : 1.0, false}), options.shrink, numbered},
+        notes);
+    if (options.plan) {
+        printPlan(film, notes, options.json);
+        return;
+    }
+    if (!asked.quiet)
+        for (const std::string& note : notes) std::fprintf(stderr, "vantle: %s\n", note.c_str());
+    if (!options.joins.empty()) {
+        drawJoins(film, options.joins, asked.force, asked.quiet);
+        return;
+    }
+    writeFilm(options, *kind, film, inputs);
 }
 
 // Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
@@ -149,6 +267,22 @@ std::pair<std::string, std::string> parseSetting(const std::string& text) {
     if (middle == std::string::npos || middle == 0)
         throw CLI::ValidationError("--encoder-option", "\"" + text + "\" is not KEY=VALUE");
     return {text.substr(0, middle), text.substr(middle + 1)};
+}
+
+JoinPosition parseAt(const std::string& text) {
+    JoinPosition at;
+    const std::size_t colon = text.find(':');
+    const std::string position = colon == std::string::npos ? text : text.substr(colon + 1);
+    std::size_t used = 0;
+    try {
+        if (colon != std::string::npos) at.join = std::stoul(text.substr(0, colon));
+        at.position = std::stod(position, &used);
+    } catch (const std::exception&) {
+        used = 0;
+    }
+    if (used == 0 || used != position.size() || !(at.position >= 0.0 && at.position <= 1.0))
+        throw CLI::ValidationError("--at", "\"" + text + "\" is no position of 0 to 1 (as 0.5, or 2:0.5)");
+    return at;
 }
 
 FrameRange parseFrames(const std::string& text) {
@@ -168,27 +302,65 @@ FrameRange parseFrames(const std::string& text) {
 void addRenderCommand(CLI::App& app) {
     const auto held = std::make_shared<RenderOptions>();
     RenderOptions& options = *held;
-    CLI::App* const command = app.add_subcommand("render", "Render a transition between two inputs");
+    CLI::App* const command = app.add_subcommand("render", "Render a film of inputs and transitions");
     command->footer(
-        "FROM and TO are stills, videos, image sequences (img_%04d.png) or generated sources\n"
-        "(lavfi:GRAPH, as lavfi:testsrc2=size=640x360:duration=3). OUT is a video (.mp4 .mkv .webm .mov\n"
-        ".gif), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
-    addInputs(*command, options.join);
-    command->add_option("-t,--transition", options.transition, "Catalogue name, index, GUID or function name")
-        ->required();
-    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form")
-        ->required();
-    addOverlap(*command, options.join);
-    addSize(*command, options.size, "WIDTHxHEIGHT of the output (default: FROM's)");
+        "IN is a still, a video, an image sequence (img_%04d.png) or a generated source (lavfi:GRAPH, as\n"
+        "lavfi:testsrc2=size=640x360:duration=3). `+NAME` between two inputs says how they meet: a "
+        "transition,\n"
+        "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit and mute to an\n"
+        "input, duration to a transition. A file of such a name is written ./+x or ./in=2. Times are "
+        "seconds\n"
+        "(2.5), 1:02.5, 500ms or frames of the film (12f). OUT is a video (.mp4 .mkv .webm .mov .gif, or - "
+        "for\n"
+        "standard output), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
+    command->add_option("IN", options.operands, "Two inputs or more, and how they meet")->required();
     command
-        ->add_option("--hold", options.hold,
-                     "Seconds that a still shows before or after (default: 1 in a video, else 0)")
-        ->check(within(0.0, 86400.0));
-    command->add_option("--at", options.at, "Only the picture at this position, 0 to 1")
-        ->check(within(0.0, 1.0));
+        ->add_option("-t,--transition", options.transitions,
+                     "Catalogue name, index, GUID or function name, random or cut; several are taken in turn")
+        ->expected(1)
+        ->take_all();
+    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form");
+    addOverlap(*command, options.join);
+    addSize(*command, options.size, "WIDTHxHEIGHT of the output (default: the first input's)");
+    command
+        ->add_option_function<std::string>(
+            "--hold", [&](const std::string& text) { options.hold = timeOf(text); },
+            "How long a still shows outside its transitions (default: 1 in a video, else 0)")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return parseTime(text) ? std::string() : "\"" + text + "\" is no time (as 2.5 or 12f)";
+            },
+            "TIME"));
+    command->add_option("--seed", options.seed, "What -t random follows from (default: another each time)");
+    command
+        ->add_option_function<std::string>(
+            "--sort", [&](const std::string&) { options.sort = true; },
+            "natural: inputs in the order in which one counts, img2 before img10")
+        ->check(CLI::IsMember({"natural"}));
+    command->add_flag("--shrink", options.shrink, "Shorten transitions that are too long for their inputs");
+    command->add_flag("--mute", options.mute, "Leave out the sound of all inputs");
+    command->add_option("--music", options.music.file,
+                        "Sound under the film, repeated when shorter, faded out over its last two seconds");
+    command->add_option("--music-volume", options.music.volume, "How loud it is, 0 to 1")
+        ->check(within(0.0, 1.0))
+        ->capture_default_str();
+    command->add_flag("--music-duck", options.music.duck, "Lower it where inputs have sound");
+    command
+        ->add_option("--channels", options.channels,
+                     "Channels of the sound (default: those of the inputs where they agree, else 2)")
+        ->check(CLI::Range(1, 8));
+    command->add_flag("--plan", options.plan, "Only tell what the film will be, frame by frame");
+    command->add_flag("--json", options.json, "Tell it as JSON")->needs("--plan");
+    command->add_option("--joins", options.joins, "Only draw all transitions on one picture of this name");
+    command->add_option_function<std::string>(
+        "--at", [&](const std::string& text) { options.at = parseAt(text); },
+        "Only the picture at this position of the transition, 0 to 1; of several, 2:0.5 is in the second");
     command->add_option_function<std::string>(
         "--frames", [&](const std::string& text) { options.frames = parseFrames(text); },
         "Only frames A-B of the output, counted from 0");
+    command->add_option("--encoder", options.encoders.video,
+                        "FFmpeg's encoder for the pictures of a video (libx265, libsvtav1, prores_ks, ffv1)");
+    command->add_option("--sound-encoder", options.encoders.sound, "FFmpeg's encoder for its sound (flac)");
     command
         ->add_option_function<std::vector<std::string>>(
             "--encoder-option",

@@ -16,12 +16,13 @@ void addSheetCommand(CLI::App& app) {
         "FROM and TO are what `vantle render` reads. Each frame is drawn as large as FROM and scaled down.\n"
         "N thumbnails show the positions 1/(N+1) to N/(N+1).");
     addOverview(*command, options.overview, "The picture to write (.png, .jpg)");
-    addSize(*command, options.size, "WIDTHxHEIGHT that a thumbnail fits in (default: 160 wide)");
-    command->add_option("--columns", options.columns, "Thumbnails per transition")
+    addSize(*command, options.form.size, "WIDTHxHEIGHT that a thumbnail fits in (default: 160 wide)");
+    command->add_option("--columns", options.form.columns, "Thumbnails per transition")
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
     command
-        ->add_option("--abreast", options.abreast, "Transitions side by side (default: 1 per 15 transitions)")
+        ->add_option("--abreast", options.form.abreast,
+                     "Transitions side by side (default: 1 per 15 transitions)")
         ->check(CLI::Range(1, 100));
     command->callback([held] { drawSheet(*held); });
 }

@@ -30,6 +30,11 @@ struct PixelView {
     AVColorRange range;  ///< meaningful for YUV formats
 };
 
+/// True for colours far brighter than a usual screen shows, which must be mapped to those that it shows.
+inline bool isHdr(const AVFrame& picture) {
+    return picture.color_trc == AVCOL_TRC_SMPTE2084 || picture.color_trc == AVCOL_TRC_ARIB_STD_B67;
+}
+
 /// A decoded picture.
 PixelView viewOf(const AVFrame& frame);
 

@@ -6,17 +6,14 @@
 
 namespace vantle {
 
-Encoder::Encoder(const char* name, AVCodecID id, const av::Options& options,
+Encoder::Encoder(const AVCodec& codec, const av::Options& options,
                  const std::function<void(AVCodecContext&)>& setUp)
-    : name_("encoder " + std::string(name != nullptr ? name : avcodec_get_name(id))) {
-    const AVCodec* const codec =
-        name != nullptr ? avcodec_find_encoder_by_name(name) : avcodec_find_encoder(id);
-    if (codec == nullptr) throw Error(name_ + ": not in the FFmpeg libraries here");
-    context_.reset(av::check(avcodec_alloc_context3(codec), name_));
+    : name_("encoder " + std::string(codec.name)),
+      context_(av::check(avcodec_alloc_context3(&codec), name_)) {
     context_->thread_count = 0;
     setUp(*context_);
     av::Dictionary settings(options);
-    av::check(avcodec_open2(context_.get(), codec, settings.get()), name_);
+    av::check(avcodec_open2(context_.get(), &codec, settings.get()), name_);
     if (const std::string unknown = settings.left(); !unknown.empty())
         throw UsageError(name_ + ": has no option " + unknown);
 }

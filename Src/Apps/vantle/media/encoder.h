@@ -10,9 +10,9 @@ namespace vantle {
 
 class Encoder {
    public:
-    /// Opens the encoder of FFmpeg called `name`, or of `id` when that is null; `setUp` fills in its context
-    /// before. Throws Error when there is none or it refuses, and UsageError when it does not know an option.
-    Encoder(const char* name, AVCodecID id, const av::Options& options,
+    /// Opens an encoder; `setUp` fills in its context before. Throws Error when it refuses, and UsageError
+    /// when it does not know an option.
+    Encoder(const AVCodec& codec, const av::Options& options,
             const std::function<void(AVCodecContext&)>& setUp);
 
     AVCodecContext& context() const { return *context_; }

@@ -2,10 +2,9 @@
 
 namespace vantle {
 
-Muxer::Muxer(const std::string& path, const char* format, const std::string& name)
+Muxer::Muxer(const std::string& url, const char* format, const std::string& name)
     : writing_("cannot write " + name) {
     AVFormatContext* output = nullptr;
-    const std::string url = "file:" + path;  // a colon in a name must not make a protocol
     av::check(avformat_alloc_output_context2(&output, nullptr, format, url.c_str()), writing_);
     output_.reset(output);
     av::check(avio_open(&output->pb, url.c_str(), AVIO_FLAG_WRITE), writing_);

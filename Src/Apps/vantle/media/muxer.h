@@ -11,8 +11,8 @@ namespace vantle {
 /// Puts packets of encoders, or of other files, into a file. Every failure throws Error.
 class Muxer {
    public:
-    /// Creates the file at `path` in a format by FFmpeg's name; `name` is what errors call it.
-    Muxer(const std::string& path, const char* format, const std::string& name);
+    /// Writes to `url` (`file:PATH`, `pipe:1`) in a format by FFmpeg's name; `name` is what errors call it.
+    Muxer(const std::string& url, const char* format, const std::string& name);
 
     /// True when encoders must put their headers beside the stream.
     bool wantsGlobalHeaders() const;

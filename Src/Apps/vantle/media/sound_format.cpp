@@ -6,7 +6,20 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+#include <array>
+
 namespace vantle {
+
+Filter toForm(const SoundFormat& format) {
+    AVChannelLayout layout{};
+    av_channel_layout_default(&layout, format.channels);
+    std::array<char, 64> name{};
+    av_channel_layout_describe(&layout, name.data(), name.size());
+    return {"aformat",
+            {{"sample_fmts", av_get_sample_fmt_name(format.sampleFormat)},
+             {"sample_rates", std::to_string(format.sampleRate)},
+             {"channel_layouts", name.data()}}};
+}
 
 av::Frame silence(const SoundFormat& format, int samples) {
     av::Frame frame = av::makeFrame();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "media/av.h"
+#include "media/filters.h"
 
 namespace vantle {
 
@@ -14,6 +15,9 @@ struct SoundFormat {
     int channels = 2;
     int frameSamples = 0;  ///< samples that an encoder takes at a time, but the last; 0: any number
 };
+
+/// The filter that brings sound to a form.
+Filter toForm(const SoundFormat& format);
 
 /// New sound of a form, silent.
 av::Frame silence(const SoundFormat& format, int samples);

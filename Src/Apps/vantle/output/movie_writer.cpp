@@ -2,10 +2,15 @@
 
 extern "C" {
 #include <libavutil/channel_layout.h>
+#include <libavutil/pixdesc.h>
 }
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "media/filters.h"
 #include "media/muxer.h"
@@ -16,20 +21,65 @@ namespace vantle {
 
 namespace {
 
-using Option = std::pair<const char*, const char*>;
-
-// No loss that one sees, at the encoders' usual effort.
-constexpr Option h264[] = {{"preset", "medium"}, {"crf", "18"}};
-constexpr Option vp9[] = {
-    {"b", "0"}, {"crf", "24"}, {"deadline", "good"}, {"cpu-used", "4"}, {"row-mt", "1"}};
-
 constexpr MovieKind kinds[] = {
-    {".mp4", "mp4", "libx264", h264, AV_PIX_FMT_YUV420P, "aac"},
-    {".mov", "mov", "libx264", h264, AV_PIX_FMT_YUV420P, "aac"},
-    {".mkv", "matroska", "libx264", h264, AV_PIX_FMT_YUV420P, "aac"},
-    {".webm", "webm", "libvpx-vp9", vp9, AV_PIX_FMT_YUV420P, "libopus"},
-    {".gif", "gif", "gif", {}, AV_PIX_FMT_PAL8, nullptr},
+    {".mp4", "mp4", "libx264", "aac"},      {".mov", "mov", "libx264", "aac"},
+    {".mkv", "matroska", "libx264", "aac"}, {".webm", "webm", "libvpx-vp9", "libopus"},
+    {".gif", "gif", "gif", nullptr},
 };
+
+/// No loss that one sees, at the encoders' usual effort.
+av::Options usualOptions(std::string_view encoder) {
+    if (encoder == "libx264") return {{"preset", "medium"}, {"crf", "18"}};
+    if (encoder == "libx265")
+        return {{"preset", "medium"}, {"crf", "20"}, {"x265-params", "log-level=error"}};
+    if (encoder == "libvpx-vp9")
+        return {{"b", "0"}, {"crf", "24"}, {"deadline", "good"}, {"cpu-used", "4"}, {"row-mt", "1"}};
+    if (encoder == "libsvtav1") return {{"crf", "28"}, {"preset", "8"}};
+    return {};
+}
+
+/// The encoder that was asked for, or the kind's own.
+const AVCodec& encoderFor(const std::string& asked, const char* own, AVMediaType type, const char* option) {
+    const AVCodec* const codec = avcodec_find_encoder_by_name(asked.empty() ? own : asked.c_str());
+    if (codec == nullptr || codec->type != type)
+        throw UsageError(std::string(option) + ": \"" + (asked.empty() ? own : asked) +
+                         "\" is no such encoder of the FFmpeg libraries here");
+    return *codec;
+}
+
+const AVCodec& videoEncoder(const MovieKind& kind, const EncoderNames& encoders) {
+    return encoderFor(encoders.video, kind.videoEncoder, AVMEDIA_TYPE_VIDEO, "--encoder");
+}
+
+const AVCodec& soundEncoder(const MovieKind& kind, const EncoderNames& encoders) {
+    return encoderFor(encoders.sound, kind.soundEncoder, AVMEDIA_TYPE_AUDIO, "--sound-encoder");
+}
+
+bool isRgb(AVPixelFormat format) {
+    return (av_pix_fmt_desc_get(format)->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
+}
+
+/// What players take best, where the encoder knows it, else what is nearest to it.
+AVPixelFormat pixelsFor(const AVCodec& encoder) {
+    std::vector<AVPixelFormat> formats = av::pixelFormats(encoder);
+    if (encoder.id == AV_CODEC_ID_GIF) return AV_PIX_FMT_PAL8;
+    if (formats.empty() || std::ranges::find(formats, AV_PIX_FMT_YUV420P) != formats.end())
+        return AV_PIX_FMT_YUV420P;
+    // Frames in a graphics card's memory are not to be had here.
+    std::erase_if(formats, [](AVPixelFormat format) {
+        return (av_pix_fmt_desc_get(format)->flags & AV_PIX_FMT_FLAG_HWACCEL) != 0;
+    });
+    formats.push_back(AV_PIX_FMT_NONE);
+    int loss = 0;
+    return avcodec_find_best_pix_fmt_of_list(formats.data(), AV_PIX_FMT_YUV420P, 0, &loss);
+}
+
+void checkHeld(const MovieKind& kind, const AVCodec& encoder, const char* option) {
+    if (avformat_query_codec(av_guess_format(kind.muxer, nullptr, nullptr), encoder.id,
+                             FF_COMPLIANCE_EXPERIMENTAL) != 1)
+        throw UsageError(std::string(option) + ": " + std::string(kind.ending) + " does not hold what " +
+                         encoder.name + " makes; .mkv holds almost everything");
+}
 
 /// The rate nearest to `wanted` that an encoder takes.
 int supportedRate(const AVCodec& codec, int wanted) {
@@ -41,23 +91,26 @@ int supportedRate(const AVCodec& codec, int wanted) {
 class MovieWriter final : public Writer {
    public:
     MovieWriter(const MovieKind& kind, const WriterOptions& options)
-        : file_(options.name, options.overwrite),
-          muxer_(file_.path().string(), kind.muxer, options.name),
-          video_(
-              kind.videoEncoder, AV_CODEC_ID_NONE,
-              withUsersOptions({kind.videoOptions.begin(), kind.videoOptions.end()}, options.encoderOptions),
-              [&](AVCodecContext& codec) { setUpVideo(codec, kind, options); }),
+        : file_(options.name == "-"
+                    ? std::nullopt
+                    : std::optional<StagedFile>(std::in_place, options.name, options.overwrite)),
+          muxer_(file_ ? "file:" + file_->path().string() : "pipe:1", kind.muxer,
+                 file_ ? options.name : "standard output"),
+          video_(videoEncoder(kind, options.encoders),
+                 withUsersOptions(usualOptions(videoEncoder(kind, options.encoders).name),
+                                  options.encoderOptions),
+                 [&](AVCodecContext& codec) { setUpVideo(codec, options); }),
           videoStream_(muxer_.add(video_.context())) {
         // A format of 256 colours: each picture gets a palette of its own.
-        if (kind.pixels == AV_PIX_FMT_PAL8)
+        if (video_.context().pix_fmt == AV_PIX_FMT_PAL8)
             palette_.emplace(
                 *blankPicture(options.canvas.size, rgb), AVRational{1, 1000},
                 std::vector<Filter>{{"split"},
                                     {"palettegen", {{"stats_mode", "single"}, {"reserve_transparent", "0"}}},
                                     {"paletteuse", {{"new", "1"}}, {1, 2}}});
-        if (options.soundSampleRate && kind.soundEncoder != nullptr) {
-            sound_.emplace(kind.soundEncoder, AV_CODEC_ID_NONE, av::Options{},
-                           [&](AVCodecContext& codec) { setUpSound(codec, *options.soundSampleRate); });
+        if (options.sound && kind.soundEncoder != nullptr) {
+            sound_.emplace(soundEncoder(kind, options.encoders), av::Options{},
+                           [&](AVCodecContext& codec) { setUpSound(codec, *options.sound); });
             soundStream_ = &muxer_.add(sound_->context());
         }
         const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
@@ -85,7 +138,7 @@ class MovieWriter final : public Writer {
             const std::int64_t time = picture->pts;
             palette_->push(std::move(picture));
             picture = palette_->pull();
-            if (!picture) throw Error("no palette for a picture of " + file_.target().string());
+            if (!picture) throw Error("no palette for a picture");
             picture->pts = time;
         }
         encode(video_, videoStream_, picture.get());
@@ -101,36 +154,42 @@ class MovieWriter final : public Writer {
         encode(video_, videoStream_, nullptr);
         if (sound_) encode(*sound_, *soundStream_, nullptr);
         muxer_.finish();
-        file_.commit();
+        if (file_) file_->commit();
     }
 
    private:
-    void setUpVideo(AVCodecContext& codec, const MovieKind& kind, const WriterOptions& options) {
+    void setUpVideo(AVCodecContext& codec, const WriterOptions& options) {
         codec.width = options.canvas.size.width;
         codec.height = options.canvas.size.height;
-        codec.pix_fmt = kind.pixels;
+        codec.pix_fmt = pixelsFor(*codec.codec);
         codec.sample_aspect_ratio = {1, 1};
         codec.framerate = options.canvas.rate;
         codec.time_base = av_inv_q(options.canvas.rate);
-        if (kind.pixels != AV_PIX_FMT_PAL8) {
+        if (isRgb(codec.pix_fmt)) {
+            codec.color_range = AVCOL_RANGE_JPEG;
+            codec.colorspace = AVCOL_SPC_RGB;
+        } else {
             const AVFrame& like = *options.colours;
             const bool high = codec.height >= 720;
+            const bool wide = isHdr(like);  // which becomes ordinary colours
             codec.color_range = AVCOL_RANGE_MPEG;
-            codec.colorspace = like.colorspace != AVCOL_SPC_RGB ? like.colorspace
-                               : high                           ? AVCOL_SPC_BT709
-                                                                : AVCOL_SPC_SMPTE170M;
-            codec.color_primaries = like.color_primaries;
-            codec.color_trc = like.color_trc;
+            codec.colorspace = wide                               ? AVCOL_SPC_BT709
+                               : like.colorspace != AVCOL_SPC_RGB ? like.colorspace
+                               : high                             ? AVCOL_SPC_BT709
+                                                                  : AVCOL_SPC_SMPTE170M;
+            codec.color_primaries = wide ? AVCOL_PRI_BT709 : like.color_primaries;
+            codec.color_trc = wide ? AVCOL_TRC_BT709 : like.color_trc;
         }
         if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
 
-    void setUpSound(AVCodecContext& codec, int rate) {
-        codec.sample_rate = supportedRate(*codec.codec, rate);
+    void setUpSound(AVCodecContext& codec, const SoundWish& wish) {
+        constexpr std::int64_t bitsPerChannel = 96'000;
+        codec.sample_rate = supportedRate(*codec.codec, wish.sampleRate);
         codec.sample_fmt = av::sampleFormats(*codec.codec).at(0);
-        codec.bit_rate = 192'000;
+        codec.bit_rate = bitsPerChannel * std::max(wish.channels, 2);
         codec.time_base = {1, codec.sample_rate};
-        av_channel_layout_default(&codec.ch_layout, 2);
+        av_channel_layout_default(&codec.ch_layout, wish.channels);
         if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
 
@@ -143,7 +202,7 @@ class MovieWriter final : public Writer {
 
     static constexpr PictureFormat rgb{AV_PIX_FMT_BGRA, AVCOL_SPC_RGB, AVCOL_RANGE_JPEG};
 
-    StagedFile file_;
+    std::optional<StagedFile> file_;  // none for standard output
     Muxer muxer_;
     Encoder video_;
     AVStream& videoStream_;
@@ -159,6 +218,14 @@ class MovieWriter final : public Writer {
 const MovieKind* movieKind(std::string_view ending) {
     const auto* const kind = std::ranges::find(kinds, ending, &MovieKind::ending);
     return kind != std::end(kinds) ? kind : nullptr;
+}
+
+bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
+    const AVCodec& video = videoEncoder(kind, encoders);
+    checkHeld(kind, video, "--encoder");
+    if (kind.soundEncoder != nullptr) checkHeld(kind, soundEncoder(kind, encoders), "--sound-encoder");
+    const AVPixFmtDescriptor& pixels = *av_pix_fmt_desc_get(pixelsFor(video));
+    return pixels.log2_chroma_w > 0 || pixels.log2_chroma_h > 0;
 }
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options) {

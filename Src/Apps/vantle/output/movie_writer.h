@@ -2,26 +2,27 @@
 #pragma once
 
 #include <memory>
-#include <span>
 #include <string_view>
-#include <utility>
 
 #include "media/encoder.h"
 #include "output/writer.h"
 
 namespace vantle {
 
+/// A video file format, with the encoders that suit it best.
 struct MovieKind {
     std::string_view ending;
     const char* muxer;
     const char* videoEncoder;
-    std::span<const std::pair<const char*, const char*>> videoOptions;
-    AVPixelFormat pixels;
     const char* soundEncoder;  ///< null: the format holds no sound
 };
 
 /// The kind of video with this ending (as ".mp4"), or null.
 const MovieKind* movieKind(std::string_view ending);
+
+/// True when pictures for these encoders must have an even width and height. Throws UsageError when the kind
+/// of file does not hold what the encoders make, or FFmpeg does not have them.
+bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options);
 

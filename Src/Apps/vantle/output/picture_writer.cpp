@@ -26,7 +26,7 @@ class PictureWriter final : public Writer {
     explicit PictureWriter(const WriterOptions& options)
         : name_(options.name),
           overwrite_(options.overwrite),
-          encoder_(nullptr, pictureCodec(options.name), {}, [&](AVCodecContext& codec) {
+          encoder_(*avcodec_find_encoder(pictureCodec(options.name)), {}, [&](AVCodecContext& codec) {
               codec.width = options.canvas.size.width;
               codec.height = options.canvas.size.height;
               codec.time_base = {1, 1};

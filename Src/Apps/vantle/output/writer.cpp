@@ -6,18 +6,26 @@
 
 #include "output/movie_writer.h"
 #include "output/picture_writer.h"
+#include "output/staged_file.h"
 
 namespace vantle {
 
-OutputKind outputKind(const std::string& name) {
-    std::string ending = std::filesystem::path(name).extension().string();
+OutputKind outputKind(const std::string& name, const EncoderNames& encoders) {
+    // What is piped into a player must be readable from its start on.
+    std::string ending = name == "-" ? ".mkv" : std::filesystem::path(name).extension().string();
     std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return std::tolower(c); });
     if (const MovieKind* const movie = movieKind(ending))
-        return {movie, false, movie->soundEncoder != nullptr, movie->pixels == AV_PIX_FMT_YUV420P};
+        return {movie, false, movie->soundEncoder != nullptr, halvesChroma(*movie, encoders)};
+    if (!encoders.video.empty() || !encoders.sound.empty())
+        throw UsageError("--encoder and --sound-encoder are for a video");
     if (pictureCodec(name) != AV_CODEC_ID_NONE)
         return {nullptr, !numberedName(name, 0).empty(), false, false};
     throw UsageError("cannot tell what to write from the name " + name +
                      ": it should end in .mp4, .mkv, .webm, .mov, .gif, .png or .jpg");
+}
+
+void checkReplaceable(const std::string& name, bool overwrite) {
+    if (name != "-" && numberedName(name, 0).empty()) const StagedFile probe(name, overwrite);
 }
 
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options) {

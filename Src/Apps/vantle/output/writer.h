@@ -46,17 +46,35 @@ struct OutputKind {
     bool evenSize = false;  ///< the pixel format halves the chroma: width and height must be even
 };
 
-/// The kind of output with this name. Throws UsageError when its ending is none that can be written.
-OutputKind outputKind(const std::string& name);
+/// A video's encoders by FFmpeg's names; empty for those that suit the kind of file best.
+struct EncoderNames {
+    std::string video{};
+    std::string sound{};
+};
+
+/// The kind of output with this name, `-` for standard output. Throws UsageError when its ending is none that
+/// can be written, or does not hold what the encoders make.
+OutputKind outputKind(const std::string& name, const EncoderNames& encoders);
+
+/// The sound that a video gets.
+struct SoundWish {
+    int sampleRate = 0;
+    int channels = 2;
+};
 
 struct WriterOptions {
     std::string name;
-    Canvas canvas;
-    const AVFrame* colours = nullptr;    ///< a picture whose description of its colours a video takes over
-    std::optional<int> soundSampleRate;  ///< rate of the inputs' sound, if it is wanted
+    Canvas canvas{};
+    const AVFrame* colours = nullptr;  ///< a picture whose description of its colours a video takes over
+    std::optional<SoundWish> sound{};
     bool overwrite = false;
-    av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
+    EncoderNames encoders{};
+    av::Options encoderOptions{};  ///< for a video's encoder, as FFmpeg knows them
 };
+
+/// Throws Error when a file of this name stands in the way, so that it is told before anything long begins.
+/// Numbered pictures and standard output tell it themselves.
+void checkReplaceable(const std::string& name, bool overwrite);
 
 /// The writer for an output of a kind.
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options);

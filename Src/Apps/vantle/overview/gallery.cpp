@@ -55,20 +55,22 @@ Json renderOptions(const JoinOptions& options) {
         texts.push_back(name);
         texts.push_back(value);
     };
-    if (options.duration != JoinOptions().duration) add("--duration", Json(options.duration).dump());
+    const Time duration = options.duration;
+    if (duration.inFrames || duration.value != JoinOptions().duration.value)
+        add("--duration", Json(duration.value).dump() + (duration.inFrames ? "f" : ""));
     if (options.fps) add("--fps", std::to_string(options.fps->num) + "/" + std::to_string(options.fps->den));
     if (options.fit != Fit::contain) add("--fit", options.fit == Fit::cover ? "cover" : "stretch");
     return texts;
 }
 
-std::string data(const JoinOptions& options, const Overview& overview, const SpriteLayout& layout,
+std::string data(const OverviewOptions& options, const Overview& overview, const SpriteLayout& layout,
                  const std::vector<double>& positions) {
     Json gallery;
     gallery["from"] = title(options.from);
     gallery["to"] = title(options.to);
     gallery["fromArgument"] = options.from;
     gallery["toArgument"] = options.to;
-    gallery["options"] = renderOptions(options);
+    gallery["options"] = renderOptions(options.join);
     gallery["width"] = layout.frame.width;
     gallery["height"] = layout.frame.height;
     gallery["positions"] = positions;
@@ -109,7 +111,7 @@ void makeGallery(const GalleryOptions& options) {
     const SpriteLayout layout(overview.size(), options.positions);
 
     for (const WebFile& file : galleryFiles()) folder.write(file.name, file.contents);
-    folder.write(dataFile, data(asked, overview, layout, positions));
+    folder.write(dataFile, data(options.overview, overview, layout, positions));
     std::vector<std::optional<Sprite>> sprites(overview.transitions().size());
     overview.draw(asked.quiet, [&](std::size_t transition, std::size_t position, DIImage frame) {
         std::optional<Sprite>& sprite = sprites[transition];

@@ -1,7 +1,6 @@
 #include "overview/overview.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <mutex>
 #include <utility>
 
@@ -10,6 +9,7 @@
 #include "system/progress_bar.h"
 #include "system/workers.h"
 #include "timeline/film.h"
+#include "timeline/lay_out.h"
 
 namespace vantle {
 
@@ -61,20 +61,20 @@ const std::string& shownName(const Transition& transition) {
 Overview::Overview(const OverviewOptions& options, const std::vector<double>& positions,
                    const std::function<Size(Size)>& frameSize)
     : plugin_(options.join.plugin), transitions_(wanted(plugin_, options.transitions)) {
-    Input from(options.join.from);
-    Input to(options.join.to);
-    size_ = frameSize(from.size());
-    const Canvas canvas{size_, options.join.fps.value_or(commonRate(from, to)), options.join.fit};
-    overlap_ = options.join.overlap(canvas.rate);
-    const Film film = joined(from, to, canvas, nullptr, overlap_, 0, false);
+    const Sequence sequence{{{.file = options.from}, {.file = options.to}}, {{"any", {}}}};
+    const auto inputs = openInputs(sequence, options.join.quiet);
+    size_ = frameSize(inputs.front()->size());
+    const Canvas canvas{size_, options.join.fps.value_or(commonRate(inputs)), options.join.fit};
+    std::vector<std::string> notes;
+    const Film film = layOut(sequence, inputs, {&transitions_.front()}, canvas,
+                             {.duration = options.join.duration, .hold = {}}, notes);
+    overlap_ = film.joins.front().frames;
     FrameSource fromFrames(size_);
     FrameSource toFrames(size_);
     for (const Moment& moment : momentsOf(film, 0, positions))
         meetings_.push_back(
             {fromFrames.frame(*moment.picture), toFrames.frame(*moment.incoming), moment.position});
-    for (const Input* input : {&from, &to})
-        if (const std::string report = input->damageReport(); !report.empty() && !options.join.quiet)
-            std::fprintf(stderr, "vantle: %s\n", report.c_str());
+    if (!options.join.quiet) reportDamage(inputs);
 }
 
 void Overview::draw(bool quiet, const Sink& sink) const {

@@ -19,6 +19,8 @@ namespace vantle {
 /// What every overview of transitions is asked for with.
 struct OverviewOptions {
     JoinOptions join;
+    std::string from;                      ///< outgoing input
+    std::string to;                        ///< incoming input
     std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions; empty for all
 };
 

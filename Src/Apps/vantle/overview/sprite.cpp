@@ -97,8 +97,9 @@ std::string Sprite::encoded() const {
 }
 
 std::string Sprite::encoded(int quality) const {
-    Encoder encoder("libwebp", AV_CODEC_ID_WEBP,
-                    {{"quality", std::to_string(quality)}, {"compression_level", "4"}},
+    const AVCodec* const webp = avcodec_find_encoder_by_name("libwebp");
+    if (webp == nullptr) throw Error("the FFmpeg libraries here have no encoder libwebp");
+    Encoder encoder(*webp, {{"quality", std::to_string(quality)}, {"compression_level", "4"}},
                     [&](AVCodecContext& codec) {
                         codec.width = picture_->width;
                         codec.height = picture_->height;

@@ -28,8 +28,11 @@ std::string clock(double seconds) {
 
 }  // namespace
 
-ProgressBar::ProgressBar(std::optional<std::int64_t> total, bool quiet)
-    : total_(total), quiet_(quiet), terminal_(isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar(std::int64_t total, bool quiet, const char* unit)
+    : total_(std::max<std::int64_t>(total, 1)),
+      quiet_(quiet),
+      unit_(unit),
+      terminal_(isatty(STDERR_FILENO) == 1) {}
 
 void ProgressBar::finish() {
     if (shown_ && terminal_) std::fputs(clearLine, stderr);
@@ -45,19 +48,12 @@ void ProgressBar::update(std::int64_t done) {
 
     const double seconds = std::chrono::duration<double>(now - start_).count();
     const double speed = static_cast<double>(done) / std::max(seconds, 1e-3);
+    const double part = static_cast<double>(done) / static_cast<double>(total_);
+    const std::string left = clock(static_cast<double>(total_ - done) / std::max(speed, 1e-3));
     char numbers[160] = "";
-    double part = 0.0;
-    if (total_ && *total_ > 0) {
-        // The total is what the inputs state; they may turn out longer.
-        const auto total = static_cast<double>(std::max(*total_, done));
-        part = static_cast<double>(done) / total;
-        const std::string left = clock((total - static_cast<double>(done)) / std::max(speed, 1e-3));
-        std::snprintf(numbers, sizeof numbers, "%3.0f %%  frame %lld of %.0f  %.1f frames/s  %s left",
-                      100.0 * part, static_cast<long long>(done), total, speed, left.c_str());
-    } else {
-        std::snprintf(numbers, sizeof numbers, "frame %lld  %.1f frames/s", static_cast<long long>(done),
-                      speed);
-    }
+    std::snprintf(numbers, sizeof numbers, "%3.0f %%  %s %lld of %lld  %.1f %ss/s  %s left", 100.0 * part,
+                  unit_, static_cast<long long>(done), static_cast<long long>(total_), speed, unit_,
+                  left.c_str());
     if (!terminal_) {
         std::fprintf(stderr, "%s\n", numbers);
         return;
@@ -65,7 +61,7 @@ void ProgressBar::update(std::int64_t done) {
     const int room =
         std::clamp(columns() - static_cast<int>(std::char_traits<char>::length(numbers)) - 4, 0, 40);
     std::string bar;
-    if (total_ && room >= 10) {
+    if (room >= 10) {
         bar.assign(static_cast<std::size_t>(room), '.');
         std::fill_n(bar.begin(), static_cast<int>(part * room), '#');
         bar += ' ';

@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <optional>
 
 namespace vantle {
 
@@ -11,14 +10,14 @@ namespace vantle {
 /// seconds elsewhere.
 class ProgressBar {
    public:
-    /// `total` is the number of frames expected, if known; a quiet bar shows nothing.
-    ProgressBar(std::optional<std::int64_t> total, bool quiet);
+    /// `total` is the number of frames, or of what else `unit` says; a quiet bar shows nothing.
+    ProgressBar(std::int64_t total, bool quiet, const char* unit = "frame");
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
     ~ProgressBar() { finish(); }
 
-    /// Says that `done` frames are written.
+    /// Says that `done` of them are done.
     void update(std::int64_t done);
 
     /// Leaves the terminal's line clean.
@@ -27,8 +26,9 @@ class ProgressBar {
    private:
     using Clock = std::chrono::steady_clock;
 
-    std::optional<std::int64_t> total_;
+    std::int64_t total_;
     bool quiet_;
+    const char* unit_;
     bool terminal_;
     bool shown_ = false;
     Clock::time_point start_ = Clock::now();

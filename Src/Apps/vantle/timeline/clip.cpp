@@ -10,6 +10,7 @@ extern "C" {
 #include <utility>
 #include <vector>
 
+#include "media/convert.h"
 #include "system/interrupt.h"
 
 namespace vantle {
@@ -41,6 +42,14 @@ Filter sized(const char* name, Size size, av::Options options = {}) {
 /// Filters from a picture as decoded to the canvas.
 std::vector<Filter> filtersFor(const Input& input, const AVFrame& picture, const Canvas& canvas) {
     std::vector<Filter> filters = input.upright(picture);
+    if (isHdr(picture))
+        filters.insert(filters.end(),
+                       {{"zscale", {{"transfer", "linear"}, {"npl", "100"}}},
+                        {"format", {{"pix_fmts", "gbrpf32le"}}},
+                        {"zscale", {{"primaries", "bt709"}}},
+                        {"tonemap", {{"tonemap", "hable"}, {"desat", "0"}}},
+                        {"zscale", {{"transfer", "bt709"}, {"matrix", "bt709"}, {"range", "tv"}}},
+                        {"format", {{"pix_fmts", "yuv420p"}}}});
     // Transparent pixels show black, as on an editor's empty track.
     if (hasAlpha(picture))
         filters.insert(filters.end(), {{"format", {{"pix_fmts", "gbrap"}}},

@@ -11,30 +11,9 @@ namespace vantle {
 
 namespace {
 
-/// How many frames show an input; `outside` of them outside the overlap when it is endless.
-std::int64_t length(Input& input, AVRational rate, std::int64_t overlap, std::int64_t outside) {
-    if (input.endless()) return overlap + outside;
-    const std::int64_t frames = input.frames(rate);
-    if (frames < overlap)
-        throw Error(input.name() + ": has " + std::to_string(frames) +
-                    " frames, fewer than the transition's " + std::to_string(overlap) +
-                    "; --duration makes it shorter");
-    return frames;
-}
+Canvas canvasOf(const Film& film, const Part& part) { return {film.canvas.size, film.canvas.rate, part.fit}; }
 
 }  // namespace
-
-Film joined(Input& from, Input& to, const Canvas& canvas, TransFunc* transition, std::int64_t overlap,
-            std::int64_t hold, bool drawsEnds) {
-    Film film{canvas, {}, {}, drawsEnds};
-    film.parts.push_back({&from, 0, length(from, canvas.rate, overlap, hold)});
-    const std::int64_t start = film.parts.front().frames - overlap;
-    film.parts.push_back({&to, start, length(to, canvas.rate, overlap, hold)});
-    // The end that is drawn is a frame of its own, whether or not the input has one for it.
-    if (drawsEnds) film.parts.back().frames = std::max(film.parts.back().frames, overlap + 1);
-    film.joins.push_back({transition, start, overlap});
-    return film;
-}
 
 FilmReader::FilmReader(const Film& film, std::int64_t first, bool sound)
     : film_(film), frame_(first), sound_(sound) {}
@@ -44,29 +23,40 @@ Moment FilmReader::next() {
     Moment moment;
     for (std::size_t i = 0; i < film_.joins.size(); ++i) {
         const Join& join = film_.joins[i];
+        if (join.transition == nullptr) continue;
         const bool isEnd = film_.drawsEnds && frame == join.end();
         if (frame < join.start || (frame >= join.end() && !isEnd)) continue;
         moment.picture = pictureOf(i, std::min(frame, join.end() - 1));
         moment.incoming = pictureOf(i + 1, frame);
-        moment.transition = join.transition;
+        moment.transition = join.transition->draw;
         moment.position = static_cast<double>(frame - join.start);
         moment.duration = static_cast<double>(join.frames);
         return moment;
     }
-    for (std::size_t i = 0; i < film_.parts.size(); ++i)
+    for (std::size_t i = 0; i < film_.parts.size() && !moment.picture; ++i)
         if (film_.parts[i].holds(frame)) moment.picture = pictureOf(i, frame);
     return moment;
 }
 
 av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
     const std::int64_t now = frame_ - 1;
-    players_.remove_if([&](const Player& player) { return film_.parts[player.part].end() < now; });
+    for (auto player = players_.begin(); player != players_.end();) {
+        const Part& part = film_.parts[player->part];
+        if (part.end() + (film_.drawsEnds ? 1 : 0) > now) {
+            ++player;
+            continue;
+        }
+        player = players_.erase(player);
+        if (film_.parts.size() > 2) part.input->close();
+    }
     const Part& part = film_.parts[number];
     auto player = std::ranges::find(players_, number, &Player::part);
     const bool isNew = player == players_.end();
     if (isNew) {
-        players_.push_back(
-            {number, Clip(*part.input, film_.canvas, part.first + frame - part.start, sound_), nullptr});
+        players_.push_back({number,
+                            Clip(*part.input, canvasOf(film_, part), part.first + frame - part.start,
+                                 sound_ && part.sounds()),
+                            nullptr});
         player = std::prev(players_.end());
     }
     // Past its end a part's last picture is asked for once more.
@@ -77,6 +67,7 @@ av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
 std::vector<Moment> momentsOf(const Film& film, std::size_t number, const std::vector<double>& positions) {
     const Join& join = film.joins.at(number);
     std::vector<Moment> moments;
+    TransFunc* const draw = join.transition != nullptr ? join.transition->draw : nullptr;
     std::optional<Clip> clips[2];
     av::Frame pictures[2];
     std::int64_t next[2] = {0, 0};  // frames of the join
@@ -91,13 +82,13 @@ std::vector<Moment> momentsOf(const Film& film, std::size_t number, const std::v
             const Part& part = film.parts[number + side];
             const std::int64_t wanted = side == 0 ? std::min(k, join.frames - 1) : k;
             if (!clips[side]) {
-                clips[side].emplace(*part.input, film.canvas, part.first + join.start - part.start + wanted,
-                                    false);
+                clips[side].emplace(*part.input, canvasOf(film, part),
+                                    part.first + join.start - part.start + wanted, false);
                 next[side] = wanted;
             }
             for (; next[side] <= wanted; ++next[side]) pictures[side] = clips[side]->next();
         }
-        moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), join.transition, drawn,
+        moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), draw, drawn,
                            static_cast<double>(join.frames)});
     }
     return moments;

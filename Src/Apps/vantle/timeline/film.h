@@ -25,14 +25,17 @@ struct Part {
     std::int64_t start = 0;   ///< the film's frame with which it begins
     std::int64_t frames = 0;  ///< how many frames show it
     std::int64_t first = 0;   ///< the input's picture that the first of them shows
+    Fit fit = Fit::contain;
+    bool mute = false;
 
+    bool sounds() const { return input->sound() && !mute; }
     std::int64_t end() const { return start + frames; }
     bool holds(std::int64_t frame) const { return frame >= start && frame < end(); }
 };
 
-/// Where a part and the one after it overlap.
+/// Where a part and the one after it overlap, or without a transition where one is cut to the other.
 struct Join {
-    TransFunc* transition;
+    const Transition* transition;
     std::int64_t start = 0;
     std::int64_t frames = 0;
 
@@ -51,11 +54,6 @@ struct Film {
     std::int64_t frames() const { return parts.back().end(); }
 };
 
-/// The film of two inputs that overlap by `overlap` frames. An endless one shows for `hold` frames outside
-/// the overlap. Throws Error when one is shorter than the overlap.
-Film joined(Input& from, Input& to, const Canvas& canvas, TransFunc* transition, std::int64_t overlap,
-            std::int64_t hold, bool drawsEnds);
-
 /// What shows at a moment: a picture of one input, or pictures of two and the transition between them.
 struct Moment {
     av::Frame picture;
@@ -65,7 +63,8 @@ struct Moment {
     double duration = 0.0;
 };
 
-/// The pictures of a film, frame by frame.
+/// The pictures of a film, frame by frame. At most two inputs are open at a time: one is closed when its part
+/// has been read.
 class FilmReader {
    public:
     /// From frame `first` on; with `sound`, the sound of its inputs can be read from there too.

@@ -7,6 +7,8 @@ extern "C" {
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -47,40 +49,73 @@ bool runsForever(const std::string& description) {
     return forever;
 }
 
-/// How the picture, or else its stream, says that it is turned and mirrored; null when neither does.
-const std::int32_t* displayMatrix(const AVFrame& picture, const AVStream& stream) {
-    if (const AVFrameSideData* const side = av_frame_get_side_data(&picture, AV_FRAME_DATA_DISPLAYMATRIX))
-        return reinterpret_cast<const std::int32_t*>(side->data);
-    return reinterpret_cast<const std::int32_t*>(av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX));
-}
-
 /// Quarter turns clockwise that bring a picture upright, 0 to 3.
 int quarterTurns(const std::int32_t* matrix) {
     const double degrees = matrix != nullptr ? av_display_rotation_get(matrix) : 0.0;
     return std::isfinite(degrees) ? static_cast<int>(std::lround(-degrees / 90.0)) & 3 : 0;
 }
 
+/// The rate at which a stream's pictures were meant to show. Cameras' clocks are a little off.
+AVRational standardRate(AVFormatContext& container, AVStream& stream) {
+    AVRational rate = av_guess_frame_rate(&container, &stream, nullptr);
+    // A base rate far above what is played (some screen recordings) would only repeat pictures.
+    const bool plausible = rate.num > 0 && av_q2d(rate) <= 240.0;
+    if (!plausible && stream.avg_frame_rate.num > 0) rate = stream.avg_frame_rate;
+    if (rate.num <= 0) return rate;
+    constexpr AVRational standards[] = {{24000, 1001}, {24, 1}, {25, 1},       {30000, 1001}, {30, 1},
+                                        {48, 1},       {50, 1}, {60000, 1001}, {60, 1},       {100, 1},
+                                        {120, 1},      {15, 1}, {120000, 1001}};
+    const auto distance = [&](AVRational standard) {
+        return std::abs(av_q2d(rate) / av_q2d(standard) - 1.0);
+    };
+    const AVRational nearest = *std::ranges::min_element(standards, {}, distance);
+    return distance(nearest) <= 0.001 ? nearest : rate;
+}
+
 }  // namespace
 
-Input::Input(const std::string& name) : demuxer_(name), reader_(demuxer_, pictureStream(demuxer_)) {
-    soundStream_ = demuxer_.best(AVMEDIA_TYPE_AUDIO);
-    if (soundStream_) demuxer_.use(*soundStream_);
-    for (int i = 0; i < 2; ++i)
-        if (av::Frame frame = decode()) ahead_.push_back(std::move(frame));
-    if (ahead_.empty()) throw Error(name + ": holds no picture");
-    first_ = av::share(*ahead_.front());
-    still_ = ahead_.size() == 1;
+Input::Opened::Opened(const std::string& name) : demuxer(name), reader(demuxer, pictureStream(demuxer)) {
+    if (const std::optional<int> sound = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*sound);
+}
+
+Input::Input(const std::string& name) : name_(name) {
+    open();
+    if (opened_->ahead.empty()) throw Error(name + ": holds no picture");
+    // What its pixels are does not matter, and those of hundreds of inputs would fill the memory.
+    const AVFrame& picture = *opened_->ahead.front();
+    first_ = av::makeFrame();
+    av::check(av_frame_copy_props(first_.get(), &picture), name);
+    first_->width = picture.width;
+    first_->height = picture.height;
+    first_->format = picture.format;
+
+    AVStream& stream = opened_->reader.stream();
+    still_ = opened_->ahead.size() == 1;
+    rate_ = still_ ? AVRational{0, 1} : standardRate(opened_->demuxer.container(), stream);
+    if (const std::uint8_t* const matrix = av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX))
+        std::memcpy(displayMatrix_.emplace().data(), matrix, sizeof *displayMatrix_);
+    if (const std::optional<int> sound = opened_->demuxer.best(AVMEDIA_TYPE_AUDIO)) {
+        const AVCodecParameters& coded = *opened_->demuxer.stream(*sound).codecpar;
+        if (coded.sample_rate > 0) sound_ = {*sound, coded.sample_rate, coded.ch_layout.nb_channels};
+    }
     constexpr std::string_view generated = "lavfi:";
     endlessSource_ = name.starts_with(generated) && runsForever(name.substr(generated.size()));
 }
 
-std::optional<int> Input::soundSampleRate() const {
-    if (!soundStream_) return {};
-    return demuxer_.stream(*soundStream_).codecpar->sample_rate;
+void Input::open() {
+    opened_ = std::make_unique<Opened>(name_);
+    timeBase_ = opened_->reader.stream().time_base;
+    for (int i = 0; i < 2; ++i)
+        if (av::Frame frame = decode()) opened_->ahead.push_back(std::move(frame));
+}
+
+void Input::close() {
+    if (opened_) damaged_ += opened_->demuxer.health().damaged;
+    opened_.reset();
 }
 
 av::Frame Input::decode() {
-    av::Frame frame = reader_.next();
+    av::Frame frame = opened_->reader.next();
     if (!frame) return frame;
     // Video that does not say which colours it means is taken as players do, by its height.
     if (frame->colorspace == AVCOL_SPC_UNSPECIFIED)
@@ -90,15 +125,20 @@ av::Frame Input::decode() {
     const AVRational shape = frame->sample_aspect_ratio;
     if (shape.num <= 0 || shape.den <= 0) frame->sample_aspect_ratio = {1, 1};
     // A stream without a container, or one without times for delayed pictures: they follow each other.
-    if (frame->pts == AV_NOPTS_VALUE) frame->pts = end_;
-    end_ = frame->pts + shownFor(av::duration(*frame));
+    if (frame->pts == AV_NOPTS_VALUE) frame->pts = opened_->end;
+    opened_->end = frame->pts + shownFor(av::duration(*frame));
     return frame;
 }
 
 std::int64_t Input::shownFor(std::int64_t duration) const {
     if (duration > 0) return duration;
-    const AVRational own = rate();
-    return own.num > 0 ? av_rescale_q(1, av_inv_q(own), timeBase()) : 1;
+    return rate_.num > 0 ? av_rescale_q(1, av_inv_q(rate_), timeBase_) : 1;
+}
+
+const std::int32_t* Input::matrixOf(const AVFrame& picture) const {
+    if (const AVFrameSideData* const side = av_frame_get_side_data(&picture, AV_FRAME_DATA_DISPLAYMATRIX))
+        return reinterpret_cast<const std::int32_t*>(side->data);
+    return displayMatrix_ ? displayMatrix_->data() : nullptr;
 }
 
 Size Input::shownSize(const AVFrame& picture) const {
@@ -106,12 +146,12 @@ Size Input::shownSize(const AVFrame& picture) const {
     const AVRational shape = picture.sample_aspect_ratio;
     Size size{static_cast<int>(std::min(av_rescale(picture.width, shape.num, shape.den), widest)),
               picture.height};
-    if (quarterTurns(displayMatrix(picture, reader_.stream())) % 2 != 0) std::swap(size.width, size.height);
+    if (quarterTurns(matrixOf(picture)) % 2 != 0) std::swap(size.width, size.height);
     return {std::max(size.width, 1), std::max(size.height, 1)};
 }
 
 std::vector<Filter> Input::upright(const AVFrame& picture) const {
-    const std::int32_t* const matrix = displayMatrix(picture, reader_.stream());
+    const std::int32_t* const matrix = matrixOf(picture);
     if (matrix == nullptr) return {};
     // A mirrored picture turns the other way round: seen in the signs of the matrix.
     switch (quarterTurns(matrix)) {
@@ -130,15 +170,6 @@ std::vector<Filter> Input::upright(const AVFrame& picture) const {
     }
 }
 
-AVRational Input::rate() const {
-    if (still_) return {0, 1};
-    AVStream& stream = reader_.stream();
-    const AVRational guess = av_guess_frame_rate(&demuxer_.container(), &stream, nullptr);
-    // A base rate far above what is played (some screen recordings) would only repeat pictures.
-    const bool plausible = guess.num > 0 && av_q2d(guess) <= 240.0;
-    return plausible || stream.avg_frame_rate.num <= 0 ? guess : stream.avg_frame_rate;
-}
-
 std::int64_t Input::gridNumber(std::int64_t time, AVRational rate) const {
     return av_rescale_q_rnd(time, timeBase(), av_inv_q(rate),
                             static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
@@ -150,15 +181,17 @@ std::int64_t Input::frames(AVRational rate) {
 }
 
 std::int64_t Input::measuredEnd() {
-    atStart_ = false;
-    ahead_.clear();
+    if (!opened_) open();
+    opened_->atStart = false;
+    opened_->ahead.clear();
     // Where a format knows its packets' places, the last few tell; where they contradict it, all of them.
-    const AVStream& stream = reader_.stream();
-    if (demuxer_.indexed()) {
-        const std::int64_t stated =
-            stream.duration > 0 ? stream.start_time + stream.duration
-                                : av_rescale_q(demuxer_.container().duration, {1, AV_TIME_BASE}, timeBase());
-        const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase());
+    if (opened_->demuxer.indexed()) {
+        const AVStream& stream = opened_->reader.stream();
+        const AVFormatContext& container = opened_->demuxer.container();
+        const std::int64_t stated = stream.duration > 0
+                                        ? stream.start_time + stream.duration
+                                        : av_rescale_q(container.duration, {1, AV_TIME_BASE}, timeBase_);
+        const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
         if (seek(stated - 2 * second))
             if (const std::optional<std::int64_t> end = endOfPackets();
                 end && std::abs(*end - stated) < second / 2)
@@ -169,13 +202,13 @@ std::int64_t Input::measuredEnd() {
     restart();
     while (decode()) {
     }
-    return end_;
+    return opened_->end;
 }
 
 std::optional<std::int64_t> Input::endOfPackets() {
+    if (sound_) opened_->demuxer.drop(sound_->stream);
     std::optional<std::int64_t> end;
-    while (const av::Packet packet = demuxer_.read(reader_.stream().index)) {
-        if (soundStream_) demuxer_.drop(*soundStream_);
+    while (const av::Packet packet = opened_->demuxer.read(opened_->reader.stream().index)) {
         if (packet->pts == AV_NOPTS_VALUE) return {};
         if ((packet->flags & (AV_PKT_FLAG_DISCARD | AV_PKT_FLAG_CORRUPT)) != 0) continue;
         end = std::max(end.value_or(packet->pts), packet->pts + shownFor(packet->duration));
@@ -184,55 +217,58 @@ std::optional<std::int64_t> Input::endOfPackets() {
 }
 
 bool Input::seek(std::int64_t time) {
-    if (!demuxer_.seek(reader_.stream().index, time)) return false;
-    reader_.flush();
-    ahead_.clear();
+    if (!opened_->demuxer.seek(opened_->reader.stream().index, time)) return false;
+    opened_->reader.flush();
+    opened_->ahead.clear();
     return true;
 }
 
 void Input::restart() {
-    demuxer_.reopen();
-    reader_.flush();
-    ahead_.clear();
-    end_ = 0;
+    opened_->demuxer.reopen();
+    opened_->reader.flush();
+    opened_->ahead.clear();
+    opened_->end = 0;
 }
 
 void Input::start(std::int64_t number, AVRational rate, bool sound) {
-    if (soundStream_ && !sound) demuxer_.drop(*soundStream_);
-    const bool reread = !std::exchange(atStart_, false);
-    const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase());
-    const std::int64_t time = av_rescale_q(number, av_inv_q(rate), timeBase());
+    if (!opened_) open();
+    if (sound_ && !sound) opened_->demuxer.drop(sound_->stream);
+    const bool reread = !std::exchange(opened_->atStart, false);
+    const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
+    const std::int64_t time = av_rescale_q(number, av_inv_q(rate), timeBase_);
     if (still_ || (!reread && time - first_->pts < second)) return;
-    if (soundStream_ && sound) demuxer_.use(*soundStream_);
+    if (sound_ && sound) opened_->demuxer.use(sound_->stream);
     // A decoder may show its first picture only some way behind a key packet; sound needs a run-up.
     for (const int before : {sound ? 1 : 0, 5, 30}) {
         if (!seek(std::max(time, first_->pts) - before * second)) break;
         av::Frame picture = nextPicture();
         if (!picture || gridNumber(picture->pts, rate) > number) continue;
-        ahead_.push_back(std::move(picture));
+        opened_->ahead.push_back(std::move(picture));
         return;
     }
     restart();
 }
 
 av::Frame Input::nextPicture() {
-    if (still_) return av::share(*first_);
-    if (ahead_.empty()) return decode();
-    av::Frame picture = std::move(ahead_.front());
-    ahead_.pop_front();
+    std::deque<av::Frame>& ahead = opened_->ahead;
+    if (ahead.empty()) return decode();
+    if (still_) return av::share(*ahead.front());
+    av::Frame picture = std::move(ahead.front());
+    ahead.pop_front();
     return picture;
 }
 
-std::string Input::damageReport() const {
-    const std::int64_t damaged = demuxer_.health().damaged;
-    if (damaged == 0) return {};
-    return name() + ": passed over " + std::to_string(damaged) + " damaged packet" + (damaged > 1 ? "s" : "");
-}
-
-AVRational commonRate(const Input& from, const Input& to) {
-    for (const Input* input : {&from, &to})
+AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs) {
+    for (const std::unique_ptr<Input>& input : inputs)
         if (const AVRational rate = input->rate(); rate.num > 0 && av_q2d(rate) <= highestRate) return rate;
     return {30, 1};
+}
+
+void reportDamage(std::span<const std::unique_ptr<Input>> inputs) {
+    for (const std::unique_ptr<Input>& input : inputs)
+        if (const std::int64_t damaged = input->damaged(); damaged > 0)
+            std::fprintf(stderr, "vantle: %s: passed over %lld damaged packet%s\n", input->name().c_str(),
+                         static_cast<long long>(damaged), damaged > 1 ? "s" : "");
 }
 
 }  // namespace vantle

@@ -1,9 +1,12 @@
 /// One input of a film.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,15 +18,15 @@
 namespace vantle {
 
 /// A still, a video, an image sequence or a generated source: what it is, and its pictures as decoded. It is
-/// opened and probed once.
+/// opened and probed once; closed, it keeps what it is and opens again when it is started.
 class Input {
    public:
     /// Opens an input and decodes its first pictures. Throws Error when there are none.
     explicit Input(const std::string& name);
 
-    const std::string& name() const { return demuxer_.name(); }
+    const std::string& name() const { return name_; }
 
-    /// The first picture as decoded, for its colours.
+    /// The form and the colours of the first picture, without its pixels.
     const AVFrame& first() const { return *first_; }
 
     /// The size at which a picture shows: upright, with square pixels.
@@ -33,23 +36,27 @@ class Input {
     /// The filters that bring a picture upright, as a camera noted it.
     std::vector<Filter> upright(const AVFrame& picture) const;
 
-    /// Pictures per second; 0/1 for a still.
-    AVRational rate() const;
+    /// Pictures per second, that of a standard within a thousandth of it; 0/1 for a still.
+    AVRational rate() const { return rate_; }
 
-    AVRational timeBase() const { return reader_.stream().time_base; }
+    AVRational timeBase() const { return timeBase_; }
 
     bool still() const { return still_; }
 
     /// True when the input never ends of itself: a single picture, or a generated source without an end.
     bool endless() const { return still_ || endlessSource_; }
 
-    /// The stream and the sample rate of its sound, if it has any.
-    std::optional<int> soundStream() const { return soundStream_; }
-    std::optional<int> soundSampleRate() const;
+    /// Its sound, if it has any.
+    struct Sound {
+        int stream = 0;
+        int sampleRate = 0;
+        int channels = 0;
+    };
+    const std::optional<Sound>& sound() const { return sound_; }
 
     /// The sample of its sound at which its first picture shows, counted from the input's time 0.
     std::int64_t startSample(int sampleRate) const {
-        return av_rescale_q(first_->pts, timeBase(), {1, sampleRate});
+        return av_rescale_q(first_->pts, timeBase_, {1, sampleRate});
     }
 
     /// The number of the first picture in the grid of `rate`, counted from the input's time 0.
@@ -66,15 +73,28 @@ class Input {
     /// earlier ones before it. With `sound`, a reader of the sound that is made next starts early enough.
     void start(std::int64_t number, AVRational rate, bool sound);
 
-    /// The next picture as decoded, or null at the end.
+    /// The next picture as decoded, or null at the end. Only after `start`.
     av::Frame nextPicture();
 
-    Demuxer& demuxer() { return demuxer_; }
+    Demuxer& demuxer() { return opened_->demuxer; }
 
-    /// What its user should hear of packets that were passed over, in a line; empty when there were none.
-    std::string damageReport() const;
+    /// Lets go of the file.
+    void close();
+
+    /// Packets that were damaged and passed over.
+    std::int64_t damaged() const { return damaged_ + (opened_ ? opened_->demuxer.health().damaged : 0); }
 
    private:
+    struct Opened {
+        explicit Opened(const std::string& name);
+        Demuxer demuxer;
+        StreamReader reader;
+        std::deque<av::Frame> ahead;  // decoded, and not yet given
+        std::int64_t end = 0;         // of the last picture decoded
+        bool atStart = true;          // the first pictures are still to be given
+    };
+    void open();
+    const std::int32_t* matrixOf(const AVFrame& picture) const;
     av::Frame decode();
     std::int64_t shownFor(std::int64_t duration) const;
     std::int64_t measuredEnd();
@@ -82,19 +102,23 @@ class Input {
     bool seek(std::int64_t time);
     void restart();
 
-    Demuxer demuxer_;
-    StreamReader reader_;
-    std::optional<int> soundStream_;
-    std::deque<av::Frame> ahead_;  // decoded, and not yet given
+    std::string name_;
+    std::unique_ptr<Opened> opened_;
     av::Frame first_;
+    std::optional<std::array<std::int32_t, 9>> displayMatrix_;  // as the container states it
+    AVRational timeBase_{};
+    AVRational rate_{};
+    std::optional<Sound> sound_;
     std::optional<std::int64_t> measuredEnd_;  // of the last picture, in the stream's time base
-    std::int64_t end_ = 0;                     // of the last picture decoded
-    bool atStart_ = true;                      // the first pictures are still to be given
+    std::int64_t damaged_ = 0;                 // packets, while it was open before
     bool still_ = false;
     bool endlessSource_ = false;
 };
 
 /// The rate at which inputs are joined: that of the first that has one, else 30 per second.
-AVRational commonRate(const Input& from, const Input& to);
+AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs);
+
+/// Tells on standard error, in a line, of each input some packets of which were passed over.
+void reportDamage(std::span<const std::unique_ptr<Input>> inputs);
 
 }  // namespace vantle

@@ -17,6 +17,13 @@ DIImage ImageLoader::load(const AVFrame& picture) {
     return image_.get();
 }
 
+void draw(const Moment& moment, ImageLoader& from, ImageLoader& to, DIImage out) {
+    TransParam param{};
+    param.dDuration = moment.duration;
+    param.dPosition = moment.position;
+    moment.transition(out, from.load(*moment.picture), to.load(*moment.incoming), &param);
+}
+
 Painter::Painter(Size size, const PictureFormat& format)
     : size_(size),
       format_(format),
@@ -28,10 +35,7 @@ Painter::Painter(Size size, const PictureFormat& format)
 av::Frame Painter::paint(const Moment& moment) {
     PixelView view = viewOf(*moment.picture);
     if (moment.transition != nullptr) {
-        TransParam param{};
-        param.dDuration = moment.duration;
-        param.dPosition = moment.position;
-        moment.transition(out_.get(), from_.load(*moment.picture), to_.load(*moment.incoming), &param);
+        draw(moment, from_, to_, out_.get());
         view = viewOf(out_.get());
     } else if (view.format == format_.pixels && view.space == format_.space && view.range == format_.range) {
         return av::share(*moment.picture);

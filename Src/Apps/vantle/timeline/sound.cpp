@@ -1,39 +1,15 @@
 #include "timeline/sound.h"
 
-extern "C" {
-#include <libavutil/channel_layout.h>
-#include <libavutil/samplefmt.h>
-}
-
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <iterator>
-#include <string>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace vantle {
 
 namespace {
-
-std::string layoutName(int channels) {
-    AVChannelLayout layout{};
-    av_channel_layout_default(&layout, channels);
-    std::array<char, 64> name{};
-    av_channel_layout_describe(&layout, name.data(), name.size());
-    return name.data();
-}
-
-bool sameForm(const AVFrame& a, const AVFrame& b) {
-    return a.sample_rate == b.sample_rate && a.format == b.format &&
-           av_channel_layout_compare(&a.ch_layout, &b.ch_layout) == 0;
-}
-
-Filter toForm(const SoundFormat& format) {
-    return {"aformat",
-            {{"sample_fmts", av_get_sample_fmt_name(format.sampleFormat)},
-             {"sample_rates", std::to_string(format.sampleRate)},
-             {"channel_layouts", layoutName(format.channels)}}};
-}
 
 /// Sound is mixed in single precision, plane by plane.
 SoundFormat mixed(SoundFormat format) {
@@ -41,59 +17,32 @@ SoundFormat mixed(SoundFormat format) {
     return format;
 }
 
+float* channel(AVFrame& sound, int number) { return reinterpret_cast<float*>(sound.extended_data[number]); }
+
+/// 0 before `start`, 1 after `length` more samples, a straight line between.
+float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
+    if (length <= 0) return at >= start ? 1.0F : 0.0F;
+    return std::clamp(static_cast<float>(at - start) / static_cast<float>(length), 0.0F, 1.0F);
+}
+
 }  // namespace
 
-SoundReader::SoundReader(Input& input, const SoundFormat& format, std::int64_t first)
-    : reader_(input.demuxer(), input.soundStream().value()),
-      name_(input.name()),
-      format_(format),
-      timed_(*silence(format, 1), {1, format.sampleRate},
-             {{"asetpts", {{"expr", "PTS-" + std::to_string(first)}}},
-              {"atrim", {{"start_pts", "0"}}},
-              {"aresample", {{"async", "1"}, {"first_pts", "0"}}},
-              {"apad"}}) {}
-
-av::Frame SoundReader::read(int samples) {
-    for (;;) {
-        if (av::Frame frame = timed_.pullSamples(samples)) return frame;
-        if (timed_.ended()) throw Error(name_ + ": its sound cannot be read");
-        av::Frame frame = reader_.next();
-        // The sound may go on in another format.
-        if (!frame || (like_ && !sameForm(*frame, *like_))) {
-            if (like_) converter_->close(AV_NOPTS_VALUE);
-            passOn();
-            like_.reset();
-        }
-        if (!frame) {
-            timed_.close(end_);
-            continue;
-        }
-        if (frame->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
-            av_channel_layout_default(&frame->ch_layout, frame->ch_layout.nb_channels);
-        if (!like_) {
-            converter_.emplace(*frame, reader_.stream().time_base, std::vector<Filter>{toForm(format_)});
-            like_ = av::share(*frame);
-        }
-        converter_->push(std::move(frame));
-        passOn();
-    }
-}
-
-void SoundReader::passOn() {
-    while (av::Frame frame = converter_ ? converter_->pull() : nullptr) {
-        if (frame->pts != AV_NOPTS_VALUE) end_ = frame->pts;
-        end_ += frame->nb_samples;
-        timed_.push(std::move(frame));
-    }
-}
-
-Soundtrack::Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first)
+Soundtrack::Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first,
+                       const MusicOptions& music)
     : film_(film),
+      musicOptions_(music),
       format_(mixed(format)),
       frameSamples_(format.frameSamples),
       output_(*silence(format_, 1), {1, format.sampleRate}, {toForm(format)}),
       begin_(sample(first)),
-      next_(begin_) {}
+      next_(begin_) {
+    if (music.file.empty()) return;
+    music_.emplace(music.file, format_);
+    // The music has run on under what is not wanted.
+    constexpr std::int64_t portion = 1 << 16;
+    for (std::int64_t left = begin_; left > 0; left -= portion)
+        music_->read(static_cast<int>(std::min(left, portion)));
+}
 
 std::int64_t Soundtrack::sample(std::int64_t frame) const {
     return sampleOf(frame, film_.canvas.rate, format_.sampleRate);
@@ -103,17 +52,21 @@ void Soundtrack::advance(std::int64_t frame) {
     const std::int64_t end = sample(frame);
     if (end <= next_) return;
     const av::Frame mix = silence(format_, static_cast<int>(end - next_));
-    for (std::size_t part = 0; part < film_.parts.size(); ++part)
-        if (sounds(part) && sample(film_.parts[part].start) < end && sample(film_.parts[part].end()) > next_)
-            add(*mix, part);
+    for (std::size_t number = 0; number < film_.parts.size(); ++number) {
+        const Part& part = film_.parts[number];
+        if (part.sounds() && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
+    }
     players_.remove_if([&](const Player& player) { return sample(film_.parts[player.part].end()) <= end; });
+    if (music_) addMusic(*mix);
+    for (int number = 0; number < format_.channels; ++number)
+        for (float& value : std::span(channel(*mix, number), static_cast<std::size_t>(mix->nb_samples)))
+            value = std::clamp(value, -1.0F, 1.0F);
     mix->pts = next_ - begin_;
     next_ = end;
-    given_ = end - begin_;
     output_.push(av::share(*mix));
 }
 
-void Soundtrack::add(AVFrame& mix, std::size_t number) {
+void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
     const Part& part = film_.parts[number];
     // What of the part lies in these samples.
     const std::int64_t begin = std::max(sample(part.start), next_);
@@ -126,23 +79,49 @@ void Soundtrack::add(AVFrame& mix, std::size_t number) {
         player = std::prev(players_.end());
     }
     const av::Frame sound = player->reader.read(static_cast<int>(end - begin));
-    // How loud it is rises from where the join before it begins, and falls to where the one after it ends.
-    const auto share = [&](std::size_t join, std::int64_t at) {
-        const Join& between = film_.joins[join];
-        const std::int64_t start = sample(between.start);
-        const std::int64_t length = sample(between.end()) - start;
-        return std::clamp(static_cast<float>(at - start) / static_cast<float>(length), 0.0F, 1.0F);
+    // How loud it is rises over the join before it, and falls over the one after it.
+    struct Slope {
+        std::int64_t start;
+        std::int64_t length;
     };
-    const bool fadesIn = number > 0 && sounds(number - 1);
-    const bool fadesOut = number + 1 < film_.parts.size() && sounds(number + 1);
-    for (int channel = 0; channel < format_.channels; ++channel) {
-        const auto* const in = reinterpret_cast<const float*>(sound->extended_data[channel]);
-        auto* const out = reinterpret_cast<float*>(mix.extended_data[channel]) + (begin - next_);
-        for (std::int64_t i = 0; i < end - begin; ++i) {
-            const float rise = fadesIn ? share(number - 1, begin + i) : 1.0F;
-            const float fall = fadesOut ? 1.0F - share(number, begin + i) : 1.0F;
-            out[i] += in[i] * rise * fall;
-        }
+    const auto slopeOf = [&](std::size_t join) {
+        const std::int64_t start = sample(film_.joins[join].start);
+        return Slope{start, sample(film_.joins[join].end()) - start};
+    };
+    std::optional<Slope> rise;
+    std::optional<Slope> fall;
+    if (number > 0 && film_.parts[number - 1].sounds()) rise = slopeOf(number - 1);
+    if (number < film_.joins.size() && film_.parts[number + 1].sounds()) fall = slopeOf(number);
+    for (std::int64_t at = begin; at < end; ++at) {
+        const float gain = (rise ? ramp(at, rise->start, rise->length) : 1.0F) *
+                           (fall ? 1.0F - ramp(at, fall->start, fall->length) : 1.0F);
+        for (int i = 0; i < format_.channels; ++i)
+            channel(mix, i)[at - next_] += channel(*sound, i)[at - begin] * gain;
+    }
+}
+
+void Soundtrack::addMusic(AVFrame& mix) {
+    constexpr float ducked = 0.25F;  // 12 decibels less
+    const std::int64_t slope = format_.sampleRate / 2;
+    const std::int64_t fade = 2 * std::int64_t{format_.sampleRate};
+    const std::int64_t filmEnd = sample(film_.frames());
+    const std::int64_t end = next_ + mix.nb_samples;
+    std::vector<std::pair<std::int64_t, std::int64_t>> louder;  // where inputs have sound, near here
+    for (const Part& part : film_.parts)
+        if (musicOptions_.duck && part.sounds() && sample(part.start) - slope < end &&
+            sample(part.end()) + slope > next_)
+            louder.emplace_back(sample(part.start), sample(part.end()));
+    const av::Frame sound = music_->read(mix.nb_samples);
+    for (int i = 0; i < mix.nb_samples; ++i) {
+        const std::int64_t at = next_ + i;
+        float gain = static_cast<float>(musicOptions_.volume) * (1.0F - ramp(at, filmEnd - fade, fade));
+        // Down by the time a part with sound begins, and up again only after its end.
+        float down = 0.0F;
+        for (const auto& [start, stop] : louder)
+            down = std::max(down, std::min(ramp(at, start - slope, slope), 1.0F - ramp(at, stop, slope)));
+        gain *= 1.0F - (1.0F - ducked) * down;
+        for (int number = 0; number < format_.channels; ++number)
+            channel(mix, number)[i] += channel(*sound, number)[i] * gain;
     }
 }
 

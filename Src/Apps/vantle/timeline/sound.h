@@ -1,37 +1,24 @@
 /// The sound of a film.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <optional>
+#include <string>
 
-#include "media/decoder.h"
 #include "media/filters.h"
 #include "media/sound_format.h"
 #include "timeline/film.h"
+#include "timeline/sound_source.h"
 
 namespace vantle {
 
-/// The sound of one input in single precision, without end: gaps and what follows are silent.
-class SoundReader {
-   public:
-    /// From the input's sample number `first` on, counted from its time 0. The input's pictures must have
-    /// been started with sound at about that time.
-    SoundReader(Input& input, const SoundFormat& format, std::int64_t first);
-
-    /// The next `samples` samples.
-    av::Frame read(int samples);
-
-   private:
-    void passOn();
-
-    StreamReader reader_;
-    std::string name_;
-    SoundFormat format_;
-    std::optional<Filters> converter_;  // from the decoded format to `format_`
-    av::Frame like_;                    // sound of the format that the converter is made for
-    Filters timed_;                     // puts the converted sound into its place in time
-    std::int64_t end_ = 0;              // of the sound converted so far, in samples
+/// What lies under a film.
+struct MusicOptions {
+    std::string file;     ///< empty: none
+    double volume = 1.0;  ///< 0 to 1
+    bool duck = false;    ///< quieter where inputs have sound
 };
 
 /// Mixes the sound of a film's parts on a grid of samples that follows from its frames. Where both parts of a
@@ -39,13 +26,13 @@ class SoundReader {
 class Soundtrack {
    public:
     /// Of the film's frames from `first` on, in this form.
-    Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first);
+    Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first, const MusicOptions& music);
 
     /// Mixes the sound of all frames before `frame`, whose pictures have been read.
     void advance(std::int64_t frame);
 
     /// Says that nothing follows.
-    void finish() { output_.close(given_); }
+    void finish() { output_.close(next_ - begin_); }
 
     /// The next sound for the encoder, or null when it needs `advance` first or has ended.
     av::Frame pull();
@@ -53,22 +40,23 @@ class Soundtrack {
    private:
     struct Player {
         Player(std::size_t number, Input& input, const SoundFormat& format, std::int64_t first)
-            : part(number), reader(input, format, first) {}
+            : part(number), reader(input.demuxer(), input.sound()->stream, format, first) {}
         std::size_t part;
         SoundReader reader;
     };
     std::int64_t sample(std::int64_t frame) const;
-    bool sounds(std::size_t part) const { return film_.parts[part].input->soundStream().has_value(); }
-    void add(AVFrame& mix, std::size_t part);
+    void addPart(AVFrame& mix, std::size_t number);
+    void addMusic(AVFrame& mix);
 
     const Film& film_;
+    MusicOptions musicOptions_;
     SoundFormat format_;  // in which sound is mixed
     int frameSamples_;
     std::list<Player> players_;
+    std::optional<Music> music_;
     Filters output_;      // to the encoder's format
-    std::int64_t begin_;  // samples of the film: of what is wanted
-    std::int64_t next_;   // not yet mixed
-    std::int64_t given_ = 0;
+    std::int64_t begin_;  // the film's first sample that is wanted
+    std::int64_t next_;   // the first that is not yet mixed
 };
 
 }  // namespace vantle

@@ -1,0 +1,132 @@
+#include "operands.h"
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "Host/error.h"
+#include "options.h"
+
+namespace vantle {
+
+namespace {
+
+/// `key=value` when the key is one of the closed set.
+std::optional<std::pair<std::string, std::string>> settingIn(const std::string& operand) {
+    const std::size_t middle = operand.find('=');
+    if (middle == std::string::npos) return {};
+    const std::string key = operand.substr(0, middle);
+    for (const std::string_view known : {"in", "out", "hold", "fit", "mute", "duration"})
+        if (key == known) return std::pair{key, operand.substr(middle + 1)};
+    return {};
+}
+
+Time timeIn(const std::string& setting, const std::string& value) {
+    const std::optional<Time> time = parseTime(value);
+    if (!time) throw UsageError(setting + ": \"" + value + "\" is no time (as 2.5, 1:02.5, 500ms or 12f)");
+    return *time;
+}
+
+bool yesIn(const std::string& setting, const std::string& value) {
+    if (value != "yes" && value != "no") throw UsageError(setting + ": \"" + value + "\" is not yes or no");
+    return value == "yes";
+}
+
+void set(Shot& shot, const std::string& operand, const std::string& key, const std::string& value) {
+    if (key == "in")
+        shot.in = timeIn(operand, value);
+    else if (key == "out")
+        shot.out = timeIn(operand, value);
+    else if (key == "hold")
+        shot.hold = timeIn(operand, value);
+    else if (key == "fit")
+        shot.fit = fitOf(value);
+    else if (key == "mute")
+        shot.mute = yesIn(operand, value);
+    else
+        throw UsageError(operand +
+                         " belongs after a transition (+NAME); after an input: in, out, hold, fit, mute");
+}
+
+/// Compares as a person counts: digits by the number they make, letters without case.
+bool naturallyBefore(const std::string& a, const std::string& b) {
+    const auto isDigit = [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; };
+    const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    auto i = a.begin();
+    auto j = b.begin();
+    while (i != a.end() && j != b.end()) {
+        if (isDigit(*i) && isDigit(*j)) {
+            const auto number = [&](auto& at, const std::string& text) {
+                while (at != text.end() && *at == '0') ++at;
+                const auto end = std::find_if_not(at, text.end(), isDigit);
+                return std::string_view(std::exchange(at, end), end);
+            };
+            const std::string_view first = number(i, a);
+            const std::string_view second = number(j, b);
+            if (first.size() != second.size()) return first.size() < second.size();
+            if (first != second) return first < second;
+        } else if (lower(*i) != lower(*j)) {
+            return lower(*i) < lower(*j);
+        } else {
+            ++i;
+            ++j;
+        }
+    }
+    if (i == a.end() && j == b.end()) return a < b;
+    return i == a.end();
+}
+
+}  // namespace
+
+Sequence parseOperands(const std::vector<std::string>& operands,
+                       const std::vector<std::string>& transitions) {
+    Sequence sequence;
+    bool afterMeeting = false;
+    for (const std::string& operand : operands) {
+        if (const auto setting = settingIn(operand)) {
+            const auto& [key, value] = *setting;
+            if (sequence.shots.empty())
+                throw UsageError(operand + " stands before all inputs (a file of this name is ./" + operand +
+                                 ")");
+            if (!afterMeeting)
+                set(sequence.shots.back(), operand, key, value);
+            else if (key == "duration")
+                sequence.meetings.back().duration = timeIn(operand, value);
+            else
+                throw UsageError(operand + " belongs after an input; after a transition: duration");
+        } else if (operand.starts_with('+')) {
+            if (sequence.shots.empty() || afterMeeting)
+                throw UsageError(operand + " must stand between two inputs (a file of this name is ./" +
+                                 operand + ")");
+            sequence.meetings.push_back({operand.substr(1), {}});
+            afterMeeting = true;
+        } else {
+            if (!sequence.shots.empty() && !afterMeeting) sequence.meetings.push_back({});
+            sequence.shots.push_back({.file = operand});
+            afterMeeting = false;
+        }
+    }
+    if (afterMeeting)
+        throw UsageError("+" + sequence.meetings.back().transition + " must stand between two inputs");
+    if (sequence.shots.size() < 2) throw UsageError("a film is made of two inputs or more");
+    for (std::size_t i = 0; i < sequence.meetings.size(); ++i) {
+        if (!sequence.meetings[i].transition.empty()) continue;
+        if (transitions.empty())
+            throw UsageError("-t NAME is missing: the transition from " + sequence.shots[i].file + " to " +
+                             sequence.shots[i + 1].file);
+        sequence.meetings[i].transition = transitions[i % transitions.size()];
+    }
+    return sequence;
+}
+
+void sortNaturally(Sequence& sequence, const std::vector<std::string>& operands) {
+    const auto meeting =
+        std::ranges::find_if(operands, [](const std::string& operand) { return operand.starts_with('+'); });
+    if (meeting != operands.end())
+        throw UsageError("--sort moves the inputs, so that " + *meeting + " has no place; give -t instead");
+    std::ranges::stable_sort(sequence.shots, naturallyBefore, &Shot::file);
+}
+
+}  // namespace vantle

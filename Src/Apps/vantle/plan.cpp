@@ -1,0 +1,98 @@
+#include "plan.h"
+
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "overview/overview.h"
+
+namespace vantle {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+double seconds(std::int64_t frames, const Film& film) {
+    return static_cast<double>(frames) / av_q2d(film.canvas.rate);
+}
+
+/// To a thousandth: what a person or another program goes on with.
+double inThousandths(double value) { return std::round(value * 1000.0) / 1000.0; }
+
+/// As 1:02.50.
+std::string clock(double time) {
+    const auto hundredths = static_cast<long long>(std::llround(time * 100.0));
+    char text[48] = "";
+    std::snprintf(text, sizeof text, "%lld:%02lld.%02lld", hundredths / 6000, hundredths / 100 % 60,
+                  hundredths % 100);
+    return text;
+}
+
+Json inputEntry(const Film& film, const Part& part) {
+    return {{"input",
+             {{"file", part.input->name()},
+              {"in", inThousandths(seconds(part.first, film))},
+              {"out", inThousandths(seconds(part.first + part.frames, film))},
+              {"first", part.start},
+              {"last", part.end() - 1}}}};
+}
+
+Json joinEntry(const Join& join) {
+    const std::string name = join.transition != nullptr ? shownName(*join.transition) : "cut";
+    return {{"join", {{"transition", name}, {"first", join.start}, {"frames", join.frames}}}};
+}
+
+void printJson(const Film& film, const std::vector<std::string>& notes) {
+    Json plan;
+    plan["frames"] = film.frames();
+    plan["seconds"] = inThousandths(seconds(film.frames(), film));
+    plan["width"] = film.canvas.size.width;
+    plan["height"] = film.canvas.size.height;
+    plan["rate"] = std::to_string(film.canvas.rate.num) + "/" + std::to_string(film.canvas.rate.den);
+    Json& timeline = plan["timeline"] = Json::array();
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        timeline.push_back(inputEntry(film, film.parts[i]));
+        if (i < film.joins.size()) timeline.push_back(joinEntry(film.joins[i]));
+    }
+    plan["warnings"] = notes;
+    // A file's name need not be text.
+    std::puts(plan.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
+}
+
+void printRow(const Film& film, std::int64_t start, std::int64_t frames, const std::string& what) {
+    const std::string range = std::to_string(start) + "-" + std::to_string(start + frames - 1);
+    std::printf("%15s  %9s  %9s  %s\n", range.c_str(), clock(seconds(start, film)).c_str(),
+                clock(seconds(frames, film)).c_str(), what.c_str());
+}
+
+}  // namespace
+
+void printPlan(const Film& film, const std::vector<std::string>& notes, bool json) {
+    if (json) {
+        printJson(film, notes);
+        return;
+    }
+    std::printf("%15s  %9s  %9s\n", "FRAMES", "FROM", "LENGTH");
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        const Part& part = film.parts[i];
+        std::string what = part.input->name();
+        if (part.input->still())
+            what += " (still)";
+        else if (!part.input->endless())
+            what += ", " + clock(seconds(part.first, film)) + " to " +
+                    clock(seconds(part.first + part.frames, film));
+        printRow(film, part.start, part.frames, what);
+        if (i == film.joins.size()) break;
+        const Join& join = film.joins[i];
+        if (join.transition != nullptr)
+            printRow(film, join.start, join.frames, "  + " + shownName(*join.transition));
+        else
+            std::printf("%15s  %9s  %9s    + cut\n", "", "", "");
+    }
+    std::printf("\n%lld frames, %s, %dx%d, %g frames per second\n", static_cast<long long>(film.frames()),
+                clock(seconds(film.frames(), film)).c_str(), film.canvas.size.width, film.canvas.size.height,
+                av_q2d(film.canvas.rate));
+    for (const std::string& note : notes) std::printf("Note: %s\n", note.c_str());
+}
+
+}  // namespace vantle

@@ -1,0 +1,15 @@
+/// What a film will be, told before it is rendered.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "timeline/film.h"
+
+namespace vantle {
+
+/// Prints every input and join of a film with its frames, and what its user should know before, to standard
+/// output: as a table, or as JSON.
+void printPlan(const Film& film, const std::vector<std::string>& notes, bool json);
+
+}  // namespace vantle
