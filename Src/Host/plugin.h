@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/contract.h"
+#include "catalogue/contract.h"
 
 namespace vantle {
 

@@ -6,7 +6,7 @@
 #include "frame/ramp.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -31,10 +31,8 @@ class Ramp {
 
 }  // namespace
 
-VANTLE_API void TrLinearWipeUpDown(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Ramp ramp(stage.width(), Progress(param).eased());
+void linearWipeUpDown(const Stage& stage, const Progress& progress) {
+    const Ramp ramp(stage.width(), progress.eased());
     for (Row row : stage.rows()) {
         const float share = ramp.shareAt(row.y());
         if (share == 0.0F)
@@ -45,13 +43,10 @@ VANTLE_API void TrLinearWipeUpDown(DIImage imgOut, DIImage imgFrom, DIImage imgT
     }
 }
 
-VANTLE_API void TrLinearWipeLeftRight(DIImage imgOut, DIImage imgFrom, DIImage imgTo,
-                                      const TransParam* param) {
+void linearWipeLeftRight(const Stage& stage, const Progress& progress) {
     constexpr std::int32_t tile = 4096;  // columns whose shares are worked out at a time, for every row
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
     const std::int32_t width = stage.width();
-    const Ramp ramp(width, Progress(param).eased());
+    const Ramp ramp(width, progress.eased());
     std::int32_t first = 0;
     do {
         const std::int32_t end = std::min(first + tile, width);
@@ -71,3 +66,5 @@ VANTLE_API void TrLinearWipeLeftRight(DIImage imgOut, DIImage imgFrom, DIImage i
         first = end;
     } while (first < width);
 }
+
+}  // namespace vantle
