@@ -5,7 +5,8 @@
 
 namespace vantle {
 
-/// Writes index, name, function and GUID of every transition to standard output, as a table or as JSON.
+/// Writes index, name, function, family and GUID of every transition to standard output, as a table or as
+/// JSON.
 void list(const std::filesystem::path& plugin, bool json);
 
 }  // namespace vantle

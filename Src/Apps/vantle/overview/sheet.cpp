@@ -12,7 +12,6 @@
 #include "output/picture_writer.h"
 #include "output/staged_file.h"
 #include "output/writer.h"
-#include "overview/families.h"
 
 namespace vantle {
 
@@ -115,8 +114,7 @@ av::Frame withTexts(av::Frame sheet, const Layout& layout, const Overview& overv
         const Transition& transition = overview.transitions()[i];
         const int middle = layout.y(i) + std::max(layout.thumbnail().height, text * 5 / 2) / 2;
         filters += write(shownName(transition), layout.nameX(i), middle - text * 2 / 3, text, dark);
-        filters += write(std::string(familyOf(transition.function)), layout.nameX(i), middle + text * 2 / 3,
-                         small, muted);
+        filters += write(transition.family, layout.nameX(i), middle + text * 2 / 3, small, muted);
         for (std::size_t k = 0; layout.headsBlock(i) && k < positions.size(); ++k) {
             char label[16] = "";
             std::snprintf(label, sizeof label, "%.2f", positions[k]);
