@@ -1,6 +1,7 @@
 #include "frame/distance.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "frame/multiversion.h"
@@ -10,6 +11,7 @@ namespace vantle {
 namespace {
 
 using Word [[gnu::may_alias, gnu::aligned(1)]] = std::int32_t;
+static_assert(std::endian::native == std::endian::little);  // its first byte is its lowest
 
 constexpr std::int32_t tile = 256;
 constexpr std::uint32_t beyond = 1U << 30;  // the square of a distance past any table
