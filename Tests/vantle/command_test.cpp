@@ -14,6 +14,7 @@ TEST_F(Command, ListsTheCatalogue) {
     EXPECT_EQ(rows[1], (nlohmann::json{{"index", 1},
                                        {"name", "Col_vantle"},
                                        {"function", "TrColVantle"},
+                                       {"family", "strips"},
                                        {"guid", "25045AAA-9ACA-445c-B24C-21052C9B8D27"}}));
     EXPECT_NE(vantle("list").text().find("TrColVantle"), std::string::npos);
 }

@@ -1,13 +1,13 @@
 // What the two transitions that check their frames tell the host's logger. The logger is this file's, and
 // the accessors of sizes pass through it.
-#include "frame/frame_check.h"
+#include "catalogue/frame_check.h"
 
 #include <dlfcn.h>
 
 #include <cstdarg>
 #include <regex>
 
-#include "frame/logger.h"
+#include "catalogue/logger.h"
 #include "frames.h"
 
 using namespace tests;
