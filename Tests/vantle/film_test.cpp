@@ -1,0 +1,280 @@
+// Films of many inputs: every frame and every sample in its place.
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "command.h"
+
+namespace tests {
+
+class Films : public CommandTest {
+   protected:
+    /// The first sample of a frame, of 30000/1001 and 44100 a second.
+    static std::int64_t sampleOf(std::int64_t frame) { return (frame * 44100 * 1001 + 15000) / 30000; }
+
+    nlohmann::json plan(const std::string& arguments) const {
+        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
+        EXPECT_EQ(outcome.status, 0) << arguments;
+        return nlohmann::json::parse(outcome.text());
+    }
+
+    /// The sound of a file, one channel in signed 16 bits.
+    std::vector<std::int16_t> sound(const std::string& name, const std::string& options = "") const {
+        const Bytes bytes =
+            shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 " + options + " -")).output;
+        std::vector<std::int16_t> samples(bytes.size() / 2);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        return samples;
+    }
+
+    /// The loudest of the samples around a moment, 0 to 1.
+    static double level(const std::vector<std::int16_t>& samples, double seconds, double rate = 8000) {
+        double loudest = 0.0;
+        const auto first = static_cast<std::size_t>(seconds * rate);
+        for (std::size_t i = first; i < first + static_cast<std::size_t>(rate / 50); ++i)
+            loudest = std::max(loudest, std::abs(samples.at(i) / 32768.0));
+        return loudest;
+    }
+
+    static std::string times(int count, const std::string& operand) {
+        std::string text;
+        for (int i = 0; i < count; ++i) (text += operand) += ' ';
+        return text;
+    }
+};
+
+// A hundred joins of a clip whose pictures count and whose sound clicks with its fifth picture.
+TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
+    ffmpeg(
+        "-f lavfi -i \"color=s=64x16:r=30000/1001,format=yuv420p,geq=lum='40+8*N':cb=128:cr=128\" "
+        "-f lavfi -i \"aevalsrc='if(eq(n,5880),0.9,0)':s=44100\" -t 0.4004 -c:v libx264 -crf 4 -c:a "
+        "pcm_s16le "
+        "clip.mkv");
+    const std::string film = times(101, "clip.mkv") + "-t Row_split --duration 2f ";
+    const nlohmann::json planned = plan(film);
+    EXPECT_EQ(planned["frames"], 12 + 100 * 10);
+    EXPECT_EQ(planned["timeline"].size(), 201U);
+    render(film + "-o film.mkv --sound-encoder pcm_s16le --encoder-option crf=4");
+    const Pictures pictures = decode("film.mkv", 64, 16);
+    ASSERT_EQ(pictures.count, 1012U);
+    for (std::size_t i = 0; i < pictures.count; ++i)
+        if (i < 10 || i % 10 > 1) {
+            EXPECT_NEAR(pictures.luma(i, 32, 1),
+                        40 + 8 * static_cast<int>(i < 12        ? i
+                                                  : i % 10 == 0 ? 10
+                                                                : i % 10),
+                        2)
+                << i;
+        }
+    const std::vector<std::int16_t> samples = sound("film.mkv");
+    EXPECT_EQ(std::ssize(samples), sampleOf(1012));
+    for (int i = 0; i < 101; ++i) {
+        const auto start = static_cast<std::size_t>(sampleOf(10 * i));
+        EXPECT_GT(samples.at(start + 5880), 20000) << "click " << i;
+    }
+    EXPECT_EQ(std::ranges::count_if(samples, [](std::int16_t sample) { return sample > 9000; }), 101);
+    // A part of it is that part of the whole.
+    render(film + "-o part.mkv --sound-encoder pcm_s16le --encoder-option crf=4 --frames 707-722");
+    const auto first = samples.begin() + sampleOf(707);
+    const std::vector<std::int16_t> part = sound("part.mkv");
+    EXPECT_EQ(part.size(), static_cast<std::size_t>(sampleOf(723) - sampleOf(707)));
+    EXPECT_TRUE(std::equal(part.begin(), part.end(), first));
+    EXPECT_NEAR(decode("part.mkv", 64, 16).luma(1, 32, 1), 40 + 8 * 8, 2);
+}
+
+TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
+    ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=4 -c:v libx264 clip.mp4");
+    ffmpeg("-f lavfi -i testsrc2=s=80x48 -frames:v 1 still.png");
+    shell(in("cp still.png ./+x; cp still.png in=2; cp still.png img2.png; cp still.png img10.png"));
+    const nlohmann::json film = plan(
+        "clip.mp4 in=0.5 out=0:03 +Cross_vantle duration=12f still.png hold=1 fit=cover +cut clip.mp4 in=60f "
+        "./+x hold=500ms ./in=2 -t 3 -t twrl --duration 0.4 --hold 0.2");
+    std::string text;
+    for (const nlohmann::json& entry : film["timeline"]) {
+        if (entry.contains("input"))
+            text += entry["input"]["file"].get<std::string>() + " " + entry["input"]["first"].dump() + "-" +
+                    entry["input"]["last"].dump() + "\n";
+        else
+            text += "  " + entry["join"]["transition"].get<std::string>() + " " +
+                    entry["join"]["first"].dump() + "+" + entry["join"]["frames"].dump() + "\n";
+    }
+    EXPECT_EQ(text,
+              "clip.mp4 0-61\n  Cross_vantle 50+12\nstill.png 50-86\n  cut 87+0\nclip.mp4 87-126\n"
+              "  Row_split 117+10\n./+x 117-149\n  Twrl 140+10\n./in=2 140-154\n");
+    EXPECT_EQ(film["frames"], 155);
+    EXPECT_EQ(film["timeline"][0]["input"]["in"], 0.52);
+    const auto names = [&](const std::string& arguments) {
+        std::vector<std::string> found;
+        const nlohmann::json made = plan(arguments);
+        for (const nlohmann::json& entry : made["timeline"])
+            if (entry.contains("join")) found.push_back(entry["join"]["transition"]);
+        return found;
+    };
+    const std::string many = times(40, "still.png");
+    const std::vector<std::string> random = names(many + "-t random --seed 7");
+    EXPECT_EQ(random, names(many + "-t random --seed 7"));
+    EXPECT_NE(random, names(many + "-t random --seed 8"));
+    EXPECT_EQ(std::ranges::adjacent_find(random), random.end());
+    EXPECT_EQ(random.front(), "Horizontal_shutter");  // and so on every machine
+    const nlohmann::json sorted = plan("img10.png img2.png -t 0 --sort natural");
+    EXPECT_EQ(sorted["timeline"][0]["input"]["file"], "img2.png");
+    const nlohmann::json shrunk = plan("clip.mp4 clip.mp4 out=1.2 clip.mp4 -t 0 --duration 1 --shrink");
+    EXPECT_EQ(shrunk["timeline"][1]["join"]["frames"], 15);
+    EXPECT_EQ(shrunk["warnings"].size(), 2U);
+
+    // A true cut: one frame shows the one input, the next the other.
+    render("clip.mp4 out=10f +cut still.png -o f_%d.png --hold 0.2 --fit cover");
+    EXPECT_EQ(files().contains("f_14.png"), true);
+    EXPECT_FALSE(files().contains("f_15.png"));
+    render("still.png +cut still.png -o s_%d.png --size 64x48 --hold 0.2 --fit cover");
+    EXPECT_EQ(rgb("f_10.png"), rgb("s_0.png"));
+    EXPECT_NE(rgb("f_9.png"), rgb("s_0.png"));
+}
+
+TEST_F(Films, AreRefusedBeforeAnythingIsWritten) {
+    ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=2 -c:v libx264 clip.mp4");
+    ffmpeg("-f lavfi -i sine=d=1 tone.wav");
+    const std::set<std::string> before = files();
+    struct Case {
+        const char* arguments;
+        int status;
+        const char* says;
+    };
+    const Case cases[] = {
+        {"clip.mp4 clip.mp4 out=1 clip.mp4 -t 0 -o a.mp4", 1,
+         "clip.mp4: shows 25 frames (1.00 s), fewer than the 50"},
+        {"clip.mp4 in=3 clip.mp4 -t 0 -o a.mp4", 1, "in lies after its end, 2.00 s"},
+        {"clip.mp4 out=3 clip.mp4 -t 0 -o a.mp4", 1, "out lies after its end"},
+        {"clip.mp4 in=1 out=1 clip.mp4 -t 0 -o a.mp4", 1, "out does not lie after in"},
+        {"clip.mp4 clip.mp4 none.mp4 -t 0 -o a.mp4", 1, "none.mp4: No such file"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --music none.mp3", 1, "none.mp3: No such file"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --music clip.mp4", 1, "clip.mp4: holds no sound"},
+        {"clip.mp4 clip.mp4 -o a.mp4", 2, "-t NAME is missing"},
+        {"clip.mp4 clip.mp4 -t 0", 2, "-o OUT is missing"},
+        {"clip.mp4 -t 0 -o a.mp4", 2, "two inputs"},
+        {"+Twrl clip.mp4 clip.mp4 -o a.mp4", 2,
+         "must stand between two inputs (a file of this name is ./+Twrl)"},
+        {"clip.mp4 +Twrl +Zoom clip.mp4 -o a.mp4", 2, "+Zoom must stand between"},
+        {"clip.mp4 clip.mp4 +Twrl -o a.mp4", 2, "+Twrl must stand between"},
+        {"clip.mp4 +Twirl clip.mp4 -o a.mp4", 2, "did you mean \"Twrl\""},
+        {"in=2 clip.mp4 clip.mp4 -t 0 -o a.mp4", 2, "before all inputs"},
+        {"clip.mp4 duration=2 clip.mp4 -t 0 -o a.mp4", 2, "belongs after a transition"},
+        {"clip.mp4 +Twrl in=2 clip.mp4 -o a.mp4", 2, "belongs after an input"},
+        {"clip.mp4 in=1:2:3:4 clip.mp4 -t 0 -o a.mp4", 2, "is no time"},
+        {"clip.mp4 mute=maybe clip.mp4 -t 0 -o a.mp4", 2, "not yes or no"},
+        {"clip.mp4 +Twrl clip.mp4 --sort natural -o a.mp4", 2, "+Twrl has no place"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --duration 1e9", 2, "--duration"},
+        {"clip.mp4 clip.mp4 clip.mp4 -t 0 --duration 0.4 -o a.png --at 0.5", 2, "which of the 2 joins"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.png --at 2:0.5", 2, "has 1 join"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --encoder nonsense", 2, "no such encoder"},
+        {"clip.mp4 clip.mp4 -t 0 -o a.webm --encoder libx264", 2, ".webm does not hold what libx264 makes"},
+        {"clip.mp4 clip.mp4 -t 0 -o a_%d.png --encoder libx264", 2, "for a video"},
+        {"clip.mp4 clip.mp4 -t cut --joins a.png", 2, "only cuts"},
+        {"clip.mp4 clip.mp4 -t 0 --plan --json --fps x", 2, "--fps"},
+    };
+    for (const Case& bad : cases) {
+        const Outcome outcome = vantle(std::string("render -q ") + bad.arguments);
+        const std::string text = outcome.text();
+        EXPECT_EQ(outcome.status, bad.status) << bad.arguments << "\n" << text;
+        EXPECT_NE(text.find(bad.says), std::string::npos) << bad.arguments << "\n" << text;
+        EXPECT_EQ(text.find('\n'), text.size() - 1) << bad.arguments << "\n" << text;
+        EXPECT_EQ(files(), before) << bad.arguments;
+    }
+    // An input that goes away while others are shown.
+    const Outcome lost =
+        shell(in("cp clip.mp4 lost.mp4; (sleep 0.7; rm lost.mp4) & " VANTLE
+                 " render -q lavfi:testsrc2=s=640x360:d=30 clip.mp4 lost.mp4 -t 0 -o a.mp4 2>&1"));
+    EXPECT_EQ(lost.status, 1);
+    EXPECT_EQ(lost.text(), "vantle: lost.mp4: No such file or directory\n");
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(Films, MixSoundAndMusicAsAsked) {
+    ffmpeg(
+        "-f lavfi -i color=s=16x16:r=25:d=3 -f lavfi -i sine=f=400:d=3,volume=4 -c:v libx264 -c:a aac "
+        "loud.mp4");
+    ffmpeg("-f lavfi -i color=s=16x16:r=25:d=3 -c:v libx264 mute.mp4");
+    ffmpeg("-f lavfi -i sine=f=1000:d=1.7,volume=4 music.wav");
+    const auto levels = [&](const std::string& arguments) {
+        render(arguments + " -f -o film.mkv --sound-encoder pcm_s16le");
+        return sound("film.mkv", "-ar 8000");
+    };
+    // 0 to 3 s silent, 2 to 5 s loud, 5 to 8 s silent after a cut.
+    const std::string film = "mute.mp4 loud.mp4 +cut mute.mp4 -t 0";
+    const auto own = levels(film);
+    const double full = level(own, 4);
+    EXPECT_GT(full, 0.3);
+    EXPECT_EQ(level(own, 1.9), 0.0);
+    EXPECT_NEAR(level(own, 2.1), full, 0.05);
+    EXPECT_NEAR(level(own, 4.97), full, 0.05);
+    EXPECT_EQ(level(own, 5.01), 0.0);
+    const auto both = levels(film + " --music music.wav --music-volume 0.5");
+    EXPECT_NEAR(level(both, 1.5), full / 2, 0.03);
+    EXPECT_NEAR(level(both, 1.75), full / 2, 0.03);  // begun anew
+    EXPECT_NEAR(level(both, 4), full * 1.5, 0.05);
+    EXPECT_NEAR(level(both, 7), full / 4, 0.03);  // fading out
+    EXPECT_LT(level(both, 7.95), 0.02);
+    const auto ducked = levels(film + " --music music.wav --music-duck");
+    EXPECT_NEAR(level(ducked, 1), full, 0.03);
+    EXPECT_NEAR(level(ducked, 3.5), full * 1.25, 0.05);
+    EXPECT_LT(level(levels(film + " --mute --music music.wav --music-volume 0.1"), 4), full / 8);
+    EXPECT_EQ(level(levels("loud.mp4 mute=yes +cut loud.mp4"), 1), 0.0);
+    EXPECT_NEAR(level(levels("loud.mp4 +cut loud.mp4"), 2.99), full, 0.05);
+
+    ffmpeg("-i mute.mp4 -f lavfi -i anullsrc=cl=5.1:d=3 -c:v copy -c:a ac3 around.mkv");
+    const auto channels = [&](const std::string& arguments) {
+        render(arguments + " -t 0 -f -o film.mkv");
+        return probe("film.mkv", "stream=channels -select_streams a");
+    };
+    EXPECT_EQ(channels("around.mkv mute.mp4 around.mkv"), "6");
+    EXPECT_EQ(channels("around.mkv loud.mp4"), "2");
+    EXPECT_EQ(channels("around.mkv loud.mp4 --channels 1"), "1");
+}
+
+TEST_F(Films, AreWrittenByOtherEncodersAndIntoPipes) {
+    const std::string film =
+        "lavfi:testsrc2=s=64x48:d=1 lavfi:smptebars=s=64x48 -t 0 --duration 0.2 --hold 0.2 ";
+    for (const auto& [options, says] :
+         {std::pair{"-o a.mkv --encoder ffv1 --sound-encoder flac", "ffv1,yuv420p"},
+          {"-o a.mov --encoder prores_ks", "prores,yuv422p10le"},
+          {"-o a.mp4 --encoder libx265 --encoder-option crf=40", "hevc,yuv420p"},
+          {"-o a.mov --encoder qtrle --size 63x47", "qtrle,rgb24"}}) {
+        render(film + "-f " + options);
+        const std::string name = std::string(options).substr(3, 5);
+        EXPECT_EQ(probe(name, "stream=codec_name,pix_fmt,nb_read_frames"), std::string(says) + ",30")
+            << options;
+    }
+    EXPECT_EQ(shell(in(VANTLE " render -q " + film +
+                       "-o - | ffprobe -v error -count_frames -show_entries "
+                       "stream=codec_name,nb_read_frames -of csv=p=0 -"))
+                  .text(),
+              "h264,30\n");
+    const Outcome unread =
+        shell(in("{ " VANTLE " render -q lavfi:testsrc2:d=9 lavfi:testsrc2 -t 0 -o - 2>&3 | head -c 9; } "
+                 "3>&1 >/dev/null"));
+    EXPECT_EQ(unread.text(), "vantle: cannot write standard output: Broken pipe\n");
+    render(film + "lavfi:testsrc2=s=64x48 -t Twrl -t 3 --joins joins.png");
+    EXPECT_EQ(files(), (std::set<std::string>{"a.mkv", "a.mov", "a.mp4", "joins.png"}));
+}
+
+TEST_F(Films, TakeNoMoreMemoryForMoreInputs) {
+    ffmpeg("-f lavfi -i testsrc2=s=640x360:r=25:d=0.6 -f lavfi -i sine=d=0.6 -c:v libx264 -c:a aac clip.mp4");
+    const auto peak = [&](int clips) {
+        const std::string text =
+            shell(
+                in("python3 -c \"import resource, subprocess, sys; subprocess.run(sys.argv[1:], check=True); "
+                   "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)\" " VANTLE
+                   " render -q -f " +
+                   times(clips, "clip.mp4") +
+                   "-t random --seed 3 --duration 0.2 -o film.mkv --encoder-option preset=ultrafast"))
+                .text();
+        return std::stod(text);
+    };
+    const double few = peak(4);
+    EXPECT_LT(peak(60), 1.3 * few);
+}
+
+}  // namespace tests
