@@ -1,6 +1,8 @@
 // The command line itself: what it lists, what it refuses and what it leaves behind.
 #include "command.h"
 
+#include <sys/xattr.h>
+
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <tuple>
@@ -116,11 +118,50 @@ TEST_F(Command, SaysWhenWhatItPrintsIsLost) {
     EXPECT_EQ(unread.text(), "vantle: cannot write to standard output: Broken pipe\n1\n");
 }
 
-TEST_F(Command, ReplacesTheFileThatALinkLeadsTo) {
-    shell(in("mkdir far; echo old >far/film.gif; ln -s far/film.gif link.gif"));
-    render("lavfi:testsrc2=s=16x16:d=0.2 lavfi:testsrc2=s=16x16 -t 0 --duration 0.1 -f -o link.gif");
+TEST_F(Command, KeepsLinksRightsAndAttributesOfWhatItReplaces) {
+    shell(
+        in("mkdir far; echo old >far/film.gif; chmod 600 far/film.gif; ln -s far/film.gif link.gif;"
+           " touch f_1.png; chmod 440 f_1.png; chown 1:2 f_1.png; mkdir page; chmod 2750 page"));
+    const bool keepsAttributes = setxattr((folder_ / "far/film.gif").c_str(), "user.note", "mine", 4, 0) == 0;
+    const std::string owned = rights("f_1.png");
+    const std::string inputs =
+        "lavfi:testsrc2=s=16x16:d=0.2 lavfi:testsrc2=s=16x16 -t 0 --duration 0.1 -f -o ";
+    render(inputs + "link.gif");
     EXPECT_TRUE(fs::is_symlink(folder_ / "link.gif"));
     EXPECT_EQ(probe("far/film.gif", "stream=codec_name"), "gif");
+    EXPECT_TRUE(rights("link.gif -L").starts_with("600 "));
+    std::array<char, 8> note{};
+    getxattr((folder_ / "far/film.gif").c_str(), "user.note", note.data(), note.size());
+    EXPECT_EQ(std::string(note.data()), keepsAttributes ? "mine" : "");
+    shell(in("umask 037; " VANTLE " render -q " + inputs + "f_%d.png --frames 1-2"));
+    EXPECT_EQ(rights("f_1.png"), owned);
+    EXPECT_TRUE(rights("f_2.png").starts_with("640 "));
+    EXPECT_EQ(vantle("gallery -q --positions 2 " + inputs + "page").status, 0);
+    EXPECT_TRUE(rights("page").starts_with("2750 "));
+    // Until it is complete nobody else reads it.
+    const Outcome watched = vantleWhile("render -q -f lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o link.gif",
+                                        "stat -c %a far/.film.gif.*; kill $$");
+    EXPECT_TRUE(watched.text().starts_with("600\n")) << watched.text();
+}
+
+TEST_F(Command, TakesTheLongestNames) {
+    const auto name = [](std::size_t bytes, const std::string& ending) {
+        std::string text = "x";
+        while (text.size() + 2 <= bytes - ending.size()) text += "\u00e9";  // of two bytes
+        return text.append(bytes - ending.size() - text.size(), 'x') + ending;
+    };
+    const std::string inputs = " -q lavfi:testsrc2=s=16x16:d=0.2 \"lavfi:testsrc2=s=16x16" +
+                               std::string(300, ' ') + "\" -t 0 --duration 0.1 -f -o ";
+    for (const std::size_t bytes : {130U, 131U, 250U, 255U}) {
+        EXPECT_EQ(vantle("render" + inputs + name(bytes, ".gif")).status, 0) << bytes;
+        for (int times = 0; times < 2; ++times)
+            EXPECT_EQ(vantle("gallery --positions 2" + inputs + name(bytes, "")).text(), "") << bytes;
+    }
+    EXPECT_EQ(files().size(), 8U);
+    // What is half written has a name of whole characters too, for file systems that take no other.
+    const Outcome watched = vantleWhile(
+        "render -q lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o " + name(255, ".mp4"), "ls -A; kill $$");
+    EXPECT_NE(watched.text().find("\u00e9."), std::string::npos) << watched.text();
 }
 
 TEST_F(Command, WorksInstalledAndServesOtherHosts) {
