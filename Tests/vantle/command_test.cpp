@@ -165,8 +165,19 @@ TEST_F(Command, TakesTheLongestNames) {
 }
 
 TEST_F(Command, WorksInstalledAndServesOtherHosts) {
-    ASSERT_EQ(shell(in(CMAKE_COMMAND " --install " BUILD_FOLDER " --prefix there >/dev/null")).status, 0);
+    ASSERT_EQ(
+        shell(in(CMAKE_COMMAND " --install " BUILD_FOLDER " --prefix first >/dev/null && mv first there"))
+            .status,
+        0);
+    EXPECT_EQ(
+        shell(in("cd there && find . ! -type d | LC_ALL=C sort")).text(),
+        "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/frame/contract.h\n"
+        "./" LIBDIR
+        "/libtp_vantle.so\n./lib/pkgconfig/tp_vantle.pc\n"
+        "./" LIBDIR "/vantle/libBrix_ImageProc.so\n./" LIBDIR "/vantle/libQeltLogger.so\n");
     EXPECT_EQ(shell(in("there/bin/vantle list")).text(), vantle("list").text());
+    // A host's own libraries take the place of those that stand in for them.
+    EXPECT_EQ(shell(in(READELF " -d there/" LIBDIR "/libtp_vantle.so | grep -E 'RUNPATH|RPATH'")).text(), "");
     // A host of its own: two headers and the loader.
     std::ofstream(folder_ / "host.cpp") << R"(
 #include <catalogue/catalogue.h>
@@ -177,11 +188,21 @@ int main(int, char** arguments) {
     auto* info = reinterpret_cast<decltype(&GetTransInfo)>(dlsym(plugin, "GetTransInfo"));
     std::printf("%ls", info(2)->szName);
 })";
-    const std::string pkgConfig =
-        "PKG_CONFIG_PATH=$(dirname $(find there -name tp_vantle.pc)) pkg-config tp_vantle ";
-    const Outcome host = shell(in("c++ -std=c++20 host.cpp -o host $(" + pkgConfig +
-                                  "--cflags) && ./host $(" + pkgConfig + "--variable=plugin) 2>&1"));
+    const auto pkgConfig = [&](const std::string& folder, const std::string& asked) {
+        return "$(PKG_CONFIG_PATH=" + folder + "/pkgconfig pkg-config tp_vantle --" + asked + ") ";
+    };
+    const Outcome host = shell(in("c++ -std=c++20 host.cpp -o host " + pkgConfig("there/" LIBDIR, "cflags") +
+                                  "&& LD_LIBRARY_PATH=" + pkgConfig("there/" LIBDIR, "variable=standins") +
+                                  "./host " + pkgConfig("there/" LIBDIR, "variable=plugin") + "2>&1"));
     EXPECT_EQ(host.text(), "Cross_vantle");
+    // As a package for several processors has it.
+    shell(in("{ cmake -S " SOURCE_FOLDER
+             " -B b -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR=lib/some-linux-gnu"
+             " -DVANTLE_TESTS=OFF -DVANTLE_BENCH=OFF && DESTDIR=root cmake --install b --component "
+             "development; } >log"));
+    EXPECT_EQ(
+        shell(in("c++ -std=c++20 -c host.cpp " + pkgConfig("root/usr/lib/some-linux-gnu", "cflags"))).status,
+        0);
 }
 
 }  // namespace tests
