@@ -50,6 +50,7 @@ TEST_F(Overview, RefusesBadInputAndLeavesWhatStoodThere) {
         {"gallery", "out --size 4000x4000", 2, "smaller --size"},
         {"gallery", "empty", 1, "--force"},
         {"gallery", "there.png -f", 1, "not a folder"},
+        {"gallery", "empty/. -f", 1, "no name"},
         {"gallery", "photos -f", 1, "photo.png"},
     };
     for (const auto& [command, output, status, says] : cases) {

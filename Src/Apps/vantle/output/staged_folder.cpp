@@ -34,6 +34,8 @@ fs::path makeFolderBeside(const fs::path& target) {
 
 StagedFolder::StagedFolder(const fs::path& target, bool overwrite, std::string_view title)
     : target_(withoutSlash(target)), overwrite_(overwrite), title_(title), made_(title) {
+    if (const fs::path name = target_.filename(); name == "." || name == "..")
+        throw Error(target_.string() + " is no name for a folder to make");
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(target_, ignored))) refuseStrangers();
     path_ = makeFolderBeside(target_);
