@@ -1,4 +1,4 @@
-/// Transitions put plainly, pixel by pixel: those that the library draws in quite another way.
+/// Transitions put plainly, pixel by pixel, in the exact order of their operations.
 #pragma once
 
 #include <span>
@@ -17,6 +17,10 @@ struct PlainRule {
 
 inline void PrintTo(const PlainRule& rule, std::ostream* out) { *out << rule.function; }
 
-std::span<const PlainRule> plainRules();
+std::span<const PlainRule> stripRules();
+std::span<const PlainRule> shapeRules();
+std::span<const PlainRule> warpRules();
+std::span<const PlainRule> blendRules();
+std::span<const PlainRule> plainRules();  ///< all of these
 
 }  // namespace tests
