@@ -11,7 +11,7 @@ struct PlainRule {
     const char* function;
     /// The output that is due for a scene at a position of a duration, both usable.
     Bytes (*draw)(const Scene& scene, double position, double duration);
-    double moment = 0.5;             ///< a position of 0..1 where something begins or ends
+    double moments[4] = {};          ///< positions of 0..1 where something begins or ends
     double lowest = 0, highest = 1;  ///< positions that the rule holds for
 };
 

@@ -28,8 +28,9 @@ Bytes linearWipe(const Scene& s, double position, double duration) {
 }
 
 constexpr PlainRule rules[] = {
-    {"TrLinearWipeUpDown", linearWipe<true>},
-    {"TrLinearWipeLeftRight", linearWipe<false>},
+    // The ramp ends at a quarter of the width: on a pixel, and many bytes of the others are whole.
+    {"TrLinearWipeUpDown", linearWipe<true>, {0.4570084954884587}},
+    {"TrLinearWipeLeftRight", linearWipe<false>, {0.4570084954884587}},
 };
 
 }  // namespace

@@ -165,19 +165,24 @@ Bytes zoom(const Scene& s, double position, double duration) {
 
 constexpr PlainRule rules[] = {
     {"TrRectZoomIn", rectZoom<true>},
-    {"TrRectZoomOut", rectZoom<false>, 1, 0, 3},
-    {"TrRoundZoomIn", roundZoom<true>, 0.9},
-    {"TrRoundZoomOut", roundZoom<false>, 0.1},
+    {"TrRectZoomOut", rectZoom<false>, {1}, 0, 3},
+    {"TrRoundZoomIn", roundZoom<true>, {0.9}},
+    {"TrRoundZoomOut", roundZoom<false>, {0.1}},
     {"TrRoundZoomIn2", roundZoomIn2},
     {"TrDiamondZoomIn", diamondZoom<true>},
     {"TrDiamondZoomOut", diamondZoom<false>},
     {"TrGridZoomIn", gridZoom<true>},
     {"TrGridZoomOut", gridZoom<false>},
-    {"TrCirqueZoomIn", cirqueZoom, 0.999},
-    {"TrSweepClockwise", sweep<true>, 0.7477582334787556},  // the soft edge begins to be squeezed
-    {"TrSweepAntiClockwise", sweep<false>, 0.7477582334787556},
-    {"TrWind", pinwheel, 0.1973166},
-    {"TrZoom", zoom, 0.06},
+    {"TrCirqueZoomIn", cirqueZoom, {0.999}},
+    // The soft edge begins to be squeezed, and ends on a pixel right of the centre, left of it, up and left.
+    {"TrSweepClockwise",
+     sweep<true>,
+     {0.7477582334787556, 0.41826449763937423, 0.5916336292443983, 0.6519861437381266}},
+    {"TrSweepAntiClockwise",
+     sweep<false>,
+     {0.7477582334787556, 0.5916336356911052, 0.4182645037997431, 0.3622619888145901}},
+    {"TrWind", pinwheel, {0.19731639847568477}},
+    {"TrZoom", zoom, {0.06}},
 };
 
 }  // namespace

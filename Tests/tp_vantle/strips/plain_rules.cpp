@@ -209,7 +209,7 @@ Bytes deposit(const Scene& s, double position, double duration) {
 
 constexpr PlainRule rules[] = {
     {"TrRowVantle", rowVantle},
-    {"TrColVantle", colVantle},
+    {"TrColVantle", colVantle, {0.75}},
     {"TrCrossVantle", crossVantle},
     {"TrVerShutter", shutter<true>},
     {"TrHorShutter", shutter<false>},
