@@ -33,14 +33,10 @@ void forEachPixel(const Scene& s, const Draw& draw) {
         for (int x = 0; x < s.geometry.width; ++x) draw(x, y, s.offsetOf(x, y));
 }
 
-/// Puts `count` bytes of a picture row, from its byte `first` on, into `out`: by default all, with the
-/// padding.
+/// Puts `count` bytes of a picture row, from its byte `first` on, into `out`.
 inline void copyRow(const Scene& s, const Bytes& source, int y, Bytes& out, int first, int count) {
     const auto start = static_cast<std::ptrdiff_t>(s.offsetOf(0, y)) + first;
     std::copy_n(source.begin() + start, count, out.begin() + start);
-}
-inline void copyRow(const Scene& s, const Bytes& source, int y, Bytes& out) {
-    copyRow(s, source, y, out, 0, s.geometry.pitch);
 }
 
 /// `under` with the pixels (x, y) blended by `weightAt(x, y)`, where that is not `untouched`.

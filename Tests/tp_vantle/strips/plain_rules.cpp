@@ -93,7 +93,7 @@ Bytes split(const Scene& s, double position, double duration) {
 Bytes rowMerge(const Scene& s, double position, double duration) {
     const int h = s.geometry.height, half = left(h, position, duration) / 2;
     Bytes out = s.to;
-    for (int y = h / 2 - half; y < h / 2 + half; ++y) copyRow(s, s.from, y, out);
+    for (int y = h / 2 - half; y < h / 2 + half; ++y) copyRow(s, s.from, y, out, 0, s.geometry.pitch);
     return out;
 }
 
@@ -108,7 +108,7 @@ Bytes crossSplit(const Scene& s, double position, double duration) {
     const int columns = opened(w, position, duration) / 2, rows = opened(h, position, duration) / 2;
     const auto weight = [=](int x, int) { return shownIf(x >= w / 2 - columns && x < w / 2 + columns); };
     Bytes out = blended(s, s.from, weight, mix<4>);
-    for (int y = middle - rows + 1; y < middle + rows; ++y) copyRow(s, s.to, y, out);
+    for (int y = middle - rows + 1; y < middle + rows; ++y) copyRow(s, s.to, y, out, 0, s.geometry.pitch);
     return out;
 }
 

@@ -75,7 +75,7 @@ Bytes rowCosine(const Scene& s, double position, double duration) {
         const double phase = slides ? y * (halfTurn / rows) : static_cast<double>(y) / rows * halfTurn;
         const int advance = truncated((std::cos(phase) + 1) * columns * 0.5), n = std::min(advance, w);
         const int shownAt = (y & 4) != 0 ? w - n : 0;  // in from the right, or from the left
-        if (slides && advance >= w) copyRow(s, s.to, y, out);
+        if (slides && advance >= w) copyRow(s, s.to, y, out, 0, s.geometry.pitch);
         for (int x = shownAt; x < shownAt + n; ++x)
             if (slides)
                 std::memcpy(&out[s.offsetOf(x, y)],
