@@ -65,17 +65,17 @@ Bytes blind(const Scene& s, double position, double duration) {
     constexpr double shades[] = {0.9, 0.8, 0.7, 0.6, 0.6, 0.7, 0.8, 0.9};
     const int slat = truncated(s.geometry.width * 20.0 / 640.0);
     const double way = (s.geometry.width + 8 * slat) * eased(position, duration) / duration;
-    const int first = truncated(way - 8 * slat), edge = first + 4 * slat;
+    const int first = truncated(way - 8 * slat);
     Bytes out = blended(
-        s, s.before, [=](int x, int) { return x > edge ? 0 : 255; }, mix<4>);
-    forEachPixel(s, [&](int x, int, std::size_t at) {
-        if (x < first || x >= first + 8 * slat) return;
-        const double shade = shades[(x - first) / slat], open = shade * slat;
-        const int j = (x - first) % slat;
-        const bool black = x < edge ? j >= open : slat - open >= j;
-        for (std::size_t i = at; i < at + 3; ++i)
-            out[i] = static_cast<std::uint8_t>(black ? 0 : truncated(out[i] * shade));
-    });
+        s, s.before, [=](int x, int) { return x > first + 4 * slat ? 0 : 255; }, mix<4>);
+    for (int i = 0; i < 8; ++i)
+        for (int j = 0, x = first + i * slat; j < slat; ++j, ++x) {
+            const double open = shades[i] * slat;
+            const bool black = i < 4 ? j >= open : slat - open >= j;
+            for (int y = 0; y < s.geometry.height && x >= 0 && x < s.geometry.width; ++y)
+                for (std::size_t at = s.offsetOf(x, y), end = at + 3; at < end; ++at)
+                    out[at] = static_cast<std::uint8_t>(black ? 0 : truncated(out[at] * shades[i]));
+        }
     return out;
 }
 
