@@ -1,6 +1,7 @@
 // What each transition costs, in milliseconds per frame and in copies: how many times as long as copying
 // the frame it takes. A copy is timed before every drawing, so that a busy machine slows both down alike,
-// and the median of the ratios is kept.
+// and the median of the ratios is kept. With --against PLUGIN another build of the plug-in draws each frame
+// too, in turn, and a last column tells how many times as long as that one this one takes.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -8,7 +9,9 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Host/image.h"
@@ -65,33 +68,42 @@ struct Frames {
     vantle::Image inputs[2];
 };
 
-void run(benchmark::State& state, TransFunc* draw, const Size& size) {
+/// Draws with one transition, or with those of two plug-ins in turn.
+void run(benchmark::State& state, const std::vector<TransFunc*>& contenders, const Size& size) {
     static std::map<std::int32_t, Frames> framesByHeight;
     const Frames& frames = framesByHeight.try_emplace(size.height, size).first->second;
-    std::vector<double> ratios;
-    std::size_t input = 0;
+    std::vector<double> copies, against;
+    std::size_t turn = 0;
     for ([[maybe_unused]] auto _ : state) {
-        double copying = 0, drawing = 0;
+        double copying = 0, drawing[2] = {};
         for (const double position : positions) {
             TransParam param{};
             param.dDuration = 1.0;
             param.dPosition = position;
-            copying += secondsFor([&] { frames.copy(input); });
-            drawing += secondsFor(
-                [&] { draw(frames.out.get(), frames.inputs[0].get(), frames.inputs[1].get(), &param); });
-            input = 1 - input;
+            ++turn;
+            for (std::size_t i = 0; i < contenders.size(); ++i) {
+                const std::size_t which = (i + turn) % contenders.size();
+                const double copied = secondsFor([&] { frames.copy(turn % 2); });
+                drawing[which] += secondsFor([&] {
+                    contenders[which](frames.out.get(), frames.inputs[0].get(), frames.inputs[1].get(),
+                                      &param);
+                });
+                if (which == 0) copying += copied;
+            }
         }
-        ratios.push_back(drawing / copying);
-        state.SetIterationTime(drawing / std::size(positions));
+        copies.push_back(drawing[0] / copying);
+        if (contenders.size() > 1) against.push_back(drawing[0] / drawing[1]);
+        state.SetIterationTime(drawing[0] / std::size(positions));
     }
-    state.counters["copies"] = median(std::move(ratios));
+    state.counters["copies"] = median(std::move(copies));
+    if (!against.empty()) state.counters["against"] = median(std::move(against));
 }
 
 /// One line per transition and size; at the end, for each size, the median of all its transitions.
 class Table : public benchmark::BenchmarkReporter {
    public:
     bool ReportContext(const Context&) override {
-        print("transition", "ms/frame", "copies");
+        print("transition", "ms/frame", "copies", "against");
         return true;
     }
 
@@ -99,7 +111,9 @@ class Table : public benchmark::BenchmarkReporter {
         for (const Run& run : runs) {
             const std::string& name = run.run_name.function_name;
             const double copies = run.counters.at("copies");
-            print(name + " " + run.aggregate_name, fixed(run.GetAdjustedRealTime(), 3), fixed(copies, 2));
+            const auto against = run.counters.find("against");
+            print(name + " " + run.aggregate_name, fixed(run.GetAdjustedRealTime(), 3), fixed(copies, 2),
+                  against != run.counters.end() ? fixed(against->second, 3) : "");
             if (run.run_type == Run::RT_Iteration)
                 copiesBySize_[name.substr(name.find('/') + 1)].push_back(copies);
         }
@@ -117,8 +131,9 @@ class Table : public benchmark::BenchmarkReporter {
         return text;
     }
 
-    static void print(const std::string& name, const std::string& time, const std::string& copies) {
-        std::printf("%-40s %10s %8s\n", name.c_str(), time.c_str(), copies.c_str());
+    static void print(const std::string& name, const std::string& time, const std::string& copies,
+                      const std::string& against = {}) {
+        std::printf("%-40s %10s %8s %8s\n", name.c_str(), time.c_str(), copies.c_str(), against.c_str());
         std::fflush(stdout);
     }
 
@@ -129,17 +144,25 @@ class Table : public benchmark::BenchmarkReporter {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    const bool compares = argc == 3 && argv[1] == std::string_view("--against");
+    if (!compares && benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     const vantle::Plugin plugin(PLUGIN_PATH);
+    std::optional<vantle::Plugin> other;
+    if (compares) other.emplace(argv[2]);
     for (const Size& size : sizes)
-        for (const vantle::Transition& transition : plugin.transitions())
+        for (const vantle::Transition& transition : plugin.transitions()) {
+            std::vector<TransFunc*> contenders{transition.draw};
+            if (other)
+                for (const vantle::Transition& same : other->transitions())
+                    if (same.function == transition.function) contenders.push_back(same.draw);
             if (transition.draw != nullptr)
                 benchmark::RegisterBenchmark(
                     (transition.function + "/" + size.text()).c_str(),
-                    [draw = transition.draw, size](benchmark::State& state) { run(state, draw, size); })
+                    [contenders, size](benchmark::State& state) { run(state, contenders, size); })
                     ->UseManualTime()
                     ->MinTime(secondsPerBenchmark)
                     ->Unit(benchmark::kMillisecond);
+        }
     Table table;
     benchmark::RunSpecifiedBenchmarks(&table);
 }

@@ -6,20 +6,19 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
 #include "Host/error.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/transitions.h"
 
 namespace vantle {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// Transitions that a plug-in may export without a catalogue record.
-constexpr const char* uncatalogued[] = {"TrCrossSplit2", "TrRoundZoomIn2", "TrCirqueZoomIn"};
 
 fs::path installedPlugin() {
     const fs::path bin = fs::read_symlink("/proc/self/exe").parent_path();
@@ -28,11 +27,14 @@ fs::path installedPlugin() {
     return bin / VANTLE_LIB_FROM_BIN / "libtp_vantle.so";
 }
 
-// Catalogue texts are ASCII; anything else a plug-in might hold shows as a question mark.
-std::string narrow(const wchar_t* text) {
-    std::string result;
-    for (; *text != L'\0'; ++text) result += *text < 0x80 ? static_cast<char>(*text) : '?';
-    return result;
+/// The text in a field of a record. What is no printable ASCII shows as a question mark; a field that is full
+/// to its end, without a terminator, is read no further.
+template <std::size_t size>
+std::string textIn(const wchar_t (&field)[size]) {
+    std::string text;
+    for (const wchar_t* unit = field; unit != std::end(field) && *unit != L'\0'; ++unit)
+        text += *unit >= L' ' && *unit <= L'~' ? static_cast<char>(*unit) : '?';
+    return text;
 }
 
 std::string lower(std::string_view text) {
@@ -57,6 +59,12 @@ std::string functionName(TransFunc* function) {
         abi::__cxa_demangle(info.dli_sname, nullptr, nullptr, &status), &std::free);
     const std::string whole = name ? name.get() : info.dli_sname;
     return whole.substr(0, whole.find('('));
+}
+
+/// A plug-in's records do not hold it.
+std::string familyOf(std::string_view function) {
+    const auto* const row = std::ranges::find(transitionRows, function, &TransitionRow::function);
+    return row != std::end(transitionRows) ? row->family : "other";
 }
 
 /// Edits (insert, delete, replace) that turn one text into the other: the Levenshtein distance.
@@ -88,13 +96,22 @@ Plugin::Plugin(const fs::path& library) {
         throw Error(path.string() + " is not a transition plug-in: it lacks the catalogue's entry points");
 
     for (std::int32_t index = 0; index < count(); ++index) {
-        const TransInfo& info = *record(index);
-        transitions_.push_back({index, narrow(info.szName), functionName(info.pfnTransition),
-                                narrow(info.szGuid), info.pfnTransition});
+        const TransInfo* const info = record(index);
+        if (info == nullptr)
+            throw Error(path.string() + " counts " + std::to_string(count()) +
+                        " transitions, but has no record " + std::to_string(index));
+        const std::string function = functionName(info->pfnTransition);
+        transitions_.push_back({index, textIn(info->szName), function, familyOf(function),
+                                textIn(info->szGuid), info->pfnTransition});
     }
-    for (const std::string function : uncatalogued)
-        if (void* const draw = symbol(mangled(function)); draw != nullptr)
-            transitions_.push_back({{}, {}, function, {}, reinterpret_cast<TransFunc*>(draw)});
+    for (const TransitionRow& row : transitionRows) {
+        const bool catalogued =
+            std::ranges::find(transitions_, row.function, &Transition::function) != transitions_.end();
+        void* const draw = catalogued ? nullptr : symbol(mangled(row.function));
+        if (draw != nullptr)
+            transitions_.push_back(
+                {{}, {}, row.function, row.family, {}, reinterpret_cast<TransFunc*>(draw)});
+    }
 }
 
 void* Plugin::symbol(const std::string& name) const { return dlsym(library_.get(), name.c_str()); }

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/contract.h"
+#include "catalogue/contract.h"
 
 namespace vantle {
 
@@ -19,6 +19,7 @@ struct Transition {
     std::optional<std::int32_t> index;  ///< place in the catalogue; none for those only exported by name
     std::string name;                   ///< display name; empty without a catalogue record
     std::string function;               ///< name of the function that draws it; empty while there is none
+    std::string family;                 ///< "strips", "shapes", "warps", "blends"; "other" when not known
     std::string guid;                   ///< empty without a catalogue record
     TransFunc* draw = nullptr;          ///< null when this build of the plug-in does not have it
 };
@@ -26,7 +27,7 @@ struct Transition {
 class Plugin {
    public:
     /// Loads the plug-in at `library`, or the one installed with this program when that is empty. Throws
-    /// Error when it cannot be loaded or lacks the entry points.
+    /// Error when it cannot be loaded, lacks the entry points or has fewer records than it counts.
     explicit Plugin(const std::filesystem::path& library = {});
 
     /// The catalogue in its order, then the transitions that are exported without a record.

@@ -1,5 +1,5 @@
 // What holds for all transitions alike, whatever they draw.
-#include <dlfcn.h>
+#include <pthread.h>
 
 #include <climits>
 #include <cmath>
@@ -10,12 +10,6 @@
 #include "frames.h"
 
 using namespace tests;
-
-// A host's accessors need not survive a null handle: here the library gets to hear of one.
-VANTLE_API std::uint8_t* DIGetBits(DIImage image) {
-    EXPECT_NE(image, nullptr) << "an accessor was asked for the pixels of no frame";
-    return reinterpret_cast<decltype(&DIGetBits)>(dlsym(RTLD_NEXT, "DIGetBits"))(image);
-}
 
 // Odd and even sizes from one pixel on; rows without padding, with some, and no multiple of a pixel long.
 constexpr Geometry geometries[] = {{1, 1, 4},     {1, 1, 9},     {2, 2, 8},       {3, 101, 12},
@@ -178,4 +172,26 @@ TEST_P(EveryTransition, DrawsTheSameInSeveralThreadsAtOnce) {
         });
     threads.clear();
     EXPECT_EQ(wrong, std::vector<int>(4)) << "frames drawn differently, thread by thread";
+}
+
+// Hosts draw in threads with small stacks. One that is too small for an effect ends the test program.
+TEST_P(EveryTransition, NeedsAtMost64KiBOfStack) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return;  // their own needs are larger
+#endif
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, (64 << 10) + sysconf(_SC_THREAD_STACK_MIN)), 0);
+    for (const Geometry& g : {Geometry{320, 180, 1280}, {8203, 12, 32812}}) {
+        Scene scene(g);
+        std::function<void()> work = [&] {
+            for (const double t : {0.1, 0.505, 0.9}) scene.draw(draw, t);
+        };
+        const auto run = [](void* data) -> void* {
+            return (*static_cast<std::function<void()>*>(data))(), nullptr;
+        };
+        pthread_t thread{};
+        ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+        pthread_join(thread, nullptr);
+    }
 }

@@ -1,11 +1,15 @@
 /// What the tests of all transitions must know of each one.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "Host/plugin.h"
+#include "catalogue/transitions.h"
 
 namespace tests {
 
@@ -30,7 +34,6 @@ inline constexpr const char* other = "";
 
 struct Traits {
     const char* function;
-    const char* name;  ///< in the catalogue; empty for those exported without a record
     Padding padding = Padding::from;
     const char* first = "f";  ///< what every pixel is at position 0, in the letters of Scene::row
     const char* last = "t";   ///< and at the end
@@ -42,53 +45,59 @@ struct Traits {
 
 inline void PrintTo(const Traits& traits, std::ostream* out) { *out << traits.function; }
 
-inline constexpr Traits transitionTable[] = {
-    {"TrRowVantle", "Row_vantle", Padding::opened},
-    {"TrColVantle", "Col_vantle", Padding::kept},
-    {"TrCrossVantle", "Cross_vantle"},
-    {"TrRowSplit", "Row_split", Padding::from, "f", "tf", 1, 2},
-    {"TrColSplit", "Col_split", Padding::from, "f", "t", 2, 1},
-    {"TrRowMerge", "Row_merge", Padding::shown, other},
-    {"TrColMerge", "Col_merge", Padding::from, other},
-    {"TrCrossSplit", "Cross_split", Padding::shown, "f", other},
-    {"TrCrossMerge", "Cross_merge", Padding::from, other, "tf"},
-    {"TrSkewLeftSplit", "Skew_right_split", Padding::from, "f", "d"},
-    {"TrSkewRightSplit", "Skew_left_split", Padding::from, "f", "df"},
-    {"TrSkewLeftMerge", "Skew_left_merge", Padding::from, "f", "df"},
-    {"TrSkewRightMerge", "Skew_right_merge", Padding::from, "f", "df"},
-    {"TrRollClockwise", "Roll_clockwise", Padding::from, "f", "t", 1, 1, Outside::formula},
-    {"TrRollAntiClockwise", "Roll_anti_clockwise", Padding::from, "f", "tf", 1, 1, Outside::formula, true},
-    {"TrVerShutter", "Vertical_shutter", Padding::from, "f", "tf"},
-    {"TrHorShutter", "Horizontal_shutter", Padding::from, "f", "tf"},
-    {"TrCrossShutter1", "Cross_shutter_1"},
-    {"TrCrossShutter2", "Cross_shutter_2"},
-    {"TrDepositUp", "Deposit_up", Padding::from, "f", "tf"},
-    {"TrRowCosVantle", "Row_cos_vantle", Padding::from, "f", "tf", 1, 1, Outside::ends, true},
-    {"TrRowCosSlide", "Row_cos_slide", Padding::shown, "f", "t", 1, 1, Outside::ends, true},
-    {"TrRowSplit2", "Row_split_2", Padding::kept, "fk", "tk"},
-    {"TrColSplit2", "Col_split_2", Padding::shown},
-    {"TrTopple", "Topple", Padding::kept, "f", "t", 1, 1, Outside::ends, true},
-    {"TrBlind", "Blind_1", Padding::kept, "f", other, 32, 1},
-    {"TrRectZoomIn", "Rect_zoom_in", Padding::from, other, "df"},
-    {"TrRectZoomOut", "Rect_zoom_out", Padding::from, "f", other, 1, 1, Outside::onward},
-    {"TrRoundZoomIn", "Round_zoom_out", Padding::from, "f", other},
-    {"TrRoundZoomOut", "Round_zoom_in", Padding::shown, other},
-    {"TrDiamondZoomIn", "Diamond_zoom_in", Padding::shown},
-    {"TrDiamondZoomOut", "Diamond_zoom_out", Padding::shown},
-    {"TrGridZoomIn", "Grid_zoom_in", Padding::from, "f", "tf"},
-    {"TrGridZoomOut", "Grid_zoom_out", Padding::shown},
-    {"TrSweepClockwise", "sweep_clockwise", Padding::from, "f", "tf"},
-    {"TrSweepAntiClockwise", "sweep_anti_clockwise", Padding::from, "f", "tf"},
-    {"TrWind", "Pinwheel"},
-    {"TrZoom", "Zoom", Padding::kept, "fk", "tk"},
-    {"TrTwrl", "Twrl", Padding::untilEnd, other},
-    {"TrLinearWipeUpDown", "Linear Wipe Down", Padding::from, "f", other},
-    {"TrLinearWipeLeftRight", "Linear Wipe Right"},
-    {"TrFadeNew", "Dissolve 2"},
-    {"TrRoundZoomIn2", "", Padding::kept, "fk", "tk"},
-    {"TrCirqueZoomIn", "", Padding::shown, other},
-    {"TrCrossSplit2", "", Padding::kept, "fk", "tk"},
+/// Those that differ in anything from what most have in common.
+inline constexpr Traits differing[] = {
+    {"TrRowVantle", Padding::opened},
+    {"TrColVantle", Padding::kept},
+    {"TrRowSplit", Padding::from, "f", "tf", 1, 2},
+    {"TrColSplit", Padding::from, "f", "t", 2, 1},
+    {"TrRowMerge", Padding::shown, other},
+    {"TrColMerge", Padding::from, other},
+    {"TrCrossSplit", Padding::shown, "f", other},
+    {"TrCrossMerge", Padding::from, other, "tf"},
+    {"TrSkewLeftSplit", Padding::from, "f", "d"},
+    {"TrSkewRightSplit", Padding::from, "f", "df"},
+    {"TrSkewLeftMerge", Padding::from, "f", "df"},
+    {"TrSkewRightMerge", Padding::from, "f", "df"},
+    {"TrRollClockwise", Padding::from, "f", "t", 1, 1, Outside::formula},
+    {"TrRollAntiClockwise", Padding::from, "f", "tf", 1, 1, Outside::formula, true},
+    {"TrVerShutter", Padding::from, "f", "tf"},
+    {"TrHorShutter", Padding::from, "f", "tf"},
+    {"TrDepositUp", Padding::from, "f", "tf"},
+    {"TrRowCosVantle", Padding::from, "f", "tf", 1, 1, Outside::ends, true},
+    {"TrRowCosSlide", Padding::shown, "f", "t", 1, 1, Outside::ends, true},
+    {"TrRowSplit2", Padding::kept, "fk", "tk"},
+    {"TrColSplit2", Padding::shown},
+    {"TrTopple", Padding::kept, "f", "t", 1, 1, Outside::ends, true},
+    {"TrBlind", Padding::kept, "f", other, 32, 1},
+    {"TrRectZoomIn", Padding::from, other, "df"},
+    {"TrRectZoomOut", Padding::from, "f", other, 1, 1, Outside::onward},
+    {"TrRoundZoomIn", Padding::from, "f", other},
+    {"TrRoundZoomOut", Padding::shown, other},
+    {"TrDiamondZoomIn", Padding::shown},
+    {"TrDiamondZoomOut", Padding::shown},
+    {"TrGridZoomIn", Padding::from, "f", "tf"},
+    {"TrGridZoomOut", Padding::shown},
+    {"TrSweepClockwise", Padding::from, "f", "tf"},
+    {"TrSweepAntiClockwise", Padding::from, "f", "tf"},
+    {"TrZoom", Padding::kept, "fk", "tk"},
+    {"TrTwrl", Padding::untilEnd, other},
+    {"TrLinearWipeUpDown", Padding::from, "f", other},
+    {"TrRoundZoomIn2", Padding::kept, "fk", "tk"},
+    {"TrCirqueZoomIn", Padding::shown, other},
+    {"TrCrossSplit2", Padding::kept, "fk", "tk"},
 };
+
+/// All transitions that there are: one that has nothing special about it needs no row here.
+inline constexpr auto transitionTable = [] {
+    std::array<Traits, std::size(vantle::transitionRows)> table{};
+    std::ranges::transform(vantle::transitionRows, table.begin(), [](const vantle::TransitionRow& row) {
+        for (const Traits& traits : differing)
+            if (row.function == std::string_view(traits.function)) return traits;
+        return Traits{.function = row.function};
+    });
+    return table;
+}();
 
 /// The built plug-in, loaded once and never unloaded: so long it keeps the order of its dissolve.
 inline const vantle::Plugin& plugin() {

@@ -17,6 +17,7 @@ TEST_F(Command, ListsTheCatalogue) {
     EXPECT_EQ(rows[1], (nlohmann::json{{"index", 1},
                                        {"name", "Col_vantle"},
                                        {"function", "TrColVantle"},
+                                       {"family", "strips"},
                                        {"guid", "25045AAA-9ACA-445c-B24C-21052C9B8D27"}}));
     EXPECT_NE(vantle("list").text().find("TrColVantle"), std::string::npos);
 }
@@ -171,7 +172,7 @@ TEST_F(Command, WorksInstalledAndServesOtherHosts) {
         0);
     EXPECT_EQ(
         shell(in("cd there && find . ! -type d | LC_ALL=C sort")).text(),
-        "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/frame/contract.h\n"
+        "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/catalogue/contract.h\n"
         "./" LIBDIR
         "/libtp_vantle.so\n./lib/pkgconfig/tp_vantle.pc\n"
         "./" LIBDIR "/vantle/libBrix_ImageProc.so\n./" LIBDIR "/vantle/libQeltLogger.so\n");

@@ -25,24 +25,26 @@ void listJson(const Plugin& plugin) {
         row["index"] = transition.index ? nlohmann::ordered_json(*transition.index) : nullptr;
         row["name"] = orNull(transition.name);
         row["function"] = orNull(transition.function);
+        row["family"] = transition.family;
         row["guid"] = orNull(transition.guid);
         rows.push_back(row);
     }
     std::puts(rows.dump(2).c_str());
 }
 
-/// Writes index, name, function and GUID of every transition to standard output.
+/// Writes index, name, function, family and GUID of every transition to standard output.
 void list(const std::filesystem::path& plugin, bool json) {
     const Plugin loaded(plugin);
     if (json) {
         listJson(loaded);
         return;
     }
-    std::printf("%5s  %-21s %-22s %s\n", "INDEX", "NAME", "FUNCTION", "GUID");
+    std::printf("%5s  %-21s %-22s %-7s %s\n", "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID");
     for (const Transition& transition : loaded.transitions())
-        std::printf("%5s  %-21s %-22s %s\n",
+        std::printf("%5s  %-21s %-22s %-7s %s\n",
                     transition.index ? std::to_string(*transition.index).c_str() : "-",
-                    orDash(transition.name), orDash(transition.function), orDash(transition.guid));
+                    orDash(transition.name), orDash(transition.function), transition.family.c_str(),
+                    orDash(transition.guid));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "frame/contract.h"
+#include "catalogue/contract.h"
 
 extern "C" {
 

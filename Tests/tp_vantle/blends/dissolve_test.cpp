@@ -8,14 +8,19 @@
 using namespace tests;
 
 static bool memoryIsShort = false;
+static std::vector<long> traffic;  // of arrays: bytes asked for, and 0 for a release
 
 // The library's arrays come from here.
 VANTLE_API void* operator new[](std::size_t size) {
+    traffic.push_back(static_cast<long>(size));
     if (memoryIsShort) throw std::bad_alloc();
     return ::operator new(size);
 }
-VANTLE_API void operator delete[](void* array) noexcept { ::operator delete(array); }
-VANTLE_API void operator delete[](void* array, std::size_t) noexcept { ::operator delete(array); }
+VANTLE_API void operator delete[](void* array) noexcept {
+    if (array != nullptr) traffic.push_back(0);
+    ::operator delete(array);
+}
+VANTLE_API void operator delete[](void* array, std::size_t) noexcept { ::operator delete[](array); }
 
 static Scene& dissolved(Scene& scene, double t, double duration = 1) {
     return scene.draw(transition("TrFadeNew"), t * duration, duration);
@@ -68,12 +73,30 @@ TEST(Dissolve, DrawsANewOrderForAnyOtherGeometry) {
     }
 }
 
-TEST(Dissolve, TriesAgainWhenItFoundNoMemory) {
-    Scene first({20, 10, 80}), second({20, 11, 80});
+TEST(Dissolve, HoldsOneArrayAndReplacesItBeforeThePixelsAreRead) {
+    using Traffic = std::vector<long>;
+    Scene first({20, 10, 80}), second({20, 11, 80}), bad({5, 4, 20});
+    const auto trafficOf = [](auto draw) { return traffic.clear(), draw(), std::exchange(traffic, {}); };
+    const auto under = [&](const Claim& out, const Claim& to = {}) {
+        return trafficOf([&] { bad.drawUnder({out, {}, to}, transition("TrFadeNew")); });
+    };
     dissolved(first, 0.5);
+    EXPECT_EQ(trafficOf([&] { dissolved(first, 0.7), dissolved(first, 0); }), Traffic{});
+    EXPECT_EQ(trafficOf([&] { dissolved(second, 0.5); }), (Traffic{0, 880}));
     memoryIsShort = true;
-    for (int i = 0; i < 2; ++i) EXPECT_THROW(dissolved(second, 0.5), std::bad_alloc);
+    EXPECT_EQ(trafficOf([&] { EXPECT_THROW(dissolved(first, 0.5), std::bad_alloc); }), (Traffic{0, 800}));
+    EXPECT_EQ(trafficOf([&] { EXPECT_THROW(dissolved(first, 0.5), std::bad_alloc); }), (Traffic{800}));
+    EXPECT_TRUE(std::equal(first.before.begin(), first.before.end(), first.buffers[0].get())) << "untouched";
     memoryIsShort = false;
-    EXPECT_EQ(shown(dissolved(second, 0.5)).size(), 110U);
-    EXPECT_EQ(shown(dissolved(first, 0.5)).size(), 100U);
+    EXPECT_EQ(trafficOf([&] { EXPECT_EQ(shown(dissolved(first, 0.5)).size(), 100U); }), (Traffic{800}));
+    EXPECT_EQ(under({.bits = false}), (Traffic{0, 80}));
+    EXPECT_EQ(under({.height = 3, .bitCount = 24}, {.handle = false}), (Traffic{0, 60}));
+    for (const Claim& none : {Claim{.handle = false}, {.pitch = 19}, {.height = 1 << 27}})
+        EXPECT_EQ(under(none), Traffic{});
+}
+
+TEST(Dissolve, EndsWholeWhereTheProductRoundsToOneLess) {
+    ASSERT_LT(28 * 67 * 0.7 / 0.7, 28 * 67);
+    Scene scene({28, 67, 112});
+    EXPECT_EQ(shown(dissolved(scene, 1, 0.7)).size(), 28U * 67U);
 }

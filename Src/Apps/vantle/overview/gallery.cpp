@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "output/staged_folder.h"
-#include "overview/families.h"
 #include "overview/page_files.h"
 #include "overview/sprite.h"
 #include "system/interrupt.h"
@@ -84,7 +83,7 @@ std::string data(const JoinOptions& options, const Overview& overview, const Spr
         const Transition& transition = overview.transitions()[i];
         rows.push_back({{"name", shownName(transition)},
                         {"function", transition.function},
-                        {"family", familyOf(transition.function)},
+                        {"family", transition.family},
                         {"sprite", spriteName(i)}});
     }
     // A file's name need not be text.

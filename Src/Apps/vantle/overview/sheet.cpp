@@ -12,7 +12,6 @@
 #include "output/picture_writer.h"
 #include "output/staged_file.h"
 #include "output/writer.h"
-#include "overview/families.h"
 
 namespace vantle {
 
@@ -117,7 +116,7 @@ av::Frame withTexts(av::Frame sheet, const Layout& layout, const Overview& overv
         const Transition& transition = overview.transitions()[i];
         const int middle = layout.y(i) + std::max(layout.thumbnail().height, text * 5 / 2) / 2;
         filters.push_back(write(shownName(transition), layout.nameX(i), middle - text * 2 / 3, text, dark));
-        filters.push_back(write(std::string(familyOf(transition.function)), layout.nameX(i),
+        filters.push_back(write(transition.family, layout.nameX(i),
                                 middle + text * 2 / 3, small, muted));
         for (std::size_t k = 0; layout.headsBlock(i) && k < positions.size(); ++k) {
             char label[16] = "";

@@ -1,58 +1,42 @@
-// Dissolve: the pixels of the incoming frame come one by one in a random order, which stays the same while
-// the geometry does. The only transition with a state: its calls must not overlap.
-#include <cstdlib>
-#include <ctime>
+#include "blends/dissolve.h"
 
-#include "frame/progress.h"
+#include <cstddef>
+
 #include "frame/rounding.h"
-#include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
-namespace {
+/// Lets go of the old order before it asks for memory, so that the two need not exist together.
+void Dissolve::renew(std::int32_t width, std::int32_t height, std::int32_t pitch) {
+    delete[] mask;
+    mask = nullptr;
+    mask_y_pitch = pitch;
+    mask_height = height;
+    maskCount = width * height;
+    curCountOfMask = 0;
+    mask = new std::uint32_t[static_cast<std::size_t>(maskCount)];
+}
 
-/// Fills `ranks` with the place of each of `count` pixels in a random order: the inverse of the permutation
-/// that a Fisher-Yates shuffle from the end leaves of the pixels in memory order, drawing rand() % m for
-/// m = count down to 1. Built in place by exchanging in the opposite order, from the first pixel on.
-void shuffle(std::uint32_t* ranks, std::int32_t count) {
-    std::srand(static_cast<unsigned>(std::time(nullptr)));
-    for (std::int32_t m = count; m >= 1; --m) ranks[m - 1] = static_cast<std::uint32_t>(std::rand() % m);
-    for (std::int32_t i = 0; i < count; ++i) {
-        std::uint32_t& exchanged = ranks[ranks[i]];
-        ranks[i] = exchanged;
+/// Turns what was drawn, an index below m for m = 1, 2, ..., into ranks: the inverse of the permutation that
+/// a Fisher-Yates shuffle from the end with these indices leaves of the pixels. Built in place by exchanging
+/// in the opposite order, from the first pixel on.
+void Dissolve::settle() {
+    for (std::int32_t i = 0; i < maskCount; ++i) {
+        std::uint32_t& exchanged = mask[mask[i]];
+        mask[i] = exchanged;
         exchanged = static_cast<std::uint32_t>(i);
     }
 }
 
-}  // namespace
-
-/// Whole pixels. Throws std::bad_alloc when the order finds no memory; the next call tries again.
-VANTLE_API void TrFadeNew(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    static std::uint32_t* mask;  // ranks of the pixels, by memory order; kept until the library is unloaded
-    static std::int32_t maskCount;
-    static std::int32_t curCountOfMask;  // pixels of imgTo shown by the latest call
-    static std::int32_t mask_y_pitch;
-    static std::int32_t mask_height;
-
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t count = stage.width() * stage.height();
-    if (mask == nullptr || mask_y_pitch != stage.pitch() || mask_height != stage.height() ||
-        maskCount != count) {
-        delete[] mask;
-        mask = nullptr;
-        mask_y_pitch = stage.pitch();
-        mask_height = stage.height();
-        maskCount = count;
-        curCountOfMask = 0;
-        mask = new std::uint32_t[static_cast<std::size_t>(count)];
-        shuffle(mask, count);
-    }
-    curCountOfMask = truncated(Progress(param).linearPart(count));
-    const std::uint32_t* ranks = mask;
+void Dissolve::draw(const Stage& stage, const Progress& progress) {
+    // All at the end: there the product may round to one less.
+    curCountOfMask =
+        progress.position() == progress.duration() ? maskCount : truncated(progress.linearPart(maskCount));
     for (Row row : stage.rows()) {
-        row.chosen(ranks, static_cast<std::uint32_t>(curCountOfMask), stage.width());
+        const std::ptrdiff_t first = std::ptrdiff_t{stage.height() - 1 - row.y()} * stage.width();
+        row.chosen(mask + first, static_cast<std::uint32_t>(curCountOfMask), stage.width());
         row.fromRest();
-        ranks += stage.width();
     }
 }
+
+}  // namespace vantle

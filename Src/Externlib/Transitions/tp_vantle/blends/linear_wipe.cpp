@@ -2,11 +2,12 @@
 // travel.
 #include <cmath>
 
+#include "frame/crossing.h"
 #include "frame/progress.h"
 #include "frame/ramp.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -31,10 +32,8 @@ class Ramp {
 
 }  // namespace
 
-VANTLE_API void TrLinearWipeUpDown(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Ramp ramp(stage.width(), Progress(param).eased());
+void linearWipeUpDown(const Stage& stage, const Progress& progress) {
+    const Ramp ramp(stage.width(), progress.eased());
     for (Row row : stage.rows()) {
         const float share = ramp.shareAt(row.y());
         if (share == 0.0F)
@@ -45,29 +44,27 @@ VANTLE_API void TrLinearWipeUpDown(DIImage imgOut, DIImage imgFrom, DIImage imgT
     }
 }
 
-VANTLE_API void TrLinearWipeLeftRight(DIImage imgOut, DIImage imgFrom, DIImage imgTo,
-                                      const TransParam* param) {
-    constexpr std::int32_t tile = 4096;  // columns whose shares are worked out at a time, for every row
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void linearWipeLeftRight(const Stage& stage, const Progress& progress) {
+    constexpr std::int32_t tile = 2048;  // columns whose shares are worked out at a time, for every row
     const std::int32_t width = stage.width();
-    const Ramp ramp(width, Progress(param).eased());
-    std::int32_t first = 0;
+    const Ramp ramp(width, progress.eased());
+    const std::int32_t gone = crossing(0, width, [&](std::int32_t x) { return ramp.shareAt(x) > 0.0F; });
+    const std::int32_t kept = crossing(gone, width, [&](std::int32_t x) { return ramp.shareAt(x) >= 1.0F; });
+    std::int32_t first = gone;
     do {
-        const std::int32_t end = std::min(first + tile, width);
+        const std::int32_t end = std::min(first + tile, kept);
         Share shares[tile];
-        std::int32_t gone = first;  // columns of the ramp: gone to end of `shares` that is used
-        std::int32_t kept = first;
-        for (std::int32_t x = first; x < end; ++x) {
-            const float share = ramp.shareAt(x);
-            shares[x - first] = Share(share);
-            if (share == 0.0F) gone = x + 1;
-            if (share < 1.0F) kept = x + 1;
-        }
+        for (std::int32_t x = first; x < end; ++x) shares[x - first] = Share(ramp.shareAt(x));
         for (Row row : stage.rows()) {
-            row.skip(first).to(gone).fade(shares, first, kept).from(end);
-            if (end == width) row.fromRest();
+            if (first == gone)
+                row.to(gone);
+            else
+                row.skip(first);
+            row.fade(shares, first, end);
+            if (end == kept) row.fromRest();
         }
         first = end;
-    } while (first < width);
+    } while (first < kept);
 }
+
+}  // namespace vantle

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/contract.h"
+#include "catalogue/contract.h"
 
 /// One transition. The texts are NUL-terminated and their fields zero to the end; the layout is part of the
 /// binary interface.
@@ -21,8 +21,8 @@ static_assert(offsetof(TransInfo, szName) == 4 && offsetof(TransInfo, pfnTransit
 
 extern "C" {
 
-/// The catalogue. Static data, valid while the library is loaded.
-VANTLE_API extern const TransInfo g_arTransInfo[42];
+/// The catalogue, `GetTransCount()` records. Static data, valid while the library is loaded.
+VANTLE_API extern const TransInfo g_arTransInfo[];
 
 /// The library's type, "vantle type".
 VANTLE_API const char* GetTransType();

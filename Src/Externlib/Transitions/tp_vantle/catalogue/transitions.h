@@ -1,20 +1,19 @@
-/// Every transition function of the library, family by family.
+/// The transitions there are, for programs that list them: names alone, no code of theirs is linked.
 #pragma once
 
-#include "frame/contract.h"
+namespace vantle {
 
-// strips/
-TransFunc TrRowVantle, TrColVantle, TrCrossVantle;
-TransFunc TrVerShutter, TrHorShutter, TrCrossShutter1, TrCrossShutter2, TrBlind;
-TransFunc TrRowSplit, TrColSplit, TrRowMerge, TrColMerge, TrCrossSplit, TrCrossMerge;
-TransFunc TrRowSplit2, TrColSplit2;
-TransFunc TrSkewLeftSplit, TrSkewRightSplit, TrSkewLeftMerge, TrSkewRightMerge, TrDepositUp;
-// shapes/
-TransFunc TrRectZoomIn, TrRectZoomOut, TrRoundZoomIn, TrRoundZoomOut, TrDiamondZoomIn, TrDiamondZoomOut;
-TransFunc TrGridZoomIn, TrGridZoomOut, TrSweepClockwise, TrSweepAntiClockwise, TrWind, TrZoom;
-// warps/
-TransFunc TrRollClockwise, TrRollAntiClockwise, TrTopple, TrTwrl, TrRowCosVantle, TrRowCosSlide;
-// blends/
-TransFunc TrFadeNew, TrLinearWipeUpDown, TrLinearWipeLeftRight;
-// Exported by name, without a record in the catalogue.
-TransFunc TrCrossSplit2, TrRoundZoomIn2, TrCirqueZoomIn;
+/// One transition. `name` and `guid` are empty for those that have no record in the catalogue.
+struct TransitionRow {
+    const char* function;  ///< exported name, without its parameters
+    const char* family;    ///< "strips", "shapes", "warps" or "blends"
+    const char* name;      ///< display name
+    const char* guid;
+};
+
+inline constexpr TransitionRow transitionRows[] = {
+#define TRANSITION(function, effect, family, name, guid) {#function, #family, name, guid},
+#include "catalogue/transitions.inc"
+};
+
+}  // namespace vantle

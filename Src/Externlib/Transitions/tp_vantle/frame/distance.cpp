@@ -1,6 +1,7 @@
 #include "frame/distance.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "frame/multiversion.h"
@@ -8,6 +9,9 @@
 namespace vantle {
 
 namespace {
+
+using Word [[gnu::may_alias, gnu::aligned(1)]] = std::int32_t;
+static_assert(std::endian::native == std::endian::little);  // its first byte is its lowest
 
 constexpr std::int32_t tile = 256;
 constexpr std::uint32_t beyond = 1U << 30;  // the square of a distance past any table
@@ -17,7 +21,7 @@ template <DistanceRounding rounding>
 VANTLE_INLINE void look(Weight* weights, std::int32_t dx, std::int32_t dy, std::int32_t count,
                         const DistanceTable& table) {
     const auto down = static_cast<std::uint32_t>(dy) * static_cast<std::uint32_t>(dy);
-    const Weight* const weightAt = table.weights();
+    const std::uint8_t* const weightAt = table.weights();
     const std::int32_t last = table.last();
     for (std::int32_t first = 0; first < count; first += tile) {
         const std::int32_t pixels = std::min(tile, count - first);
@@ -36,7 +40,9 @@ VANTLE_INLINE void look(Weight* weights, std::int32_t dx, std::int32_t dy, std::
             distance += square > highest ? 1 : 0;
             distances[i] = std::min(distance, last);
         }
-        for (std::int32_t i = 0; i < pixels; ++i) weights[first + i].halves = weightAt[distances[i]].halves;
+        // Four bytes for one: what processors gather is words.
+        for (std::int32_t i = 0; i < pixels; ++i)
+            weights[first + i] = Weight(*reinterpret_cast<const Word*>(weightAt + distances[i]) & 0xFF);
     }
 }
 

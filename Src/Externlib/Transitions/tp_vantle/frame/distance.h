@@ -12,21 +12,26 @@ namespace vantle {
 enum class DistanceRounding : std::uint8_t { truncated, nearest };
 
 /// Weights that depend on the distance alone, worked out once for distances 0 to `count` - 1. Those beyond
-/// the table, which only frames of more than 2^31 squared pixels of diagonal have, weigh as its last.
+/// the table, which only frames of more than 2^31 squared pixels of diagonal have, weigh as its last. Kept as
+/// bytes: it lies on the stack, and hosts draw in threads with small ones.
 class DistanceTable {
    public:
     template <typename WeightAt>
     DistanceTable(std::int32_t count, WeightAt weightAt) : last_(std::clamp(count, 1, size) - 1) {
         for (std::int32_t distance = 0; distance <= last_; ++distance)
-            weights_[distance] = Weight(weightAt(distance));
+            weights_[distance] = static_cast<std::uint8_t>(weightAt(distance));
+        std::fill_n(weights_ + last_ + 1, spare, std::uint8_t{0});
     }
     std::int32_t last() const { return last_; }
-    const Weight* weights() const { return weights_; }
+
+    /// The weights, and a few bytes after them: any may be read as a word.
+    const std::uint8_t* weights() const { return weights_; }
 
    private:
     static constexpr std::int32_t size = 1 << 15;
+    static constexpr std::int32_t spare = 3;
     std::int32_t last_;
-    Weight weights_[size];
+    std::uint8_t weights_[size + spare];
 };
 
 /// weights[i] = the table's weight for the whole distance of the point (dx + i, dy) from the origin.
@@ -41,7 +46,7 @@ std::int32_t wholeRoot(std::int64_t square);
 template <typename Draw>
 void drawByDistance(Row& row, std::int32_t centre, std::int32_t dy, std::int32_t end,
                     DistanceRounding rounding, const DistanceTable& table, Draw draw) {
-    constexpr std::int32_t stretch = 4096;
+    constexpr std::int32_t stretch = 1024;
     Weight weights[stretch];
     while (row.x() < end) {
         const std::int32_t stretchEnd = std::min(row.x() + stretch, end);

@@ -1,9 +1,12 @@
 /// Compiles a function for several levels of the processor; the one that fits is chosen at load time. The
-/// result is the same on all: integer arithmetic, or IEEE operations one by one.
+/// result is the same on all: integer arithmetic, or IEEE operations one by one. The choice is the C
+/// library's to make when it loads a library, which not every one can.
 #pragma once
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
-    !defined(__SANITIZE_THREAD__)
+#include <cstdlib>  // any header of the C library tells whether it is glibc
+
+#if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #else
 #define VANTLE_MULTIVERSION

@@ -1,12 +1,16 @@
 #include "frame/pixels.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "frame/multiversion.h"
 
 namespace vantle {
 
 namespace {
+
+// The loops take byte 0 of a pixel for the lowest of a word, and byte 3 for the highest.
+static_assert(std::endian::native == std::endian::little);
 
 // Pixels as the loops see them; rows may start at any byte.
 using Word [[gnu::may_alias, gnu::aligned(1)]] = std::uint32_t;  // a pixel

@@ -2,25 +2,37 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "frame/rounding.h"
 
 namespace vantle {
 
-Progress::Progress(const TransParam* param, Range range) {
-    if (param == nullptr) return;
-    const double duration = param->dDuration;
-    const double position = param->dPosition;
+namespace {
+
+constexpr double unlimited = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+Progress::Progress(double duration, double position) : Progress(duration, position, 0.0, duration) {}
+
+Progress::Progress(double duration, double position, double lowest, double highest)
+    : givenDuration_(duration), givenPosition_(position) {
     if (!(std::isfinite(duration) && duration > 0.0 && std::isfinite(position))) return;
     duration_ = duration;
-    position_ = range == Range::any ? position : std::max(position, 0.0);
-    if (range == Range::within) position_ = std::min(position_, duration);
+    position_ = std::min(std::max(position, lowest), highest);
     // The easings take the third power of the duration: outside this range it leaves the doubles.
     if (duration < 1e-100 || duration > 1e100) {
         position_ /= duration_;
         duration_ = 1.0;
     }
 }
+
+Progress Progress::onward() const { return {givenDuration_, givenPosition_, 0.0, unlimited}; }
+
+Progress Progress::unbounded() const { return {givenDuration_, givenPosition_, -unlimited, unlimited}; }
+
+bool Progress::ended() const { return givenPosition_ == givenDuration_ || position_ == duration_; }
 
 double Progress::easedPosition() const {
     const double d = duration_;
@@ -37,11 +49,5 @@ std::int32_t Progress::easedRemainder(double size) const {
 std::int32_t Progress::linearSize(double size) const { return rounded(linearPart(size)); }
 
 std::int32_t Progress::linearRemainder(double size) const { return rounded(linearLeftOf(size)); }
-
-bool hasEnded(const TransParam* param) {
-    if (param == nullptr) return false;
-    const Progress progress(param);
-    return param->dPosition == param->dDuration || progress.position() == progress.duration();
-}
 
 }  // namespace vantle

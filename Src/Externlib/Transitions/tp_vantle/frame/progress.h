@@ -4,8 +4,6 @@
 
 #include <cstdint>
 
-#include "frame/contract.h"
-
 namespace vantle {
 
 inline constexpr double twoPi = 6.283185307179586;
@@ -17,17 +15,19 @@ constexpr double easeCubic(double u) {
 }
 
 /// Position and duration of one call, made safe: the duration is finite and above 0, the position within
-/// 0..duration. A record that is null or holds anything else stands for the nearest end, or the first frame.
+/// 0..duration. A position outside stands for the nearer end; values that are unusable, for the first frame.
 class Progress {
    public:
-    /// Which positions are drawn as they are; others stand for the nearest one that is.
-    enum class Range : std::uint8_t {
-        within,  ///< 0 to duration
-        onward,  ///< 0 and all above
-        any      ///< all
-    };
+    Progress(double duration, double position);
 
-    explicit Progress(const TransParam* param, Range range = Range::within);
+    /// The same with positions above the duration as they were given.
+    Progress onward() const;
+
+    /// The same with any usable position as it was given.
+    Progress unbounded() const;
+
+    /// True at the very end and beyond it, and wherever both values are given alike, usable or not.
+    bool ended() const;
 
     double duration() const { return duration_; }
 
@@ -70,11 +70,13 @@ class Progress {
     std::int32_t linearRemainder(double size) const;
 
    private:
+    /// Positions outside `lowest` to `highest` stand for the nearer of these.
+    Progress(double duration, double position, double lowest, double highest);
+
+    double givenDuration_;
+    double givenPosition_;
     double duration_ = 1.0;
     double position_ = 0.0;
 };
-
-/// True at the very end and beyond it, and wherever the record holds the same value twice, usable or not.
-bool hasEnded(const TransParam* param);
 
 }  // namespace vantle

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
-#include "frame/contract.h"
 #include "frame/pixels.h"
 
 namespace vantle {
@@ -32,10 +32,10 @@ class Row {
     Row& to(std::int32_t end) { return show(Source::to, end); }
 
     /// Pixels of `imgFrom` up to the last `count` pixels of the pitch (of the row, when it has no padding).
-    Row& fromAllBut(std::int32_t count) { return copy(Source::from, pitch_ - 4 * count); }
+    Row& fromAllBut(std::int32_t count) { return copy(Source::from, std::abs(pitch_) - 4 * count); }
 
     /// The rest of the row with its padding.
-    void showRest(Source source) { copy(source, pitch_); }
+    void showRest(Source source) { copy(source, std::abs(pitch_)); }
     void fromRest() { showRest(Source::from); }
     void toRest() { showRest(Source::to); }
 
@@ -111,7 +111,7 @@ class Row {
 
     /// Whole pixels of an input frame: the next one from picture column `columns[0]` and row `rows[0]`.
     Row& picked(Source source, const std::int32_t* columns, const std::int32_t* rows, std::int32_t end) {
-        const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // stored bottom-up: row 0 comes last
+        const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // from here to picture row 0
         if (const Run run = next(end); run.count > 0)
             pick(run.out, (source == Source::to ? to_ : from_) + top, columns, rows, -pitch_, run.count);
         return *this;
@@ -190,19 +190,19 @@ inline Row& Row::faded(const Samples& over, const Samples& under, float opacity,
     return *this;
 }
 
-/// The three frames of one call under the geometry of the output frame.
+/// The three frames of one call, which have one geometry. They are stored bottom-up when `pitch` is positive
+/// and top-down when it is negative; the picture drawn is the same.
 class Stage {
    public:
-    /// Reads the geometry and the pixel pointers; null handles are left alone.
-    Stage(DIImage imgOut, DIImage imgFrom, DIImage imgTo);
+    /// Frames of `width` x `height` pixels of 4 bytes, neither negative, whose rows lie `pitch` bytes apart,
+    /// at least 4 for each pixel. The pointers are to the first byte of each in memory, whichever row that is
+    /// of.
+    Stage(std::int32_t width, std::int32_t height, std::int32_t pitch, std::uint8_t* out,
+          const std::uint8_t* from, const std::uint8_t* to)
+        : width_(width), height_(height), pitch_(pitch), out_(out), from_(from), to_(to) {}
 
-    /// True when every frame is there and large enough for the output's geometry, which must be 32 bits
-    /// per pixel, rows of at least 4 bytes per pixel and below 2^31 bytes. Otherwise nothing may be drawn.
-    bool drawable() const;
-
-    std::int32_t width() const { return width_; }    ///< pixels, at least 0
-    std::int32_t height() const { return height_; }  ///< rows, at least 0
-    std::int32_t pitch() const { return pitch_; }    ///< bytes from one row to the next
+    std::int32_t width() const { return width_; }    ///< pixels
+    std::int32_t height() const { return height_; }  ///< rows
 
     class RowIterator;
     struct Rows;
@@ -210,43 +210,43 @@ class Stage {
     /// All rows of the picture, each once, in the order in which memory holds them.
     Rows rows() const;
 
-    /// Row `y` of the picture, 0 at the top. The only place that knows that frames are stored bottom-up.
+    /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
     Row row(std::int32_t y) const {
-        const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(height_ - 1 - y) * pitch_;
+        const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
         return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset};
     }
 
    private:
-    DIImage imgOut_;
-    DIImage imgFrom_;
-    DIImage imgTo_;
-    std::int32_t width_ = 0;
-    std::int32_t height_ = 0;
-    std::int32_t pitch_ = 0;
-    std::uint8_t* out_ = nullptr;
-    const std::uint8_t* from_ = nullptr;
-    const std::uint8_t* to_ = nullptr;
+    /// Where memory holds row `y`; and, the two being each other's mirror image, which row it holds there.
+    std::int32_t placeOf(std::int32_t y) const { return pitch_ < 0 ? y : height_ - 1 - y; }
+
+    std::int32_t width_;
+    std::int32_t height_;
+    std::int32_t pitch_;
+    std::uint8_t* out_;
+    const std::uint8_t* from_;
+    const std::uint8_t* to_;
 };
 
 class Stage::RowIterator {
    public:
-    RowIterator(const Stage& stage, std::int32_t y) : stage_(&stage), y_(y) {}
-    Row operator*() const { return stage_->row(y_); }
+    RowIterator(const Stage& stage, std::int32_t place) : stage_(&stage), place_(place) {}
+    Row operator*() const { return stage_->row(stage_->placeOf(place_)); }
     RowIterator& operator++() {
-        --y_;
+        ++place_;
         return *this;
     }
-    bool operator!=(const RowIterator& other) const { return y_ != other.y_; }
+    bool operator!=(const RowIterator& other) const { return place_ != other.place_; }
 
    private:
     const Stage* stage_;
-    std::int32_t y_;
+    std::int32_t place_;
 };
 
 struct Stage::Rows {
     const Stage& stage;
-    RowIterator begin() const { return {stage, stage.height() - 1}; }
-    RowIterator end() const { return {stage, -1}; }
+    RowIterator begin() const { return {stage, 0}; }
+    RowIterator end() const { return {stage, stage.height()}; }
 };
 
 inline Stage::Rows Stage::rows() const { return {*this}; }

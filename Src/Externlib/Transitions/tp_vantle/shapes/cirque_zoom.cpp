@@ -8,14 +8,11 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// Byte 3 stays.
-VANTLE_API void TrCirqueZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+void cirqueZoomIn(const Stage& stage, const Progress& progress) {
     constexpr std::int32_t rings = 15;
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
     const double t = progress.linear();
     if (t > 0.999) {
         for (Row row : stage.rows()) row.toRest();
@@ -56,3 +53,5 @@ VANTLE_API void TrCirqueZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
                 row.fromRest();
         });
 }
+
+}  // namespace vantle

@@ -6,7 +6,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -42,13 +42,13 @@ void draw(const Stage& stage, Source inside, std::int32_t reach) {
 }  // namespace
 
 /// The outgoing frame in a shrinking diamond.
-VANTLE_API void TrDiamondZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (stage.drawable()) draw(stage, Source::from, rounded(stage.width() * Progress(param).easedLeft()));
+void diamondZoomIn(const Stage& stage, const Progress& progress) {
+    draw(stage, Source::from, rounded(stage.width() * progress.easedLeft()));
 }
 
 /// The incoming frame in a growing diamond.
-VANTLE_API void TrDiamondZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (stage.drawable()) draw(stage, Source::to, rounded(stage.width() * Progress(param).eased()));
+void diamondZoomOut(const Stage& stage, const Progress& progress) {
+    draw(stage, Source::to, rounded(stage.width() * progress.eased()));
 }
+
+}  // namespace vantle

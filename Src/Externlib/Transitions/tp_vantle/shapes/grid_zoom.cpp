@@ -4,7 +4,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -31,10 +31,8 @@ struct Squares {
 }  // namespace
 
 /// Squares of the incoming frame grow from a pixel; byte 3 stays.
-VANTLE_API void TrGridZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const double t = Progress(param).linear();
+void gridZoomIn(const Stage& stage, const Progress& progress) {
+    const double t = progress.linear();
     const std::int32_t cell = cellSize(stage);
     const std::int32_t side = truncated(t * cell);
     const Squares squares(cell, side + side % 2);
@@ -47,10 +45,7 @@ VANTLE_API void TrGridZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
 }
 
 /// The outgoing frame shrinks into squares, to a pixel each; byte 3 stays but at the very end.
-VANTLE_API void TrGridZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
+void gridZoomOut(const Stage& stage, const Progress& progress) {
     const std::int32_t cell = cellSize(stage);
     const std::int32_t side = truncated(cell * progress.linearLeft());
     const Squares squares(cell, side - side % 2);
@@ -65,3 +60,5 @@ VANTLE_API void TrGridZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
         row.toColours(stage.width()).fromRest();
     }
 }
+
+}  // namespace vantle

@@ -5,14 +5,11 @@
 #include "frame/progress.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// Whole pixels. A pixel's angle is measured in whole pixels from the half-axis that its blade starts on.
-VANTLE_API void TrWind(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+void pinwheel(const Stage& stage, const Progress& progress) {
     constexpr double pi = 3.141592653589793;
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
     const double blade = progress.easedPosition() * pi / (progress.duration() + progress.duration());
     const std::int32_t width = stage.width();
     const std::int32_t centreColumn = width / 2;
@@ -46,3 +43,5 @@ VANTLE_API void TrWind(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tra
         row.fromRest();
     }
 }
+
+}  // namespace vantle

@@ -5,13 +5,10 @@
 #include "frame/progress.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// The outgoing frame in a shrinking rectangle; around it the incoming one, a level darker, byte 3 stays.
-VANTLE_API void TrRectZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
+void rectZoomIn(const Stage& stage, const Progress& progress) {
     const std::int32_t halfRows = progress.linearRemainder(stage.height()) / 2;
     const std::int32_t halfColumns = progress.linearRemainder(stage.width()) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
@@ -30,12 +27,10 @@ VANTLE_API void TrRectZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
 }
 
 /// The incoming frame in a growing rectangle, which past the end grows beyond the frame; byte 3 stays.
-VANTLE_API void TrRectZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param, Progress::Range::onward);
-    const std::int32_t halfRows = progress.linearSize(stage.height()) / 2;
-    const std::int32_t halfColumns = progress.linearSize(stage.width()) / 2;
+void rectZoomOut(const Stage& stage, const Progress& progress) {
+    const Progress grown = progress.onward();
+    const std::int32_t halfRows = grown.linearSize(stage.height()) / 2;
+    const std::int32_t halfColumns = grown.linearSize(stage.width()) / 2;
     const std::int32_t centreRow = stage.height() / 2;
     const std::int32_t centreColumn = stage.width() / 2;
     for (Row row : stage.rows()) {
@@ -44,3 +39,5 @@ VANTLE_API void TrRectZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
         row.fromRest();
     }
 }
+
+}  // namespace vantle

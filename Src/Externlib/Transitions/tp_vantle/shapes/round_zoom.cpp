@@ -7,7 +7,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -69,10 +69,8 @@ void drawRimmedDisc(const Stage& stage, std::int32_t radius, const DistanceTable
 }  // namespace
 
 /// "Round_zoom_out": a growing disc of the incoming frame, all bytes, in single precision.
-VANTLE_API void TrRoundZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linear());
+void roundZoomIn(const Stage& stage, const Progress& progress) {
+    const std::int32_t radius = truncated(largestRadius(stage) * progress.linear());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return rimWeight(radius - distance); });
     drawRimmedDisc(
@@ -81,10 +79,8 @@ VANTLE_API void TrRoundZoomIn(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
 }
 
 /// "Round_zoom_in": a shrinking disc of the outgoing frame over the incoming one, whose byte 3 stays.
-VANTLE_API void TrRoundZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t radius = truncated(largestRadius(stage) * Progress(param).linearLeft());
+void roundZoomOut(const Stage& stage, const Progress& progress) {
+    const std::int32_t radius = truncated(largestRadius(stage) * progress.linearLeft());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return 255 - rimWeight(radius - distance); });
     drawRimmedDisc(
@@ -97,10 +93,8 @@ VANTLE_API void TrRoundZoomOut(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
 
 /// A disc that grows to half the diagonal and shrinks again; in it the incoming frame's share grows with the
 /// distance from the centre. Byte 3 and the padding are not written.
-VANTLE_API void TrRoundZoomIn2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const double t = Progress(param).linear();
+void roundZoomIn2(const Stage& stage, const Progress& progress) {
+    const double t = progress.linear();
     const Source outside = t < 0.5 ? Source::from : Source::to;
     const std::int32_t limit = truncated((diagonal(stage) + 0.5) * (t < 0.5 ? t : 1.0 - t));
     const double scale = rounded(diagonal(stage) * 0.5);
@@ -118,3 +112,5 @@ VANTLE_API void TrRoundZoomIn2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
         },
         [=](Row& row, std::int32_t end) { row.colours(outside, Fourth::kept, end); });
 }
+
+}  // namespace vantle

@@ -7,7 +7,7 @@
 #include "frame/soft_edge.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -96,14 +96,13 @@ void draw(const Stage& stage, const Hand& hand) {
 }  // namespace
 
 /// Byte 3 stays.
-VANTLE_API void TrSweepClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (stage.drawable()) draw(stage, Clockwise(Progress(param).eased() * travel));
+void sweepClockwise(const Stage& stage, const Progress& progress) {
+    draw(stage, Clockwise(progress.eased() * travel));
 }
 
 /// Byte 3 stays.
-VANTLE_API void TrSweepAntiClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo,
-                                     const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (stage.drawable()) draw(stage, AntiClockwise(fullTurn - Progress(param).eased() * travel));
+void sweepAntiClockwise(const Stage& stage, const Progress& progress) {
+    draw(stage, AntiClockwise(fullTurn - progress.eased() * travel));
 }
+
+}  // namespace vantle

@@ -6,7 +6,7 @@
 #include "frame/progress.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -22,13 +22,10 @@ std::int32_t sourceOf(std::int32_t coordinate, std::int32_t centre, float scale)
 }  // namespace
 
 /// Byte 3 and the padding are not written.
-VANTLE_API void TrZoom(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void zoom(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const std::int32_t height = stage.height();
-    const Progress progress(param);
-    if (hasEnded(param)) {
+    if (progress.ended()) {
         for (Row row : stage.rows()) row.colours(Source::to, Fourth::kept, width);
         return;
     }
@@ -83,3 +80,5 @@ VANTLE_API void TrZoom(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tra
         }
     }
 }
+
+}  // namespace vantle

@@ -5,7 +5,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -27,12 +27,10 @@ constexpr ByteTable black{};
 }  // namespace
 
 /// Byte 3 and the padding are not shaded and not written, respectively.
-VANTLE_API void TrBlind(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void blind(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const std::int32_t slat = truncated(width * 20.0 / 640.0);
-    const std::int32_t start = truncated(Progress(param).easedPart(width + 8 * slat) - 8 * slat);
+    const std::int32_t start = truncated(progress.easedPart(width + 8 * slat) - 8 * slat);
     const std::int32_t middle = start + 4 * slat;
     for (Row row : stage.rows()) {
         row.to(start);
@@ -55,3 +53,5 @@ VANTLE_API void TrBlind(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tr
         row.from(width);
     }
 }
+
+}  // namespace vantle

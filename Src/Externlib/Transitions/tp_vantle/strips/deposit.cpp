@@ -4,19 +4,17 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// Byte 3 stays that of the outgoing frame.
-VANTLE_API void TrDepositUp(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void depositUp(const Stage& stage, const Progress& progress) {
     const std::int64_t height = stage.height();
     const std::int32_t tenth = truncated(0.1 * static_cast<double>(height));
     const std::int64_t band = std::max(tenth + tenth % 2, 2);
     // The falls laid end to end: how far bands 0 to k fall together.
     const auto fallen = [=](std::int64_t k) { return (k + 1) * height - band * (k * (k + 1) / 2); };
     const std::int64_t last = height / band;
-    const std::int64_t travel = Progress(param).easedSize(static_cast<double>(fallen(last)));
+    const std::int64_t travel = progress.easedSize(static_cast<double>(fallen(last)));
     std::int64_t falling = 0;
     while (falling < last && fallen(falling) < travel) ++falling;
     const std::int64_t bottom = travel - (falling > 0 ? fallen(falling - 1) : 0);
@@ -27,3 +25,5 @@ VANTLE_API void TrDepositUp(DIImage imgOut, DIImage imgFrom, DIImage imgTo, cons
         row.fromRest();
     }
 }
+
+}  // namespace vantle

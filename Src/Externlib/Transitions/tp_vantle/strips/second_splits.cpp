@@ -3,12 +3,11 @@
 // three have a shape in common and hardly a rule.
 #include <cstdlib>
 
-#include "frame/frame_check.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -23,11 +22,8 @@ std::int32_t ramp(std::int32_t distance, std::int32_t size) {
 }  // namespace
 
 /// A band of rows. Byte 3 and the padding are not written.
-VANTLE_API void TrRowSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void rowSplit2(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
-    const Progress progress(param);
     const double eased = progress.eased();
     const Source outside = eased < 0.5 ? Source::from : Source::to;
     const std::int32_t half = eased < 0.5 ? progress.easedSize(height) : rounded((1.0 - eased) * height);
@@ -41,13 +37,9 @@ VANTLE_API void TrRowSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, cons
 }
 
 /// A band of columns, in 256ths. Byte 3 and the padding are those of the frame outside.
-VANTLE_API void TrColSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    const bool drawable = stage.drawable();
-    checkColSplit2Frames(imgOut, imgFrom, imgTo);
-    if (!drawable) return;
+void colSplit2(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
-    const double eased = Progress(param).eased();
+    const double eased = progress.eased();
     const Source outside = eased < 0.5 ? Source::from : Source::to;
     const Fourth fourth = eased < 0.5 ? Fourth::ofFrom : Fourth::ofTo;
     const std::int32_t half = truncated(width * (eased < 0.5 ? eased : 1.0 - eased));
@@ -70,12 +62,9 @@ VANTLE_API void TrColSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, cons
 
 /// A cross, growing linearly: the mean of a ramp along the rows and one along the columns. Byte 3 and the
 /// padding are not written.
-VANTLE_API void TrCrossSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void crossSplit2(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const std::int32_t height = stage.height();
-    const Progress progress(param);
     const double t = progress.linear();
     const Source outside = t < 0.5 ? Source::from : Source::to;
     const auto half = [&](std::int32_t size) {
@@ -104,3 +93,5 @@ VANTLE_API void TrCrossSplit2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
         }
     }
 }
+
+}  // namespace vantle

@@ -1,10 +1,9 @@
 // Shutters: the incoming frame opens through slats that all widen at the same time, linearly.
-#include "frame/frame_check.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -37,11 +36,9 @@ void crossSlats(Row& row, const Slats& slats, std::int32_t width) {
 }  // namespace
 
 /// Vertical slats. Byte 3 stays that of the outgoing frame.
-VANTLE_API void TrVerShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void verShutter(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
-    const Slats slats = wideSlats(30.0 * width / 640.0, Progress(param));
+    const Slats slats = wideSlats(30.0 * width / 640.0, progress);
     for (Row row : stage.rows()) {
         for (std::int32_t start = 0; start < width; start += slats.period)
             row.toColours(start + slats.open).from(start + slats.period);
@@ -50,10 +47,8 @@ VANTLE_API void TrVerShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
 }
 
 /// Horizontal slats. Byte 3 stays that of the outgoing frame.
-VANTLE_API void TrHorShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Slats slats = wideSlats(30.0 * stage.height() / 360.0, Progress(param));
+void horShutter(const Stage& stage, const Progress& progress) {
+    const Slats slats = wideSlats(30.0 * stage.height() / 360.0, progress);
     for (Row row : stage.rows()) {
         if (slats.opens(row.y())) row.toColours(stage.width());
         row.fromRest();
@@ -61,11 +56,8 @@ VANTLE_API void TrHorShutter(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
 }
 
 /// Slats in both directions: whole pixels of the incoming frame in either.
-VANTLE_API void TrCrossShutter1(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    checkCrossShutterFrames(imgOut, imgFrom);
-    if (!stage.drawable()) return;
-    const Slats slats = evenSlats(stage.height(), Progress(param));
+void crossShutter1(const Stage& stage, const Progress& progress) {
+    const Slats slats = evenSlats(stage.height(), progress);
     for (Row row : stage.rows()) {
         if (slats.opens(row.y()))
             row.to(stage.width());
@@ -76,12 +68,12 @@ VANTLE_API void TrCrossShutter1(DIImage imgOut, DIImage imgFrom, DIImage imgTo, 
 }
 
 /// Growing squares: whole pixels of the incoming frame where slats in both directions meet.
-VANTLE_API void TrCrossShutter2(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Slats slats = evenSlats(stage.height(), Progress(param));
+void crossShutter2(const Stage& stage, const Progress& progress) {
+    const Slats slats = evenSlats(stage.height(), progress);
     for (Row row : stage.rows()) {
         if (slats.opens(row.y())) crossSlats(row, slats, stage.width());
         row.fromRest();
     }
 }
+
+}  // namespace vantle

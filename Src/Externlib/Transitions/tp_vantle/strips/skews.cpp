@@ -6,7 +6,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -85,33 +85,27 @@ void draw(const Stage& stage, Diagonal diagonal, Fourth fourth, const Profile& p
 }  // namespace
 
 /// "Skew_left_split": along the falling diagonal, eased.
-VANTLE_API void TrSkewRightSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t front = Progress(param).easedSize(stage.width() + edge);
+void skewRightSplit(const Stage& stage, const Progress& progress) {
+    const std::int32_t front = progress.easedSize(stage.width() + edge);
     draw(stage, Diagonal::falling, Fourth::ofFrom, splitProfile(stage.width(), front, 0));
 }
 
 /// "Skew_right_split": along the rising diagonal, linear, its edge 80 pixels further in, all four bytes.
-VANTLE_API void TrSkewLeftSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t front = Progress(param).linearSize(stage.width() + edge);
+void skewLeftSplit(const Stage& stage, const Progress& progress) {
+    const std::int32_t front = progress.linearSize(stage.width() + edge);
     draw(stage, Diagonal::rising, Fourth::mixed, splitProfile(stage.width(), front, edge));
 }
 
 /// Along the falling diagonal.
-VANTLE_API void TrSkewLeftMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t front = Progress(param).easedRemainder(stage.width() + edge);
+void skewLeftMerge(const Stage& stage, const Progress& progress) {
+    const std::int32_t front = progress.easedRemainder(stage.width() + edge);
     draw(stage, Diagonal::falling, Fourth::ofFrom, mergeProfile(front));
 }
 
 /// Along the rising diagonal.
-VANTLE_API void TrSkewRightMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t front = Progress(param).easedRemainder(stage.width() + edge);
+void skewRightMerge(const Stage& stage, const Progress& progress) {
+    const std::int32_t front = progress.easedRemainder(stage.width() + edge);
     draw(stage, Diagonal::rising, Fourth::ofFrom, mergeProfile(front));
 }
+
+}  // namespace vantle

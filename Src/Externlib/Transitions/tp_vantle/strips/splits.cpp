@@ -5,13 +5,11 @@
 #include "frame/progress.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// Rows of the incoming frame around the centre row, 2k + 1 of them; byte 3 stays.
-VANTLE_API void TrRowSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t half = Progress(param).easedSize(stage.height()) / 2;
+void rowSplit(const Stage& stage, const Progress& progress) {
+    const std::int32_t half = progress.easedSize(stage.height()) / 2;
     const std::int32_t centre = stage.height() / 2;
     for (Row row : stage.rows()) {
         if (half != 0 && std::abs(row.y() - centre) <= half) row.toColours(stage.width());
@@ -20,10 +18,8 @@ VANTLE_API void TrRowSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const
 }
 
 /// Columns of the incoming frame around the centre column, 2k + 1 of them; all bytes.
-VANTLE_API void TrColSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t half = Progress(param).easedSize(stage.width()) / 2;
+void colSplit(const Stage& stage, const Progress& progress) {
+    const std::int32_t half = progress.easedSize(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
     for (Row row : stage.rows()) {
         if (half != 0) row.from(centre - half).to(centre + half + 1);
@@ -32,10 +28,8 @@ VANTLE_API void TrColSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const
 }
 
 /// Rows of the outgoing frame around the centre, 2h of them; padding and all.
-VANTLE_API void TrRowMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t half = Progress(param).easedRemainder(stage.height()) / 2;
+void rowMerge(const Stage& stage, const Progress& progress) {
+    const std::int32_t half = progress.easedRemainder(stage.height()) / 2;
     const std::int32_t centre = stage.height() / 2;
     for (Row row : stage.rows()) {
         const bool kept = row.y() >= centre - half && row.y() < centre + half;
@@ -44,20 +38,15 @@ VANTLE_API void TrRowMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const
 }
 
 /// Columns of the outgoing frame around the centre column, 2h - 1 of them; all bytes.
-VANTLE_API void TrColMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t half = Progress(param).easedRemainder(stage.width()) / 2;
+void colMerge(const Stage& stage, const Progress& progress) {
+    const std::int32_t half = progress.easedRemainder(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
     for (Row row : stage.rows()) row.to(centre - half + 1).from(centre + half).to(stage.width()).fromRest();
 }
 
 /// A cross of the incoming frame: a bar of 2k columns, and one of 2k - 1 rows with their padding about the
 /// upper of two middle rows.
-VANTLE_API void TrCrossSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
+void crossSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t halfRows = progress.easedSize(stage.height()) / 2;
     const std::int32_t halfColumns = progress.easedSize(stage.width()) / 2;
     const std::int32_t centreRow = stage.height() - 1 - stage.height() / 2;
@@ -71,10 +60,7 @@ VANTLE_API void TrCrossSplit(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
 }
 
 /// A cross of the outgoing frame, shrinking linearly: bars of 2h - 1 about a centre rounded up; byte 3 stays.
-VANTLE_API void TrCrossMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Progress progress(param);
+void crossMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t halfRows = progress.linearRemainder(stage.height()) / 2;
     const std::int32_t halfColumns = progress.linearRemainder(stage.width()) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
@@ -87,3 +73,5 @@ VANTLE_API void TrCrossMerge(DIImage imgOut, DIImage imgFrom, DIImage imgTo, con
         row.fromRest();
     }
 }
+
+}  // namespace vantle

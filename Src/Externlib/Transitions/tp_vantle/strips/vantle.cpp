@@ -3,7 +3,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -20,10 +20,8 @@ void columnBands(Row& row, std::int32_t size, Source even, Source odd, std::int3
 }  // namespace
 
 /// Bands of rows: even ones open from the left edge, odd ones from the right.
-VANTLE_API void TrRowVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const std::int32_t opened = Progress(param).easedSize(stage.width());
+void rowVantle(const Stage& stage, const Progress& progress) {
+    const std::int32_t opened = progress.easedSize(stage.width());
     const std::int32_t band = std::max(truncated(10.0 * stage.height() / 320.0), 1);
     for (Row row : stage.rows()) {
         if (row.y() / band % 2 == 0)
@@ -34,11 +32,9 @@ VANTLE_API void TrRowVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, cons
 }
 
 /// Bands of columns: even ones open from the top edge, odd ones from the bottom. Padding is not written.
-VANTLE_API void TrColVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void colVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
-    const std::int32_t opened = rounded(easeCubic(Progress(param).linear()) * height);
+    const std::int32_t opened = rounded(easeCubic(progress.linear()) * height);
     const auto tenWidths = static_cast<float>(std::int64_t{10} * stage.width());
     const std::int32_t band = std::max(truncated(tenWidths / 640.0F), 1);
     for (Row row : stage.rows()) {
@@ -49,13 +45,10 @@ VANTLE_API void TrColVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, cons
 }
 
 /// Both at once, in bands of ten pixels: a pixel that either pattern has reached shows the incoming frame.
-VANTLE_API void TrCrossVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+void crossVantle(const Stage& stage, const Progress& progress) {
     constexpr std::int32_t band = 10;
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
     const std::int32_t width = stage.width();
     const std::int32_t height = stage.height();
-    const Progress progress(param);
     const std::int32_t openedColumns = progress.easedSize(width);
     const std::int32_t openedRows = progress.easedSize(height);
     for (Row row : stage.rows()) {
@@ -68,3 +61,5 @@ VANTLE_API void TrCrossVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
         row.fromRest();
     }
 }
+
+}  // namespace vantle

@@ -7,7 +7,7 @@
 #include "frame/soft_edge.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -67,19 +67,17 @@ void draw(const Stage& stage, const Edge& edge, double angle, double scale, Four
 }  // namespace
 
 /// From the left side to the bottom, all bytes.
-VANTLE_API void TrRollClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Edge edge(travel * Progress(param, Progress::Range::any).eased());
+void rollClockwise(const Stage& stage, const Progress& progress) {
+    const Edge edge(travel * progress.unbounded().eased());
     draw(stage, edge, edge.origin, -255.0 / edge.width, Fourth::mixed,
          [](double x, double up) { return x / up; });
 }
 
 /// From the bottom to the left side; byte 3 stays. The left column is beyond that side and comes last.
-VANTLE_API void TrRollAntiClockwise(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Edge edge(travel * Progress(param, Progress::Range::any).eased());
+void rollAntiClockwise(const Stage& stage, const Progress& progress) {
+    const Edge edge(travel * progress.unbounded().eased());
     draw(stage, edge, quarterTurn - edge.origin, 255.0 / edge.width, Fourth::ofFrom,
          [](double x, double up) { return up / x; });
 }
+
+}  // namespace vantle

@@ -6,7 +6,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -29,10 +29,8 @@ bool entersFromLeft(const Row& row) { return (row.y() & 4) == 0; }
 }  // namespace
 
 /// A wipe; byte 3 stays.
-VANTLE_API void TrRowCosVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Wave wave(stage, Progress(param).eased());
+void rowCosVantle(const Stage& stage, const Progress& progress) {
+    const Wave wave(stage, progress.eased());
     const std::int32_t width = stage.width();
     for (Row row : stage.rows()) {
         if (row.y() < wave.rows) {
@@ -47,10 +45,8 @@ VANTLE_API void TrRowCosVantle(DIImage imgOut, DIImage imgFrom, DIImage imgTo, c
 }
 
 /// The rows of the incoming frame slide in, their leading ends first.
-VANTLE_API void TrRowCosSlide(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    const Wave wave(stage, Progress(param).eased());
+void rowCosSlide(const Stage& stage, const Progress& progress) {
+    const Wave wave(stage, progress.eased());
     const std::int32_t width = stage.width();
     const double step = halfTurn / wave.rows;
     for (Row row : stage.rows()) {
@@ -66,3 +62,5 @@ VANTLE_API void TrRowCosSlide(DIImage imgOut, DIImage imgFrom, DIImage imgTo, co
         row.fromRest();
     }
 }
+
+}  // namespace vantle

@@ -4,14 +4,12 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 /// Whole pixels; the padding is not written.
-VANTLE_API void TrTopple(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
+void topple(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
-    const std::int32_t slid = std::min(truncated(height * Progress(param).eased()), height);
+    const std::int32_t slid = std::min(truncated(height * progress.eased()), height);
     const std::int32_t strip = height - slid;  // rows left to the outgoing frame
     for (Row row : stage.rows()) {
         // Counted from the bottom, where both frames have their first row.
@@ -24,3 +22,5 @@ VANTLE_API void TrTopple(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const T
         }
     }
 }
+
+}  // namespace vantle

@@ -9,7 +9,7 @@
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
-using namespace vantle;
+namespace vantle {
 
 namespace {
 
@@ -65,8 +65,6 @@ Span columnsInside(std::int32_t width, const Extent& extent, bool rising, At at)
 
 }  // namespace
 
-namespace vantle {
-
 /// The sources of `count` pixels from distance `dx` on.
 VANTLE_MULTIVERSION static void findSources(std::int32_t* columns, std::int32_t* rows, const Extent& across,
                                             const Extent& down, const TurnedRow& turned, std::int32_t dx,
@@ -76,8 +74,6 @@ VANTLE_MULTIVERSION static void findSources(std::int32_t* columns, std::int32_t*
         rows[i] = down.sourceOf(down.clampedIn(turned.rowAt(dx + i)));
     }
 }
-
-}  // namespace vantle
 
 /// The picture of `source` turned clockwise by `angle` and scaled, on black. A turned row crosses the memory
 /// of its source; drawn in blocks of rows and columns, neighbours find what they need still at hand.
@@ -126,17 +122,14 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
 }
 
 /// Whole pixels on black, whose byte 3 is not written, nor is the padding but at the very end.
-VANTLE_API void TrTwrl(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param) {
+void twirl(const Stage& stage, const Progress& progress) {
     constexpr double pi = 3.141592653589793;
     constexpr double shrunk = 0.05F;
     constexpr double rest = 0.95F;
-    const Stage stage(imgOut, imgFrom, imgTo);
-    if (!stage.drawable()) return;
-    if (hasEnded(param)) {
+    if (progress.ended()) {
         for (Row row : stage.rows()) row.toRest();
         return;
     }
-    const Progress progress(param);
     const double position = progress.position();
     if (progress.duration() == position + position) {
         for (Row row : stage.rows()) row.black(stage.width());
@@ -150,3 +143,5 @@ VANTLE_API void TrTwrl(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const Tra
     const auto scale = static_cast<float>(grown * rest / half + shrunk);
     drawTurned(stage, firstHalf ? Source::from : Source::to, angle, scale);
 }
+
+}  // namespace vantle

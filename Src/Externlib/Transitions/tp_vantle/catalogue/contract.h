@@ -23,12 +23,19 @@ static_assert(offsetof(TransParam, dDuration) == 416 && offsetof(TransParam, dPo
 /// A transition: composes `imgOut` from the outgoing frame `imgFrom` and the incoming frame `imgTo` at
 /// `param`'s position. Frames have 32 bits per pixel and are stored bottom-up; width, height and pitch are
 /// those of `imgOut`. A missing frame or one too small leaves `imgOut` untouched; nothing is reported.
+///
+/// Nothing leaves a transition but one thing: the dissolve, `TrFadeNew`, keeps the order of its pixels, which
+/// it makes at its first call and whenever width, height or pitch of `imgOut` change; when that finds no
+/// memory, the call ends with the C++ exception std::bad_alloc, `imgOut` untouched, and the next call tries
+/// again. A host in a language without exceptions calls it through a function that catches this.
 using TransFunc = void(DIImage imgOut, DIImage imgFrom, DIImage imgTo, const TransParam* param);
 
-/// Accessors of the host's image library.
+/// Accessors of the host's image library. They are asked anew in every call, must not throw, and get the
+/// handles of the call. A null handle is given to the first two only, by the transitions that compare widths
+/// for the log (`TrCrossShutter1`, `TrColSplit2`): for that one they must return some value, 0 for instance.
 extern "C" {
-std::int32_t DIGetWidth(DIImage image);     ///< pixels in a row
-std::int32_t DIGetHeight(DIImage image);    ///< rows
+std::int32_t DIGetWidth(DIImage image);     ///< pixels in a row; below 0 counts as 0
+std::int32_t DIGetHeight(DIImage image);    ///< rows; below 0 counts as 0
 std::int32_t DIGetPitch(DIImage image);     ///< bytes from one row to the next, at least 4 per pixel
 std::uint8_t* DIGetBits(DIImage image);     ///< first byte of the pixels: the bottom row of the picture
 std::int32_t DIGetBitCount(DIImage image);  ///< bits per pixel

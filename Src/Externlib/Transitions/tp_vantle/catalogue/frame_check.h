@@ -4,7 +4,7 @@
 
 #include <cwchar>
 
-#include "frame/contract.h"
+#include "catalogue/door.h"
 
 namespace vantle {
 
@@ -16,9 +16,9 @@ inline const wchar_t* fileName(const wchar_t* path) {
 }
 
 /// Reports a missing `imgOut` or `imgFrom`, then widths that differ between these two.
-void checkCrossShutterFrames(DIImage imgOut, DIImage imgFrom);
+void checkCrossShutterFrames(const Call& call);
 
 /// Reports any missing frame, then widths that differ between `imgOut` and `imgFrom`.
-void checkColSplit2Frames(DIImage imgOut, DIImage imgFrom, DIImage imgTo);
+void checkColSplit2Frames(const Call& call);
 
 }  // namespace vantle

@@ -1,6 +1,6 @@
-#include "frame/frame_check.h"
+#include "catalogue/frame_check.h"
 
-#include "frame/logger.h"
+#include "catalogue/logger.h"
 
 namespace vantle {
 
@@ -20,7 +20,8 @@ const wchar_t* thisFile() { return fileName(L"" __FILE__); }
 
 // The accessors run in the order of the arguments, and for a message's arguments only when it is written.
 
-void checkCrossShutterFrames(DIImage imgOut, DIImage imgFrom) {
+void checkCrossShutterFrames(const Call& call) {
+    const auto [imgOut, imgFrom, imgTo, param] = call;
     if (imgOut == nullptr || imgFrom == nullptr) {
         if (QeltLogger* const logger = enabledLogger()) {
             const std::int32_t fromWidth = DIGetWidth(imgFrom);
@@ -43,7 +44,8 @@ void checkCrossShutterFrames(DIImage imgOut, DIImage imgFrom) {
     }
 }
 
-void checkColSplit2Frames(DIImage imgOut, DIImage imgFrom, DIImage imgTo) {
+void checkColSplit2Frames(const Call& call) {
+    const auto [imgOut, imgFrom, imgTo, param] = call;
     if (imgOut == nullptr || imgFrom == nullptr || imgTo == nullptr) {
         if (QeltLogger* const logger = enabledLogger())
             logger->LogFormat(level, L"TrColSplit2 Effect Frame data is NULL!   [%ls, %d]", thisFile(),
