@@ -1,4 +1,4 @@
-/// Transitions put plainly, pixel by pixel: those that the library draws in quite another way.
+/// Transitions put plainly, pixel by pixel, in the exact order of their operations.
 #pragma once
 
 #include <span>
@@ -11,12 +11,16 @@ struct PlainRule {
     const char* function;
     /// The output that is due for a scene at a position of a duration, both usable.
     Bytes (*draw)(const Scene& scene, double position, double duration);
-    double moment = 0.5;             ///< a position of 0..1 where something begins or ends
+    double moments[4] = {};          ///< positions of 0..1 where something begins or ends
     double lowest = 0, highest = 1;  ///< positions that the rule holds for
 };
 
 inline void PrintTo(const PlainRule& rule, std::ostream* out) { *out << rule.function; }
 
-std::span<const PlainRule> plainRules();
+std::span<const PlainRule> stripRules();
+std::span<const PlainRule> shapeRules();
+std::span<const PlainRule> warpRules();
+std::span<const PlainRule> blendRules();
+std::span<const PlainRule> plainRules();  ///< all of these
 
 }  // namespace tests

@@ -24,6 +24,7 @@ using Bytes = std::vector<std::uint8_t>;
 struct Outcome {
     Bytes output;
     int status = -1;
+    bool killed = false;
     std::string text() const { return {output.begin(), output.end()}; }
 };
 
@@ -34,6 +35,7 @@ inline Outcome shell(const std::string& command) {
     while (const std::size_t got = fread(block.data(), 1, block.size(), pipe))
         outcome.output.insert(outcome.output.end(), block.begin(), block.begin() + got);
     const int status = pclose(pipe);
+    outcome.killed = WIFSIGNALED(status);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return outcome;
 }
@@ -63,6 +65,12 @@ class CommandTest : public testing::Test {
 
     /// Runs vantle in the folder; standard error comes with the output.
     Outcome vantle(const std::string& arguments) const { return shell(in(VANTLE " " + arguments + " 2>&1")); }
+
+    /// Runs vantle, and half a second later `command` beside it: $$ is vantle there.
+    Outcome vantleWhile(const std::string& arguments, const std::string& command) const {
+        return shell(
+            in("{ { sleep 0.5; " + command + "; } 2>&1 & exec " VANTLE " " + arguments + " 2>&1; }"));
+    }
 
     /// Runs vantle, which must succeed.
     void render(const std::string& arguments) const {
@@ -110,6 +118,11 @@ class CommandTest : public testing::Test {
     Bytes contents(const std::string& name) const {
         std::ifstream file(folder_ / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// Rights and owners as `stat` prints them.
+    std::string rights(const std::string& name) const {
+        return shell(in("stat -c '%a %u:%g' " + name)).text();
     }
 
     /// All names in the folder, hidden ones too.

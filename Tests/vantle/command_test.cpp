@@ -1,8 +1,11 @@
 // The command line itself: what it lists, what it refuses and what it leaves behind.
 #include "command.h"
 
+#include <sys/xattr.h>
+
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
 namespace tests {
 
@@ -87,23 +90,21 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
 TEST_F(Command, KeepsWhatStoodThereWhenItCannotFinish) {
     shell(in("echo precious > out.mp4"));
     const Bytes precious = contents("out.mp4");
-    const std::string endless =
-        VANTLE " render -q -f lavfi:testsrc2=s=640x360:d=600 lavfi:testsrc2 -t 0 -o out.mp4";
+    const std::string endless = "render -q -f lavfi:testsrc2=s=640x360:d=600 lavfi:testsrc2 -t 0 -o out.mp4";
     // A limit on the size of files fails a write as a full disk does.
-    const Outcome full = shell(in("ulimit -f 16; " + endless + " 2>&1"));
+    const Outcome full = shell(in("ulimit -f 16; " VANTLE " " + endless + " 2>&1"));
     EXPECT_EQ(full.status, 1);
     EXPECT_NE(full.text().find("cannot write out.mp4: "), std::string::npos) << full.text();
-    for (const std::string signal : {"INT", "TERM"}) {
-        const Outcome stopped =
-            shell(in("timeout --preserve-status -s " + signal + " 1 " + endless + " 2>&1"));
-        EXPECT_EQ(stopped.status, 1);
-        EXPECT_NE(stopped.text().find("interrupted"), std::string::npos) << stopped.text();
-    }
     // A still is never read on, and its rendering ends all the same.
-    const Outcome held =
-        shell(in("timeout --preserve-status -k 9 1 " VANTLE " render -q -f lavfi:testsrc2=s=640x360:d=0.04 "
-                 "lavfi:testsrc2 -t 0 -o out.mp4 --hold 9999 2>&1"));
-    EXPECT_EQ(held.status, 1) << held.text();
+    const std::string held =
+        "render -q -f lavfi:testsrc2=s=640x360:d=0.04 lavfi:testsrc2 -t 0 -o out.mp4 --hold 9999";
+    for (const auto& [arguments, signal, status] :
+         {std::tuple{endless, "INT", 130}, {endless, "TERM", 143}, {held, "HUP", 129}}) {
+        const Outcome stopped = vantleWhile(arguments, std::string("kill -s ") + signal + " $$");
+        EXPECT_TRUE(stopped.killed) << "a shell's loop goes on";
+        EXPECT_EQ(stopped.status, status);
+        EXPECT_EQ(stopped.text(), "vantle: interrupted; nothing was written\n");
+    }
     EXPECT_EQ(contents("out.mp4"), precious);
     EXPECT_EQ(files(), std::set<std::string>{"out.mp4"});
     render("-f lavfi:testsrc2=s=64x48 lavfi:testsrc2=s=64x48 -t 0 --duration 0.1 -o out.mp4");
@@ -118,16 +119,66 @@ TEST_F(Command, SaysWhenWhatItPrintsIsLost) {
     EXPECT_EQ(unread.text(), "vantle: cannot write to standard output: Broken pipe\n1\n");
 }
 
-TEST_F(Command, ReplacesTheFileThatALinkLeadsTo) {
-    shell(in("mkdir far; echo old >far/film.gif; ln -s far/film.gif link.gif"));
-    render("lavfi:testsrc2=s=16x16:d=0.2 lavfi:testsrc2=s=16x16 -t 0 --duration 0.1 -f -o link.gif");
+TEST_F(Command, KeepsLinksRightsAndAttributesOfWhatItReplaces) {
+    shell(
+        in("mkdir far; echo old >far/film.gif; chmod 600 far/film.gif; ln -s far/film.gif link.gif;"
+           " touch f_1.png; chmod 440 f_1.png; chown 1:2 f_1.png; mkdir page; chmod 2750 page"));
+    const bool keepsAttributes = setxattr((folder_ / "far/film.gif").c_str(), "user.note", "mine", 4, 0) == 0;
+    const std::string owned = rights("f_1.png");
+    const std::string inputs =
+        "lavfi:testsrc2=s=16x16:d=0.2 lavfi:testsrc2=s=16x16 -t 0 --duration 0.1 -f -o ";
+    render(inputs + "link.gif");
     EXPECT_TRUE(fs::is_symlink(folder_ / "link.gif"));
     EXPECT_EQ(probe("far/film.gif", "stream=codec_name"), "gif");
+    EXPECT_TRUE(rights("link.gif -L").starts_with("600 "));
+    std::array<char, 8> note{};
+    getxattr((folder_ / "far/film.gif").c_str(), "user.note", note.data(), note.size());
+    EXPECT_EQ(std::string(note.data()), keepsAttributes ? "mine" : "");
+    shell(in("umask 037; " VANTLE " render -q " + inputs + "f_%d.png --frames 1-2"));
+    EXPECT_EQ(rights("f_1.png"), owned);
+    EXPECT_TRUE(rights("f_2.png").starts_with("640 "));
+    EXPECT_EQ(vantle("gallery -q --positions 2 " + inputs + "page").status, 0);
+    EXPECT_TRUE(rights("page").starts_with("2750 "));
+    // Until it is complete nobody else reads it.
+    const Outcome watched = vantleWhile("render -q -f lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o link.gif",
+                                        "stat -c %a far/.film.gif.*; kill $$");
+    EXPECT_TRUE(watched.text().starts_with("600\n")) << watched.text();
+}
+
+TEST_F(Command, TakesTheLongestNames) {
+    const auto name = [](std::size_t bytes, const std::string& ending) {
+        std::string text = "x";
+        while (text.size() + 2 <= bytes - ending.size()) text += "\u00e9";  // of two bytes
+        return text.append(bytes - ending.size() - text.size(), 'x') + ending;
+    };
+    const std::string inputs = " -q lavfi:testsrc2=s=16x16:d=0.2 \"lavfi:testsrc2=s=16x16" +
+                               std::string(300, ' ') + "\" -t 0 --duration 0.1 -f -o ";
+    for (const std::size_t bytes : {130U, 131U, 250U, 255U}) {
+        EXPECT_EQ(vantle("render" + inputs + name(bytes, ".gif")).status, 0) << bytes;
+        for (int times = 0; times < 2; ++times)
+            EXPECT_EQ(vantle("gallery --positions 2" + inputs + name(bytes, "")).text(), "") << bytes;
+    }
+    EXPECT_EQ(files().size(), 8U);
+    // What is half written has a name of whole characters too, for file systems that take no other.
+    const Outcome watched = vantleWhile(
+        "render -q lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o " + name(255, ".mp4"), "ls -d .x*; kill $$");
+    EXPECT_NE(watched.text().find("\u00e9."), std::string::npos) << watched.text();
 }
 
 TEST_F(Command, WorksInstalledAndServesOtherHosts) {
-    ASSERT_EQ(shell(in(CMAKE_COMMAND " --install " BUILD_FOLDER " --prefix there >/dev/null")).status, 0);
+    ASSERT_EQ(
+        shell(in(CMAKE_COMMAND " --install " BUILD_FOLDER " --prefix first >/dev/null && mv first there"))
+            .status,
+        0);
+    EXPECT_EQ(
+        shell(in("cd there && find . ! -type d | LC_ALL=C sort")).text(),
+        "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/catalogue/contract.h\n"
+        "./" LIBDIR
+        "/libtp_vantle.so\n./lib/pkgconfig/tp_vantle.pc\n"
+        "./" LIBDIR "/vantle/libBrix_ImageProc.so\n./" LIBDIR "/vantle/libQeltLogger.so\n");
     EXPECT_EQ(shell(in("there/bin/vantle list")).text(), vantle("list").text());
+    // A host's own libraries take the place of those that stand in for them.
+    EXPECT_EQ(shell(in(READELF " -d there/" LIBDIR "/libtp_vantle.so | grep -E 'RUNPATH|RPATH'")).text(), "");
     // A host of its own: two headers and the loader.
     std::ofstream(folder_ / "host.cpp") << R"(
 #include <catalogue/catalogue.h>
@@ -138,11 +189,21 @@ int main(int, char** arguments) {
     auto* info = reinterpret_cast<decltype(&GetTransInfo)>(dlsym(plugin, "GetTransInfo"));
     std::printf("%ls", info(2)->szName);
 })";
-    const std::string pkgConfig =
-        "PKG_CONFIG_PATH=$(dirname $(find there -name tp_vantle.pc)) pkg-config tp_vantle ";
-    const Outcome host = shell(in("c++ -std=c++20 host.cpp -o host $(" + pkgConfig +
-                                  "--cflags) && ./host $(" + pkgConfig + "--variable=plugin) 2>&1"));
+    const auto pkgConfig = [&](const std::string& folder, const std::string& asked) {
+        return "$(PKG_CONFIG_PATH=" + folder + "/pkgconfig pkg-config tp_vantle --" + asked + ") ";
+    };
+    const Outcome host = shell(in("c++ -std=c++20 host.cpp -o host " + pkgConfig("there/" LIBDIR, "cflags") +
+                                  "&& LD_LIBRARY_PATH=" + pkgConfig("there/" LIBDIR, "variable=standins") +
+                                  "./host " + pkgConfig("there/" LIBDIR, "variable=plugin") + "2>&1"));
     EXPECT_EQ(host.text(), "Cross_vantle");
+    // As a package for several processors has it.
+    shell(in("{ cmake -S " SOURCE_FOLDER
+             " -B b -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_LIBDIR=lib/some-linux-gnu"
+             " -DVANTLE_TESTS=OFF -DVANTLE_BENCH=OFF && DESTDIR=root cmake --install b --component "
+             "development; } >log"));
+    EXPECT_EQ(
+        shell(in("c++ -std=c++20 -c host.cpp " + pkgConfig("root/usr/lib/some-linux-gnu", "cflags"))).status,
+        0);
 }
 
 }  // namespace tests

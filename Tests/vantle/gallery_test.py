@@ -48,6 +48,9 @@ class GalleryTest(unittest.TestCase):
     def texts(self, selector):
         return [e.text for e in self.find(selector)]
 
+    def frames(self):
+        return self.script('return tiles.filter((tile) => tile.strip).map((tile) => tile.canvas.dataset.frame)')
+
     def press(self, *keys):
         self.browser.switch_to.active_element.send_keys(*keys)
 
@@ -64,8 +67,10 @@ class GalleryTest(unittest.TestCase):
             self.until(lambda: tile.get_attribute('data-frame'), 'loads')
             first = tile.screenshot_as_png
             self.until(lambda: tile.screenshot_as_png != first, 'moves')
+        self.assertGreater(len(set(self.frames())), 4, 'all move at the same moment')
         self.open('reduce')
         self.until(lambda: len(self.find('.tile [data-frame]')) >= 25, 'loads')
+        self.assertEqual(set(self.frames()), {'14'})  # the middle of 0 to 29
         still = self.shot()
         time.sleep(1)
         self.assertEqual(self.shot(), still)

@@ -50,6 +50,7 @@ TEST_F(Overview, RefusesBadInputAndLeavesWhatStoodThere) {
         {"gallery", "out --size 4000x4000", 2, "smaller --size"},
         {"gallery", "empty", 1, "--force"},
         {"gallery", "there.png -f", 1, "not a folder"},
+        {"gallery", "empty/. -f", 1, "no name"},
         {"gallery", "photos -f", 1, "photo.png"},
     };
     for (const auto& [command, output, status, says] : cases) {
@@ -62,11 +63,81 @@ TEST_F(Overview, RefusesBadInputAndLeavesWhatStoodThere) {
 
     ASSERT_EQ(vantle("gallery" + inputs + "page -t 0 --positions 2").status, 0);
     const std::string again = VANTLE " gallery" + inputs + "page -f ";
-    EXPECT_EQ(shell(in("timeout --preserve-status -s INT 0.5 " + again + "--size 1280x720")).status, 1);
+    EXPECT_EQ(vantleWhile("gallery" + inputs + "page -f --size 1280x720", "kill -s INT $$").status, 130);
     EXPECT_EQ(shell(in("ls page/frames")).text(), "00.webp\n");
-    ASSERT_EQ(shell(in(again + "-t 3 -t 1 --positions 2")).status, 0);
+    ASSERT_EQ(vantle("gallery" + inputs + "page -f -t 3 -t 1 --positions 2").status, 0);
     EXPECT_EQ(shell(in("ls page/frames; ls -A")).text(),
               "00.webp\n01.webp\nempty\npage\nphotos\nthere.png\n");
+    // A worker that cannot write ends it all.
+    const Outcome full = shell(
+        in("ulimit -f 64; " VANTLE " gallery lavfi:mandelbrot=s=640x360 lavfi:testsrc2 -q -o new 2>&1"));
+    EXPECT_EQ(full.status, 1);
+    EXPECT_TRUE(full.text().starts_with("vantle: cannot write new/frames/")) << full.text();
+    EXPECT_EQ(files(), (std::set<std::string>{"empty", "page", "photos", "there.png"}));
+}
+
+TEST_F(Overview, ReplacesOnlyWhatAGalleryMade) {
+    const std::string gallery = " gallery lavfi:testsrc2=s=64x48:d=2 lavfi:testsrc2=s=64x48 -t 0 -q -o page ";
+    ASSERT_EQ(vantle(gallery + "--positions 2 -t 1").status, 0);
+    shell(in("cp -r page made"));
+    const std::pair<const char*, const char*> cases[] = {
+        {"touch page/notes.txt", "page holds notes.txt"},
+        {"touch page/.hidden", "page holds .hidden"},
+        {"cp page/frames/00.webp page/frames/holiday.jpg", "page holds frames/holiday.jpg"},
+        {"ln -s index.html page/start.html", "page holds start.html"},
+        {"mkdir page/frames/old", "page holds frames/old"},
+        {"echo '<!-- mine -->' >>page/index.html", "page holds index.html"},
+        {"mv page/frames photos && ln -s ../photos page/frames", "page holds frames"},
+        {"rm page/made-by-vantle.txt", "no made-by-vantle.txt"},
+        {"mkdir page/own; echo '0  own/photo.jpg' >>page/made-by-vantle.txt", "no made-by-vantle.txt"},
+    };
+    for (const auto& [change, says] : cases) {
+        shell(in("rm -rf page photos; cp -r made page; " + std::string(change) + "; cp -a page before"));
+        const Outcome outcome = vantle(gallery + "-f --positions 2");
+        EXPECT_EQ(outcome.status, 1) << change;
+        EXPECT_NE(outcome.text().find(says), std::string::npos) << outcome.text();
+        EXPECT_EQ(shell(in("diff -r --no-dereference page before; rm -r before; ls -A")).text().find("\n."),
+                  std::string::npos);
+    }
+
+    // What comes while it draws, and, by way of a library, in the very moment of the exchange and after it.
+    std::ofstream(folder_ / "moment.cpp") << R"(
+#include <cerrno>
+#include <cstdlib>
+#include <sys/syscall.h>
+#include <unistd.h>
+extern "C" int renameat2(int, const char* from, int, const char* to, unsigned flags) {
+    const bool known = std::getenv("PLAIN") == nullptr;
+    if (const char* command = std::getenv("BEFORE")) std::system(command);
+    unsetenv("BEFORE");
+    const long result = known ? syscall(SYS_renameat2, -100, from, -100, to, flags) : -1;
+    if (const char* command = std::getenv("AFTER")) std::system(command);
+    if (!known) errno = EINVAL;
+    return static_cast<int>(result);
+})";
+    ASSERT_EQ(shell(in("c++ -shared -fPIC moment.cpp -o moment.so")).status, 0);
+    const auto replace = [&](const std::string& moment) {
+        shell(in("rm -rf page .page* photos; cp -r made page"));
+        return shell(in("ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD=./moment.so " + moment +
+                        " " VANTLE + gallery + "-f --positions 2 2>&1"));
+    };
+    shell(in("rm -rf page photos; cp -r made page"));
+    const Outcome drawing = vantleWhile(gallery + "-f --size 1280x720", "echo mine >page/notes.txt");
+    EXPECT_NE(drawing.text().find("page holds notes.txt"), std::string::npos) << drawing.text();
+    EXPECT_EQ(shell(in("cat page/notes.txt; ls page/frames")).text(), "mine\n00.webp\n01.webp\n");
+    for (const std::string fileSystem : {"", "PLAIN=1 "}) {
+        EXPECT_EQ(replace(fileSystem).text(), "");
+        EXPECT_EQ(shell(in("ls page/frames; ls -A")).text(), "00.webp\nmade\nmoment.cpp\nmoment.so\npage\n");
+        EXPECT_EQ(replace(fileSystem + "BEFORE='echo mine >page/notes.txt'").text(), "");
+        EXPECT_EQ(shell(in("cat page/notes.txt; ls page/frames")).text(), "mine\n00.webp\n");
+        const Outcome kept = replace(fileSystem + "BEFORE='echo mine >page/index.html'");
+        EXPECT_NE(kept.text().find("the folder before it held is in .page."), std::string::npos)
+            << kept.text();
+        EXPECT_EQ(shell(in("cat .page.*/index.html; ls .page.*/frames")).text(), "mine\n00.webp\n01.webp\n");
+        // Killed: the old one is there whole, under either name.
+        replace(fileSystem + "AFTER='kill -9 $PPID'");
+        EXPECT_EQ(shell(in("diff -r page made || diff -r .page.* made")).status, 0);
+    }
 }
 
 }  // namespace tests

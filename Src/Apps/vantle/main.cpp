@@ -40,13 +40,7 @@ int report(const std::string& message, int status) {
     return status;
 }
 
-}  // namespace
-
-// Only a message that does not fit into memory could still throw, and then there is nothing left to say.
-int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
-    av_log_set_level(AV_LOG_QUIET);
-    catchInterrupts();
-
+int run(int argc, char** argv) {
     CLI::App app("Video transitions on real pictures and video", "vantle");
     app.require_subcommand(1);
     for (const auto add : {addRenderCommand, addSheetCommand, addGalleryCommand, addListCommand}) add(app);
@@ -66,4 +60,15 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     } catch (const std::exception& error) {
         return report(error.what(), failed);
     }
+}
+
+}  // namespace
+
+// Only a message that does not fit into memory could still throw, and then there is nothing left to say.
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
+    av_log_set_level(AV_LOG_QUIET);
+    catchInterrupts();
+    const int status = run(argc, argv);
+    endIfInterrupted();
+    return status;
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <regex>
 #include <set>
 
 #include "transition_table.h"
@@ -21,6 +22,16 @@ TEST(Exports, AreTheInterfaceAndNothingElse) {
         wordsFrom(NM " -D --defined-only --format=just-symbols \"" PLUGIN_PATH "\"");
     exports.erase("__odr_asan.g_arTransInfo");  // the address sanitizer's, in a build with it
     EXPECT_EQ(exports, expected);
+}
+
+// But for what the compiler and the standard library have, and what a sanitizer takes over from them.
+TEST(Exports, NeedTheAccessorsAndTheLoggerAndNothingElse) {
+    std::set<std::string> needed =
+        wordsFrom(NM " -D --undefined-only --format=just-symbols \"" PLUGIN_PATH "\"");
+    const std::regex common("__.*|_ITM_.*|_Z[nd][aw].*|[a-z]+|.*@.*");
+    std::erase_if(needed, [&](const std::string& name) { return std::regex_match(name, common); });
+    EXPECT_EQ(needed, (std::set<std::string>{"DIGetWidth", "DIGetHeight", "DIGetPitch", "DIGetBits",
+                                             "DIGetBitCount", "QeltGetDefaultLogger"}));
 }
 
 TEST(Exports, BothPlatformLibrariesAreNeededByName) {

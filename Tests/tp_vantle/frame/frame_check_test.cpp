@@ -1,5 +1,5 @@
-// What the two transitions that check their frames tell the host's logger. The logger is this file's, and
-// the accessors of sizes pass through it.
+// What the two transitions that check their frames tell the host's logger, and when. The logger is this
+// file's, and the accessors of sizes and bit counts pass through it.
 #include "catalogue/frame_check.h"
 
 #include <dlfcn.h>
@@ -7,35 +7,30 @@
 #include <cstdarg>
 #include <regex>
 
-#include "catalogue/logger.h"
 #include "frames.h"
 
 using namespace tests;
 
+/// The host's logger as hosts have it, not as the library declares it.
+class QeltLogger {
+   public:
+    virtual bool IsLevelEnabled(std::int32_t level);
+    virtual void LogFormat(std::int32_t level, const wchar_t* format, ...);
+};
+
 namespace {
+
+QeltLogger logger;
 
 enum { away, missing, disabled, enabled } state = away;  // of the logger; away while no test listens
 std::wstring heard;
 bool asked = false;
+const Scene* scene = nullptr;
+std::string order;  // of bit counts, b, and messages: m, or d once the output is drawn on
 
 void note(const wchar_t* what, std::int32_t value) {
     if (asked) heard += what + std::to_wstring(value) + L" ";
 }
-
-/// Takes down what it is asked and what the accessors are asked from then on, and every message.
-struct Logger final : QeltLogger {
-    bool IsLevelEnabled(std::int32_t level) override { return note(L"level ", level), state == enabled; }
-    void LogFormat(std::int32_t level, const wchar_t* format, ...) override {
-        note(L"log ", level);
-        wchar_t text[200] = L"";
-        va_list arguments;
-        va_start(arguments, format);
-        std::vswprintf(text, std::size(text), format, arguments);
-        va_end(arguments);
-        heard += std::regex_replace(text, std::wregex(L", [1-9][0-9]{0,2}]$"), L", line]\n");
-        asked = false;
-    }
-} logger;
 
 /// What the image library's own accessor says.
 std::int32_t ask(const char* accessor, const wchar_t* what, DIImage image) {
@@ -45,8 +40,11 @@ std::int32_t ask(const char* accessor, const wchar_t* what, DIImage image) {
 
 /// What is heard when 5 x 4 pixels are drawn under such claims of imgOut, imgFrom and imgTo.
 std::wstring told(const char* function, const Claim (&claims)[3], decltype(state) stateThen = enabled) {
+    Scene drawn({5, 4, 20});
+    scene = &drawn;
+    order.clear();
     state = stateThen;
-    Scene({5, 4, 20}).drawUnder(claims, transition(function));
+    drawn.drawUnder(claims, transition(function));
     state = away;
     asked = false;
     return std::exchange(heard, {});
@@ -56,12 +54,30 @@ constexpr Claim none{.handle = false};
 
 }  // namespace
 
-VANTLE_API QeltLogger* QeltGetDefaultLogger() {
+// Notes what it is asked and what the accessors are asked from then on, and every message.
+bool QeltLogger::IsLevelEnabled(std::int32_t level) { return note(L"level ", level), state == enabled; }
+void QeltLogger::LogFormat(std::int32_t level, const wchar_t* format, ...) {
+    note(L"log ", level);
+    wchar_t text[200] = L"";
+    va_list arguments;
+    va_start(arguments, format);
+    std::vswprintf(text, std::size(text), format, arguments);
+    va_end(arguments);
+    heard += std::regex_replace(text, std::wregex(L", [1-9][0-9]{0,2}]$"), L", line]\n");
+    order += std::equal(scene->before.begin(), scene->before.end(), scene->buffers[0].get()) ? 'm' : 'd';
+    asked = false;
+}
+
+extern "C" VANTLE_API QeltLogger* QeltGetDefaultLogger() {
     if (state != away) asked = true;
     return state > missing ? &logger : nullptr;
 }
 VANTLE_API std::int32_t DIGetWidth(DIImage image) { return ask("DIGetWidth", L"width ", image); }
 VANTLE_API std::int32_t DIGetHeight(DIImage image) { return ask("DIGetHeight", L"height ", image); }
+VANTLE_API std::int32_t DIGetBitCount(DIImage image) {
+    if (state != away && !order.ends_with('b')) order += 'b';
+    return ask("DIGetBitCount", L"bit count ", image);
+}
 
 TEST(FrameCheck, TellsOfMissingFramesThenOfDifferentWidths) {
     EXPECT_EQ(told("TrCrossShutter1", {none, {}, {}}),
@@ -76,6 +92,13 @@ TEST(FrameCheck, TellsOfMissingFramesThenOfDifferentWidths) {
     EXPECT_EQ(told("TrColSplit2", {{}, none, {}}), null + different);
     EXPECT_EQ(told("TrColSplit2", {{}, {}, none}), null);
     EXPECT_EQ(told("TrColSplit2", {{}, {.width = 4}, {}}), different);
+}
+
+TEST(FrameCheck, TellsBeforeItDrawsAndOfOneTheBitCountIsReadBefore) {
+    EXPECT_NE(told("TrCrossShutter1", {{}, {.width = 4}, {}}), L"");
+    EXPECT_EQ(order, "mb");
+    EXPECT_NE(told("TrColSplit2", {{}, {.width = 4}, {}}), L"");
+    EXPECT_EQ(order, "bm");
 }
 
 TEST(FrameCheck, IsSilentWithoutAReasonOrAListener) {

@@ -15,11 +15,3 @@ TEST(Progress, IsEasedBySineThenByCubicAndRounded) {
     EXPECT_EQ(openedRow(2386, 0.25, 1), "55t 2331f") << "55.496";
     EXPECT_EQ(openedRow(2387, 0.25, 1), "56t 2331f") << "55.519";
 }
-
-// Half of an odd width is a tie: the last bit of the easing, and so the order of its operations, decides it.
-TEST(Progress, KeepsTheOrderOfItsOperations) {
-    EXPECT_EQ(openedRow(5, 0.5, 1), "3t 2f");
-    EXPECT_EQ(openedRow(3, 5.5, 11), "1t 2f");
-    EXPECT_EQ(openedRow(1, 7.5, 15), "1t");
-    EXPECT_EQ(openedRow(1, 46.5, 93), "1f");
-}

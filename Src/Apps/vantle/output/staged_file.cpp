@@ -1,11 +1,10 @@
 #include "output/staged_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -32,15 +31,16 @@ StagedFile::StagedFile(fs::path target, bool overwrite) : target_(std::move(targ
     std::string name = stagingName(target_);
     const int file = mkstemp(name.data());
     if (file < 0) failToWrite(target_, errno);
-    fchmod(file, permitted(0666));
     close(file);
     path_ = name;
+    if (overwrite_) rights_ = Rights::of(target_);
 }
 
 StagedFile::StagedFile(StagedFile&& other) noexcept
     : target_(std::move(other.target_)),
       path_(std::exchange(other.path_, fs::path())),
-      overwrite_(other.overwrite_) {}
+      overwrite_(other.overwrite_),
+      rights_(std::move(other.rights_)) {}
 
 StagedFile::~StagedFile() {
     std::error_code ignored;
@@ -48,14 +48,13 @@ StagedFile::~StagedFile() {
 }
 
 void StagedFile::commit() {
-    int result = -1;
-    if (!overwrite_) {
-        result = renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE);
-        if (result != 0 && errno == EEXIST) refuseToReplace(target_);
-    }
-    // Also where the file system knows no rename that refuses to replace.
-    if (result != 0) result = std::rename(path_.c_str(), target_.c_str());
-    if (result != 0) failToWrite(target_, errno);
+    // Only now: what is still being written is its owner's alone.
+    if (std::optional<Rights> now = overwrite_ ? Rights::of(target_) : std::nullopt) rights_ = std::move(now);
+    rights_.value_or(Rights::ofNew(0666)).giveTo(path_);
+    const int error = overwrite_ ? (std::rename(path_.c_str(), target_.c_str()) == 0 ? 0 : errno)
+                                 : renameToFree(path_, target_);
+    if (error == EEXIST) refuseToReplace(target_);
+    if (error != 0) failToWrite(target_, error);
     path_.clear();
 }
 

@@ -2,11 +2,15 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+
+#include "output/staging.h"
 
 namespace vantle {
 
 /// A file written beside its target and renamed to it at the end; without `commit` it is removed and what
-/// stood at the target stays.
+/// stood at the target stays. Until then only its owner may read it; then it gets the rights of the file that
+/// it replaces.
 class StagedFile {
    public:
     /// Creates the empty file beside `target`. Throws Error when the target exists and may not be
@@ -27,6 +31,7 @@ class StagedFile {
     std::filesystem::path target_;
     std::filesystem::path path_;  // empty once committed or moved from
     bool overwrite_;
+    std::optional<Rights> rights_;  // of the file to replace
 };
 
 }  // namespace vantle

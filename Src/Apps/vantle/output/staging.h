@@ -4,7 +4,10 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vantle {
 
@@ -17,8 +20,28 @@ namespace vantle {
 /// The template of a hidden name beside `target`, as mkstemp and mkdtemp take it.
 std::string stagingName(const std::filesystem::path& target);
 
-/// The rights that any new file or folder gets of those asked for. mkstemp and mkdtemp leave them to the
-/// owner.
-mode_t permitted(mode_t asked);
+/// Renames where nothing stands under the new name, and returns 0; or `errno`, EEXIST where something does.
+int renameToFree(const std::filesystem::path& from, const std::filesystem::path& to);
+
+/// Who may do what with a file or folder: its owner, its rights and the attributes that people gave it.
+class Rights {
+   public:
+    /// Those of what stands at `path`, or none. A link is followed.
+    static std::optional<Rights> of(const std::filesystem::path& path);
+
+    /// Those that anything new gets of the rights asked for.
+    static Rights ofNew(mode_t asked);
+
+    /// Gives them to a file or folder that only its owner may use so far. Where this process may not give it
+    /// to the owner or group, nobody gets more rights by that.
+    void giveTo(const std::filesystem::path& path) const;
+
+   private:
+    explicit Rights(mode_t mode) : mode_(mode) {}
+
+    mode_t mode_;
+    std::optional<std::pair<uid_t, gid_t>> owner_;
+    std::vector<std::pair<std::string, std::string>> attributes_;
+};
 
 }  // namespace vantle

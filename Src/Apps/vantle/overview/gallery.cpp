@@ -20,6 +20,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::string_view dataFile = "transitions.js";
 constexpr std::string_view framesFolder = "frames";
+constexpr std::string_view folderTitle =
+    "Made by vantle gallery, which with --force replaces these files and no others.";
 
 /// Evenly spread from start to end, in few digits, so that the command for a frame draws that very frame.
 std::vector<double> evenPositions(int count) {
@@ -43,7 +45,8 @@ std::string spriteName(std::size_t number) {
 
 /// An input as a person calls it.
 std::string title(const std::string& input) {
-    const bool isFile = std::filesystem::exists(input);
+    std::error_code ignored;  // a graph may be too long to be a name
+    const bool isFile = std::filesystem::exists(input, ignored);
     return isFile ? std::filesystem::path(input).filename().string() : input;
 }
 
@@ -90,18 +93,11 @@ std::string data(const OverviewOptions& options, const Overview& overview, const
            ";\n";
 }
 
-/// All names that a gallery has in its folder.
-std::vector<std::string_view> ownNames() {
-    std::vector<std::string_view> names{dataFile, framesFolder};
-    for (const WebFile& file : galleryFiles()) names.push_back(file.name);
-    return names;
-}
-
 }  // namespace
 
 void makeGallery(const GalleryOptions& options) {
     const JoinOptions& asked = options.overview.join;
-    StagedFolder folder(asked.output, asked.force, ownNames());
+    StagedFolder folder(asked.output, asked.force, folderTitle);
     const std::vector<double> positions = evenPositions(options.positions);
     // Frames too large for a sprite are refused before they are loaded.
     const Overview overview(options.overview, positions, [&](Size own) {

@@ -9,6 +9,7 @@ namespace vantle {
 namespace {
 
 volatile std::sig_atomic_t raised = 0;
+volatile std::sig_atomic_t first = 0;
 
 }  // namespace
 
@@ -17,6 +18,7 @@ void catchInterrupts() {
     action.sa_handler = [](int signal) {
         // Not the second: `timeout` and terminals may send the first one twice.
         if (raised == 2) std::signal(signal, SIG_DFL);
+        if (raised == 0) first = signal;
         raised = raised + 1;
     };
     for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
@@ -30,6 +32,12 @@ bool interrupted() { return raised != 0; }
 
 void throwIfInterrupted() {
     if (interrupted()) throw Error("interrupted; nothing was written");
+}
+
+void endIfInterrupted() {
+    if (!interrupted()) return;
+    std::signal(first, SIG_DFL);
+    std::raise(first);
 }
 
 }  // namespace vantle

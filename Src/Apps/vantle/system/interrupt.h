@@ -13,4 +13,8 @@ bool interrupted();
 /// Throws Error once one of those signals has come.
 void throwIfInterrupted();
 
+/// Ends the program by the first of those signals that has come, if one has: a shell's loop then ends too,
+/// which no exit status brings about. To be called when everything is tidied up.
+void endIfInterrupted();
+
 }  // namespace vantle

@@ -57,11 +57,14 @@ class FilmStrip {
   }
 }
 
+// What a transition plays takes this many milliseconds, and so long it rests at either end.
+const running = 1800;
+const rest = 300;
+const period = running + 2 * rest;
+
 /** The frame to show after playing for `milliseconds`: again and again, resting at both ends. */
 function frameAt(milliseconds) {
-  const rest = 500;
-  const running = 1800;
-  const time = milliseconds % (running + 2 * rest) - rest;
+  const time = milliseconds % period - rest;
   return Math.min(Math.max(Math.floor(time / running * frameCount), 0), frameCount - 1);
 }
 
