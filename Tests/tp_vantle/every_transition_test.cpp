@@ -181,7 +181,9 @@ TEST_P(EveryTransition, NeedsAtMost64KiBOfStack) {
 #endif
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, (64 << 10) + sysconf(_SC_THREAD_STACK_MIN)), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(
+                  &attributes, (64U << 10) + static_cast<std::size_t>(sysconf(_SC_THREAD_STACK_MIN))),
+              0);
     for (const Geometry& g : {Geometry{320, 180, 1280}, {8203, 12, 32812}}) {
         Scene scene(g);
         std::function<void()> work = [&] {
