@@ -58,6 +58,7 @@ TEST(Dissolve, ShowsTheFirstPixelsOfOneOrderWhateverWasShownBefore) {
         std::vector<std::size_t> expected(order.begin(), order.begin() + static_cast<int>(1000 * t));
         std::sort(expected.begin(), expected.end());
         EXPECT_EQ(shown(dissolved(scene, t, 30)), expected) << t;
+        EXPECT_TRUE(scene.row(0).ends_with("|10f"));
     }
 }
 
