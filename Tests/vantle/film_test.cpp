@@ -113,7 +113,7 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
             if (entry.contains("join")) found.push_back(entry["join"]["transition"]);
         return found;
     };
-    const std::string many = times(40, "still.png");
+    const std::string many = times(120, "still.png");
     const std::vector<std::string> random = names(many + "-t random --seed 7");
     EXPECT_EQ(random, names(many + "-t random --seed 7"));
     EXPECT_NE(random, names(many + "-t random --seed 8"));
