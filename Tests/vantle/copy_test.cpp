@@ -87,7 +87,8 @@ TEST_F(Copies, AreExactWhateverTheEncodersWereToldToDo) {
     EXPECT_GT(copied("no_b.mov pyramid.mp4 baseline.mkv" + join + " --verify", "a.mov"), 220);
     EXPECT_GT(copied("baseline.mkv cavlc.mp4 intra.mp4 plain.mp4" + join, "a.mkv"), 300);
     EXPECT_EQ(copied("intra.mp4 in=7f out=8f +cut plain.mp4 +cut no_b.mov --copy always", "a.mp4"), 215);
-    // No frame is ever encoded alone beside one with which decoding may begin.
+    // No frame is ever encoded alone beside one with which decoding may begin: the next such one is taken.
+    EXPECT_EQ(plan("no_b.mov in=19f +cut plain.mp4 -o a.mp4")["copied"][0]["first"], 21);
     EXPECT_GT(copied("no_b.mov in=19f +cut pyramid.mp4 out=20f +cut no_b.mov --copy always", "a.mp4"), 100);
     clip("film.mp4", "-g 30 -bf 3", "testsrc2", "24000/1001");
     clip("film2.mp4", "-g 24 -bf 0", "mandelbrot", "24000/1001");
@@ -106,6 +107,12 @@ TEST_F(Copies, EnterHevcAtKeyPicturesThatOthersReferAcross) {
     const std::string join = " -t Row_split --duration 0.5 --copy always";
     EXPECT_GT(copied("open.mp4 open.mp4 in=0.4 closed.mkv" + join, "a.mp4"), 220);
     EXPECT_GT(copied("closed.mkv open.mp4" + join + " --verify", "a.mkv"), 150);
+    // Those which were entered across others say that nothing is shown before them (a type of 18).
+    render("open.mp4 open.mp4 in=0.4" + join + " -f -o a.mp4");
+    EXPECT_EQ(shell(in("ffmpeg -v verbose -i a.mp4 -c copy -bsf:v trace_headers -f null - 2>&1 | "
+                       "grep -c 'nal_unit_type .* = 18$'"))
+                  .text(),
+              "1\n");
 }
 
 TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {

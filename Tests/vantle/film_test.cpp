@@ -121,7 +121,8 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     EXPECT_EQ(random.front(), "Col_split_2");  // and so on every machine
     const nlohmann::json sorted = plan("img10.png img2.png -t 0 --sort natural");
     EXPECT_EQ(sorted["timeline"][0]["input"]["file"], "img2.png");
-    const nlohmann::json shrunk = plan("clip.mp4 clip.mp4 out=1.2 clip.mp4 -t 0 --duration 1 --shrink --copy never");
+    const nlohmann::json shrunk =
+        plan("clip.mp4 clip.mp4 out=1.2 clip.mp4 -t 0 --duration 1 --shrink --copy never");
     EXPECT_EQ(shrunk["timeline"][1]["join"]["frames"], 15);
     EXPECT_EQ(shrunk["warnings"].size(), 2U);
 

@@ -8,6 +8,7 @@
 
 #include "media/decoder.h"
 #include "media/demuxer.h"
+#include "system/interrupt.h"
 
 namespace vantle {
 
@@ -204,6 +205,9 @@ std::string faultOf(const std::string& file, const CopyPlan& plan,
         verification.checkSeams(everything);
     } catch (const Fault& fault) {
         return fault.what();
+    } catch (const Error& error) {
+        throwIfInterrupted();
+        return std::string("it does not decode: ") + error.what();
     }
     return {};
 }
