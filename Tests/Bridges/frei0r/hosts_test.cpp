@@ -21,6 +21,35 @@ class Hosts : public CommandTest {
     }
 };
 
+TEST_F(Hosts, AreGivenTheirFilesInTheHomeOfAUserWhoGetsItBackAsItWas) {
+    const std::string home = "export HOME=\"$PWD/home\" && unset XDG_DATA_HOME && ";
+    const std::string script = home + SOURCE_FOLDER "/scripts/install-editors --build " BUILD_FOLDER;
+    const auto all = [&] {
+        return shell(in("cd home && find . | sort | xargs -d '\\n' sha256sum 2>/dev/null; find . | sort"))
+            .text();
+    };
+    shell(in(
+        "mkdir -p home/.frei0r-1/lib home/.local/share/kdenlive && echo mine >home/.frei0r-1/lib/other.so"));
+    const std::string before = all();
+    for ([[maybe_unused]] const char* const time : {"first", "again"}) {
+        ASSERT_EQ(shell(in(script + " 2>&1")).status, 0);
+        EXPECT_EQ(shell(in("ls home/.frei0r-1/lib/vantle_*.so | wc -l")).text(), "45\n");
+        EXPECT_EQ(shell(in("ls home/.local/share/kdenlive/transitions/vantle_*.xml | wc -l")).text(), "45\n");
+        EXPECT_NE(
+            shell(in(home + "unset MLT_FREI0R_PLUGIN_PATH FREI0R_PATH; melt -query transitions 2>/dev/null"))
+                .text()
+                .find("frei0r.vantle_cirque_zoom_in"),
+            std::string::npos);
+    }
+    EXPECT_EQ(shell(in(script + " --remove")).status, 0);
+    EXPECT_EQ(all(), before);
+    // What is not from here, or no longer as it was, is nobody's to take.
+    shell(in("echo mine >home/.frei0r-1/lib/vantle_twrl.so"));
+    const std::string changed = all();
+    EXPECT_NE(shell(in(script + " 2>&1")).status, 0);
+    EXPECT_EQ(all(), changed);
+}
+
 // Frame k of an overlap of n frames is drawn at k / (n - 1): the first shows nothing but the outgoing clip,
 // the last nothing but the incoming one.
 TEST_F(Hosts, MeltJoinsClipsFromOneEndToTheOther) {
