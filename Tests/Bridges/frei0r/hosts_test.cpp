@@ -57,15 +57,18 @@ TEST_F(Hosts, MeltJoinsClipsFromOneEndToTheOther) {
         << "description=small\nframe_rate_num=25\nframe_rate_den=1\nwidth=162\nheight=98\nprogressive=1\n"
            "sample_aspect_num=1\nsample_aspect_den=1\ndisplay_aspect_num=162\n"
            "display_aspect_den=98\ncolorspace=601\n";
-    for (const auto& [module, transition] :
-         {std::pair{"vantle_col_vantle", "Col_vantle"}, {"vantle_zoom", "Zoom"}}) {
+    struct Join {
+        std::string module, parameter, transition;
+    };
+    // Parameters are known by number and by name, the latter in Kdenlive's projects.
+    for (const auto& [module, parameter, transition] :
+         {Join{"vantle_col_vantle", "0", "Col_vantle"}, {"vantle_zoom", "position", "Zoom"}}) {
         const Outcome melt =
-            shell(in("MLT_FREI0R_PLUGIN_PATH=" MODULE_FOLDER
-                     " QT_QPA_PLATFORM=offscreen SDL_VIDEODRIVER=dummy melt -profile profile a.mkv "
-                     "b.mkv -mix 6 -mixer frei0r." +
-                     std::string(module) +
-                     " 0='0=0;-1=1' -consumer avformat:%02d.png vcodec=png pix_fmt=rgb24 "
-                     "mlt_image_format=rgb real_time=-1 an=1 2>&1"));
+            shell(in("MLT_FREI0R_PLUGIN_PATH=" MODULE_FOLDER " QT_QPA_PLATFORM=offscreen "
+                     "SDL_VIDEODRIVER=dummy melt -profile profile a.mkv b.mkv -mix 6 -mixer frei0r." +
+                     module + " " + parameter +
+                     "='0=0;-1=1' -consumer avformat:%02d.png vcodec=png "
+                     "pix_fmt=rgb24 mlt_image_format=rgb real_time=-1 an=1 2>&1"));
         ASSERT_EQ(melt.status, 0) << melt.text();
         EXPECT_EQ(rgb("14.png"), rgb("a.png"));
         for (int k = 0; k <= 5; ++k) {
