@@ -107,9 +107,9 @@ TEST(Modules, TreatBytes0To2AlikeSoThatTheirOrderIsTheHosts) {
     };
     const Bytes from = contentOf(size.geometry(), 0), to = contentOf(size.geometry(), 1);
     for (const auto& module : modules()) {
-        Instance plain(*module, size, from, to), other(*module, size, permuted(from), permuted(to));
+        Instance plain(*module, size, from, to), another(*module, size, permuted(from), permuted(to));
         for (const double position : positions)
-            EXPECT_EQ(other.draw(position), permuted(plain.draw(position)))
+            EXPECT_EQ(another.draw(position), permuted(plain.draw(position)))
                 << module->name << " at " << position;
     }
 }
@@ -153,7 +153,7 @@ TEST(Modules, DissolveInAnOrderThatTheSizeSettles) {
     constexpr Size size{61, 37};
     const Bytes from = filledWith({1, 2, 3, 4}, size.geometry()),
                 to = filledWith({5, 6, 7, 8}, size.geometry());
-    Instance first(dissolve, size, from, to), other(dissolve, {37, 61}, from, to),
+    Instance first(dissolve, size, from, to), another(dissolve, {37, 61}, from, to),
         second(dissolve, size, from, to);
     const auto shown = [](const Bytes& drawn) {
         std::set<std::size_t> places;
@@ -167,7 +167,7 @@ TEST(Modules, DissolveInAnOrderThatTheSizeSettles) {
     for (const double position : {0.1, 0.3, 0.5, 0.7, 0.9}) {
         const std::set<std::size_t> now = shown(first.draw(position));
         EXPECT_EQ(now, shown(second.draw(position))) << position;
-        EXPECT_NE(now, shown(other.draw(position))) << position;
+        EXPECT_NE(now, shown(another.draw(position))) << position;
         EXPECT_EQ(now.size(), static_cast<std::size_t>(61 * 37 * position));
         EXPECT_TRUE(std::ranges::includes(now, before)) << position;
         before = now;
@@ -179,18 +179,18 @@ TEST(Modules, DissolveInAnOrderThatTheSizeSettles) {
 
 TEST(Modules, DrawTheSameInSeveralThreads) {
     std::vector<std::thread> threads;
-    std::atomic<int> differing = 0;
+    std::atomic<int> changed = 0;
     for (const Size& size : {Size{61, 37}, {64, 36}, {61, 37}})
-        threads.emplace_back([&differing, size] {
+        threads.emplace_back([&changed, size] {
             Scene scene(size.geometry());
             for (const auto& module : modules()) {
                 Instance instance(*module, size, size.turned(scene.from), size.turned(scene.to));
                 const Bytes once = instance.draw(0.4);
                 Instance again(*module, size, size.turned(scene.from), size.turned(scene.to));
                 for (const double position : {0.9, 0.4})
-                    if (again.draw(position) != once && position == 0.4) ++differing;
+                    if (again.draw(position) != once && position == 0.4) ++changed;
             }
         });
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(differing, 0);
+    EXPECT_EQ(changed, 0);
 }
