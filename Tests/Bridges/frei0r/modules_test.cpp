@@ -22,6 +22,9 @@ static bool memoryIsShort = false;
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
+[[gnu::noinline]] VANTLE_API void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size);
+}
 [[gnu::noinline]] VANTLE_API void* operator new[](std::size_t size) { return ::operator new(size); }
 [[gnu::noinline]] VANTLE_API void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] VANTLE_API void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
