@@ -88,7 +88,8 @@ void Plugin::Close::operator()(void* library) const { dlclose(library); }
 Plugin::Plugin(const fs::path& library) {
     // An absolute path, because a bare name would be searched for in the system's folders.
     const fs::path path = fs::absolute(library.empty() ? installedPlugin() : library);
-    library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    // It stays loaded to the end of the process: the dissolve's mask is the library's and is never released.
+    library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE));
     if (!library_) throw Error("cannot load the plug-in: " + std::string(dlerror()));
     const auto count = reinterpret_cast<decltype(&GetTransCount)>(symbol("GetTransCount"));
     const auto record = reinterpret_cast<decltype(&GetTransInfo)>(symbol("GetTransInfo"));

@@ -132,12 +132,6 @@ struct Scene {
         return text;
     }
 
-    /// The same for the pixels of picture column `x`, from the top.
-    std::string column(std::int32_t x) const {
-        const std::ptrdiff_t top = std::ptrdiff_t{geometry.height - 1} * geometry.pitch;
-        return runs(top + 4 * x, -geometry.pitch, geometry.height, 4);
-    }
-
     std::string sourceOf(std::ptrdiff_t at, std::ptrdiff_t size) const {
         const Bytes* const sources[] = {&from, &to, &before, &dimmed};
         for (std::size_t i = 0; i < 4; ++i)
@@ -159,12 +153,9 @@ struct Scene {
         return out[offsetOf(x, y) + static_cast<std::size_t>(byte)];
     }
 
-    /// The values that one byte of the pixels has in a row, as runs: "2x255 1x0"; and in a column.
+    /// The values that one byte of the pixels has in a row, as runs: "2x255 1x0".
     std::string rowValues(std::int32_t y, std::int32_t byte) const {
         return runsOf(geometry.width, [&](auto x) { return 'x' + std::to_string(value(x, y, byte)); });
-    }
-    std::string columnValues(std::int32_t x, std::int32_t byte) const {
-        return runsOf(geometry.height, [&](auto y) { return 'x' + std::to_string(value(x, y, byte)); });
     }
 
     template <typename Label>
@@ -186,30 +177,21 @@ struct Scene {
     std::vector<vantle::Image> images;
 };
 
-using Lines = std::initializer_list<std::pair<std::int32_t, const char*>>;
-
-/// Expects the runs of some rows (or columns) of what a transition draws at a position of 0..1.
-inline void expectRows(const char* function, const Geometry& g, double position, Lines lines) {
+/// Expects the runs of some rows of what a transition draws at a position of 0..1.
+inline void expectRows(const char* function, const Geometry& g, double position,
+                       std::initializer_list<std::pair<std::int32_t, const char*>> rows) {
     Scene scene(g);
     scene.draw(transition(function), position);
-    for (const auto& [y, runs] : lines)
+    for (const auto& [y, runs] : rows)
         EXPECT_EQ(scene.row(y), runs) << g.width << "x" << g.height << " row " << y;
 }
 
-inline void expectColumns(const char* function, const Geometry& g, double position, Lines lines) {
-    Scene scene(g);
-    scene.draw(transition(function), position);
-    for (const auto& [x, runs] : lines)
-        EXPECT_EQ(scene.column(x), runs) << g.width << "x" << g.height << " column " << x;
-}
-
-/// One byte of some pixels of row `y`, drawn over 77s from an imgFrom of 0 only and an imgTo of 255 only: of
+/// One byte of some pixels of row `y`, drawn from an imgFrom of 0 only and an imgTo of 255 only: of
 /// a blended pixel, the weight of imgTo.
 inline std::string weights(const char* function, int w, int h, double position, int y,
-                           std::initializer_list<int> columns, int byte = 0, double duration = 1) {
+                           std::initializer_list<int> columns, int byte = 0) {
     Scene scene({w, h, 4 * w}, Pixel{0, 0, 0, 0}, Pixel{255, 255, 255, 255});
-    scene.before.assign(scene.before.size(), 77);
-    scene.draw(transition(function), position, duration);
+    scene.draw(transition(function), position);
     std::string text;
     for (const int x : columns) (text += ' ') += std::to_string(scene.value(x, y, byte));
     return text;

@@ -2,14 +2,11 @@
 
 namespace tests {
 
-std::span<const PlainRule> plainRules() {
-    static const std::vector<PlainRule> rules = [] {
-        std::vector<PlainRule> all;
-        for (const auto part : {stripRules(), shapeRules(), warpRules(), blendRules()})
-            all.insert(all.end(), part.begin(), part.end());
-        return all;
-    }();
-    return rules;
+const PlainRule* plainRuleOf(std::string_view function) {
+    for (const auto part : {stripRules(), shapeRules(), warpRules(), blendRules()})
+        for (const PlainRule& rule : part)
+            if (rule.function == function) return &rule;
+    return nullptr;
 }
 
 }  // namespace tests

@@ -15,12 +15,12 @@ struct PlainRule {
     double lowest = 0, highest = 1;  ///< positions that the rule holds for
 };
 
-inline void PrintTo(const PlainRule& rule, std::ostream* out) { *out << rule.function; }
-
 std::span<const PlainRule> stripRules();
 std::span<const PlainRule> shapeRules();
 std::span<const PlainRule> warpRules();
 std::span<const PlainRule> blendRules();
-std::span<const PlainRule> plainRules();  ///< all of these
+
+/// The rule among all of these for a transition, or null.
+const PlainRule* plainRuleOf(std::string_view function);
 
 }  // namespace tests

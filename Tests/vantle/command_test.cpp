@@ -74,7 +74,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --encoder-option crf", 2, "KEY=VALUE"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --encoder-option colour=red", 2, "no option colour"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --colour", 2, "--colour"},
-        {"clip.mp4 -t 0 -o out.mp4", 2, "TO"},
+        {"clip.mp4 -t 0 -o out.mp4", 2, "two inputs"},
     };
     for (const Case& bad : cases) {
         const Outcome outcome = vantle(std::string("render -q ") + bad.arguments);
@@ -90,7 +90,8 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
 TEST_F(Command, KeepsWhatStoodThereWhenItCannotFinish) {
     shell(in("echo precious > out.mp4"));
     const Bytes precious = contents("out.mp4");
-    const std::string endless = "render -q -f lavfi:testsrc2=s=640x360:d=600 lavfi:testsrc2 -t 0 -o out.mp4";
+    const std::string endless =
+        "render -q -f lavfi:testsrc2=s=640x360 lavfi:testsrc2 --hold 600 -t 0 -o out.mp4";
     // A limit on the size of files fails a write as a full disk does.
     const Outcome full = shell(in("ulimit -f 16; " VANTLE " " + endless + " 2>&1"));
     EXPECT_EQ(full.status, 1);
@@ -140,8 +141,9 @@ TEST_F(Command, KeepsLinksRightsAndAttributesOfWhatItReplaces) {
     EXPECT_EQ(vantle("gallery -q --positions 2 " + inputs + "page").status, 0);
     EXPECT_TRUE(rights("page").starts_with("2750 "));
     // Until it is complete nobody else reads it.
-    const Outcome watched = vantleWhile("render -q -f lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o link.gif",
-                                        "stat -c %a far/.film.gif.*; kill $$");
+    const Outcome watched =
+        vantleWhile("render -q -f lavfi:testsrc2 lavfi:testsrc2 --hold 600 -t 0 -o link.gif",
+                    "stat -c %a far/.film.gif.*; kill $$");
     EXPECT_TRUE(watched.text().starts_with("600\n")) << watched.text();
 }
 
@@ -160,8 +162,9 @@ TEST_F(Command, TakesTheLongestNames) {
     }
     EXPECT_EQ(files().size(), 8U);
     // What is half written has a name of whole characters too, for file systems that take no other.
-    const Outcome watched = vantleWhile(
-        "render -q lavfi:testsrc2=d=600 lavfi:testsrc2 -t 0 -o " + name(255, ".mp4"), "ls -d .x*; kill $$");
+    const Outcome watched =
+        vantleWhile("render -q lavfi:testsrc2 lavfi:testsrc2 --hold 600 -t 0 -o " + name(255, ".mp4"),
+                    "ls -d .x*; kill $$");
     EXPECT_NE(watched.text().find("\u00e9."), std::string::npos) << watched.text();
 }
 
