@@ -12,7 +12,8 @@ namespace {
 template <typename State>
 void drawFresh(const vantle::Stage& stage, const vantle::Progress& progress) {
     State state;
-    state.fit(stage.width(), stage.height(), 0,
+    const bool fromTop = (*stage.rows().begin()).y() == 0;
+    state.fit(stage.width(), stage.height(), fromTop ? -1 : 1,
               [] { return [n = 1U]() mutable { return (n = n * 1664525 + 1013904223) >> 8; }; });
     state.draw(stage, progress);
 }
