@@ -24,13 +24,6 @@ constexpr std::pair<const char*, vantle::Effect*> effects[] = {
 #include "catalogue/transitions.inc"
 };
 
-Bytes turnedOver(const Bytes& frame, std::ptrdiff_t pitch) {
-    Bytes turned;
-    for (auto row = frame.end(); row != frame.begin(); row -= pitch)
-        turned.insert(turned.end(), row - pitch, row);
-    return turned;
-}
-
 }  // namespace
 
 TEST(Stage, ShowsTheSamePictureWhicheverRowIsStoredFirst) {
