@@ -93,8 +93,7 @@ TEST(Modules, AreOneForEachTransitionAndSayWhatTheyAre) {
         EXPECT_EQ(std::strstr(info.explanation, "family"), nullptr) << "has no sentence of its own";
         f0r_param_info_t position{};
         module.find<decltype(f0r_get_param_info)>("f0r_get_param_info")(&position, info.num_params - 1);
-        EXPECT_STREQ(position.name, "position");
-        EXPECT_EQ(position.type, F0R_PARAM_DOUBLE);
+        EXPECT_TRUE(position.name == std::string("position") && position.type == F0R_PARAM_DOUBLE);
         // Its file and what Kdenlive knows of it are named after its title.
         titles.insert(info.name);
         std::string name = std::regex_replace(info.name, std::regex("[^A-Za-z0-9]+"), "_");
@@ -149,10 +148,12 @@ TEST(Modules, DrawWhatThePluginDrawsWithItsRowsTurnedInWhicheverOrderOfColours) 
                     EXPECT_EQ(drawn, turnedOver(scene.out, size.pitch));
                 }
                 EXPECT_EQ(other.draw(position), permuted(drawn));
-                double told = -7;
-                module.get(instance.instance.get(), &told, 0);
-                EXPECT_TRUE(told == position || std::isnan(position)) << told;
             }
+            // Each has its own position.
+            other.draw(0);
+            double told = -7;
+            module.get(instance.instance.get(), &told, 0);
+            EXPECT_EQ(told, 0.999);
         }
 }
 
