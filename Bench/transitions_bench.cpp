@@ -1,13 +1,15 @@
 // What each transition costs, in milliseconds per frame and in copies: how many times as long as copying
 // the frame it takes. A copy is timed before every drawing, so that a busy machine slows both down alike,
 // and the median of the ratios is kept. With --against PLUGIN another build of the plug-in draws each frame
-// too, in turn, and a last column tells how many times as long as that one this one takes.
+// too, in turn, and a last column tells how many times as long as that one this one takes. With --modules
+// that is told of the modules for other editors and the plug-in, whose own copies are another column.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,6 +18,7 @@
 
 #include "Host/image.h"
 #include "Host/plugin.h"
+#include "modules.h"
 
 namespace {
 
@@ -68,42 +71,59 @@ struct Frames {
     vantle::Image inputs[2];
 };
 
-/// Draws with one transition, or with those of two plug-ins in turn.
-void run(benchmark::State& state, const std::vector<TransFunc*>& contenders, const Size& size) {
+/// Draws a frame at a position 0 to 1.
+using Draw = std::function<void(const Frames& frames, double position)>;
+
+Draw drawing(TransFunc* transition) {
+    return [transition](const Frames& frames, double position) {
+        TransParam param{};
+        param.dDuration = 1.0;
+        param.dPosition = position;
+        transition(frames.out.get(), frames.inputs[0].get(), frames.inputs[1].get(), &param);
+    };
+}
+
+Draw drawing(const bench::Module& module, const Size& size) {
+    return [instance = module.instance(size.width, size.height)](const Frames& frames, double position) {
+        instance(position, DIGetBits(frames.inputs[0].get()), DIGetBits(frames.inputs[1].get()),
+                 DIGetBits(frames.out.get()));
+    };
+}
+
+/// Draws with one transition, or with two in turn.
+void run(benchmark::State& state, const std::vector<Draw>& contenders, const Size& size) {
     static std::map<std::int32_t, Frames> framesByHeight;
     const Frames& frames = framesByHeight.try_emplace(size.height, size).first->second;
-    std::vector<double> copies, against;
+    std::vector<double> copies, otherCopies, against;
     std::size_t turn = 0;
     for ([[maybe_unused]] auto _ : state) {
-        double copying = 0, drawing[2] = {};
+        double copying[2] = {}, drawing[2] = {};
         for (const double position : positions) {
-            TransParam param{};
-            param.dDuration = 1.0;
-            param.dPosition = position;
             ++turn;
             for (std::size_t i = 0; i < contenders.size(); ++i) {
                 const std::size_t which = (i + turn) % contenders.size();
-                const double copied = secondsFor([&] { frames.copy(turn % 2); });
-                drawing[which] += secondsFor([&] {
-                    contenders[which](frames.out.get(), frames.inputs[0].get(), frames.inputs[1].get(),
-                                      &param);
-                });
-                if (which == 0) copying += copied;
+                copying[which] += secondsFor([&] { frames.copy(turn % 2); });
+                drawing[which] += secondsFor([&] { contenders[which](frames, position); });
             }
         }
-        copies.push_back(drawing[0] / copying);
-        if (contenders.size() > 1) against.push_back(drawing[0] / drawing[1]);
+        copies.push_back(drawing[0] / copying[0]);
+        if (contenders.size() > 1) {
+            otherCopies.push_back(drawing[1] / copying[1]);
+            against.push_back(drawing[0] / drawing[1]);
+        }
         state.SetIterationTime(drawing[0] / std::size(positions));
     }
     state.counters["copies"] = median(std::move(copies));
-    if (!against.empty()) state.counters["against"] = median(std::move(against));
+    if (against.empty()) return;
+    state.counters["other"] = median(std::move(otherCopies));
+    state.counters["against"] = median(std::move(against));
 }
 
 /// One line per transition and size; at the end, for each size, the median of all its transitions.
 class Table : public benchmark::BenchmarkReporter {
    public:
     bool ReportContext(const Context&) override {
-        print("transition", "ms/frame", "copies", "against");
+        print("transition", "ms/frame", "copies", "other's", "against");
         return true;
     }
 
@@ -111,9 +131,12 @@ class Table : public benchmark::BenchmarkReporter {
         for (const Run& run : runs) {
             const std::string& name = run.run_name.function_name;
             const double copies = run.counters.at("copies");
-            const auto against = run.counters.find("against");
+            const auto counter = [&](const char* wanted, int decimals) {
+                const auto found = run.counters.find(wanted);
+                return found != run.counters.end() ? fixed(found->second, decimals) : "";
+            };
             print(name + " " + run.aggregate_name, fixed(run.GetAdjustedRealTime(), 3), fixed(copies, 2),
-                  against != run.counters.end() ? fixed(against->second, 3) : "");
+                  counter("other", 2), counter("against", 3));
             if (run.run_type == Run::RT_Iteration)
                 copiesBySize_[name.substr(name.find('/') + 1)].push_back(copies);
         }
@@ -132,8 +155,9 @@ class Table : public benchmark::BenchmarkReporter {
     }
 
     static void print(const std::string& name, const std::string& time, const std::string& copies,
-                      const std::string& against = {}) {
-        std::printf("%-40s %10s %8s %8s\n", name.c_str(), time.c_str(), copies.c_str(), against.c_str());
+                      const std::string& other = {}, const std::string& against = {}) {
+        std::printf("%-40s %10s %8s %8s %8s\n", name.c_str(), time.c_str(), copies.c_str(), other.c_str(),
+                    against.c_str());
         std::fflush(stdout);
     }
 
@@ -145,16 +169,21 @@ class Table : public benchmark::BenchmarkReporter {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     const bool compares = argc == 3 && argv[1] == std::string_view("--against");
-    if (!compares && benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    const bool bridges = argc == 2 && argv[1] == std::string_view("--modules");
+    if (!compares && !bridges && benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     const vantle::Plugin plugin(PLUGIN_PATH);
     std::optional<vantle::Plugin> other;
     if (compares) other.emplace(argv[2]);
+    const std::vector<bench::Module> modules = bridges ? bench::allModules() : std::vector<bench::Module>();
     for (const Size& size : sizes)
         for (const vantle::Transition& transition : plugin.transitions()) {
-            std::vector<TransFunc*> contenders{transition.draw};
+            std::vector<Draw> contenders{drawing(transition.draw)};
             if (other)
                 for (const vantle::Transition& same : other->transitions())
-                    if (same.function == transition.function) contenders.push_back(same.draw);
+                    if (same.function == transition.function) contenders.push_back(drawing(same.draw));
+            for (const bench::Module& module : modules)
+                if (module.function == transition.function)
+                    contenders.insert(contenders.begin(), drawing(module, size));
             if (transition.draw != nullptr)
                 benchmark::RegisterBenchmark(
                     (transition.function + "/" + size.text()).c_str(),

@@ -174,7 +174,7 @@ TEST_F(Command, WorksInstalledAndServesOtherHosts) {
             .status,
         0);
     EXPECT_EQ(
-        shell(in("cd there && find . ! -type d | LC_ALL=C sort")).text(),
+        shell(in("cd there && find . ! -type d | grep -Ev '/frei0r-1/|/kdenlive/' | LC_ALL=C sort")).text(),
         "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/catalogue/contract.h\n"
         "./" LIBDIR
         "/libtp_vantle.so\n./lib/pkgconfig/tp_vantle.pc\n"

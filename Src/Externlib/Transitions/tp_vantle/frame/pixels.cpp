@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <cstring>
 
 #include "frame/multiversion.h"
 
@@ -29,13 +31,13 @@ const std::uint8_t* pixelsOf(const Run& run, Source source) {
 }
 
 const std::uint8_t* fourthOf(const Run& run, Fourth fourth) {
-    if (fourth == Fourth::kept) return run.out;
+    if (fourth == Fourth::kept) return run.kept;
     return fourth == Fourth::ofTo ? run.to : run.from;
 }
 
 Run tail(const Run& run, std::int32_t first, std::int32_t count) {
     const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
-    return {run.out + offset, run.from + offset, run.to + offset, count};
+    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count};
 }
 
 /// Bytes 0 to 2 of one pixel and byte 3 of another. `out` may be either.
@@ -100,7 +102,12 @@ VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
 }  // namespace
 
 VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
-    mergeFourth(run.out, pixelsOf(run, colours), fourthOf(run, fourth), run.count);
+    const std::uint8_t* const pixels = pixelsOf(run, colours);
+    const std::uint8_t* const other = fourthOf(run, fourth);
+    if (pixels == other)  // as where a byte 3 is kept that is the same frame's
+        std::memcpy(run.out, pixels, std::size_t{4} * static_cast<std::size_t>(run.count));
+    else
+        mergeFourth(run.out, pixels, other, run.count);
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
@@ -177,7 +184,12 @@ VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_
 }
 
 VANTLE_INLINE void blackenWords(Run run) {
-    for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] &= 0xFF000000U;
+    for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] = words(run.kept)[i] & 0xFF000000U;
+}
+
+VANTLE_INLINE void sampleWords(Run run, const std::uint8_t* pixels, const std::int32_t* columns) {
+    for (std::int32_t i = 0; i < run.count; ++i)
+        words(run.out)[i] = (words(pixels)[columns[i]] & 0x00FFFFFFU) | (words(run.kept)[i] & 0xFF000000U);
 }
 
 }  // namespace
@@ -202,15 +214,15 @@ VANTLE_MULTIVERSION void pick(std::uint8_t* out, const std::uint8_t* pixels, con
         words(out)[i] = *words(pixels + std::ptrdiff_t{pitch} * rows[i] + std::ptrdiff_t{4} * columns[i]);
 }
 
-VANTLE_MULTIVERSION void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-                                std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i)
-        words(out)[i] = (words(pixels)[columns[i]] & 0x00FFFFFFU) | (words(out)[i] & 0xFF000000U);
+VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns) {
+    sampleWords(run, pixels, columns);
 }
 
-void sampleFaded(std::uint8_t* out, const std::uint8_t* over, const std::int32_t* overColumns,
-                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity,
-                 std::int32_t count) {
+void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* overColumns,
+                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity) {
+    std::uint8_t* const out = run.out;
+    const std::uint8_t* const kept = run.kept;
+    const std::int32_t count = run.count;
     const float rest = 1.0F - opacity;
     for (std::int32_t i = 0; i < count; ++i) {
         const std::uint8_t* const g = over + std::ptrdiff_t{4} * overColumns[i];
@@ -218,6 +230,7 @@ void sampleFaded(std::uint8_t* out, const std::uint8_t* over, const std::int32_t
         for (std::int32_t byte = 0; byte < 3; ++byte)
             out[4 * i + byte] = static_cast<std::uint8_t>(static_cast<float>(g[byte]) * opacity +
                                                           static_cast<float>(f[byte]) * rest);
+        out[4 * i + 3] = kept[4 * i + 3];
     }
 }
 

@@ -15,7 +15,7 @@ enum class Fourth : std::uint8_t {
     mixed,   ///< treated like the other three
     ofFrom,  ///< that of imgFrom
     ofTo,    ///< that of imgTo
-    kept     ///< not written: that which imgOut held
+    kept     ///< not written: that which imgOut held, unless the stage is `keeping` an input's
 };
 
 /// What a weighted byte is divided by. Each of the two products is divided on its own and truncated; by 256
@@ -27,7 +27,8 @@ struct Run {
     std::uint8_t* out;
     const std::uint8_t* from;
     const std::uint8_t* to;
-    std::int32_t count;  ///< pixels
+    const std::uint8_t* kept;  ///< where a byte 3 that is kept comes from: `out`, or an input
+    std::int32_t count;        ///< pixels
 };
 
 /// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: twice, for the two
@@ -76,7 +77,7 @@ void fade(const Run& run, float share);
 /// The same with a share for each pixel.
 void fade(const Run& run, const Share* shares);
 
-/// Bytes 0 to 2 black; byte 3 is not written.
+/// Bytes 0 to 2 black; byte 3 kept.
 void blacken(const Run& run);
 
 /// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
@@ -86,12 +87,11 @@ void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
 void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
           const std::int32_t* rows, std::int32_t pitch, std::int32_t count);
 
-/// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 is not written.
-void sample(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);
+/// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 kept.
+void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns);
 
 /// The same from two rows: bytes over * opacity + under * (1 - opacity) in single precision, truncated.
-void sampleFaded(std::uint8_t* out, const std::uint8_t* over, const std::int32_t* overColumns,
-                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity,
-                 std::int32_t count);
+void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* overColumns,
+                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity);
 
 }  // namespace vantle

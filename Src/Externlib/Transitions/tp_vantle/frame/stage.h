@@ -20,8 +20,8 @@ class Row {
     struct Samples;
 
     Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
-        const std::uint8_t* to)
-        : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to) {}
+        const std::uint8_t* to, const std::uint8_t* kept)
+        : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to), kept_(kept) {}
 
     std::int32_t y() const { return y_; }       ///< picture row, counted from the top
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
@@ -95,7 +95,7 @@ class Row {
         return *this;
     }
 
-    /// Bytes 0 to 2 black, byte 3 as the output held it.
+    /// Bytes 0 to 2 black, byte 3 kept.
     Row& black(std::int32_t end) {
         if (const Run run = next(end); run.count > 0) blacken(run);
         return *this;
@@ -117,7 +117,7 @@ class Row {
         return *this;
     }
 
-    /// Bytes 0 to 2 of sampled pixels.
+    /// Bytes 0 to 2 of sampled pixels, byte 3 kept.
     Row& sampled(const Samples& samples, std::int32_t end);
 
     /// The same with `opacity` 0 to 1, faded in over other samples.
@@ -153,7 +153,7 @@ class Row {
     Run next(std::int32_t end) {
         const std::int32_t start = at_;
         at_ = std::max(at_, 4 * std::clamp(end, 0, width_));
-        return {out_ + start, from_ + start, to_ + start, (at_ - start) / 4};
+        return {out_ + start, from_ + start, to_ + start, kept_ + start, (at_ - start) / 4};
     }
 
     std::int32_t y_;
@@ -163,6 +163,7 @@ class Row {
     std::uint8_t* out_;
     const std::uint8_t* from_;
     const std::uint8_t* to_;
+    const std::uint8_t* kept_;
 };
 
 struct Row::Samples {
@@ -176,8 +177,7 @@ struct Row::Samples {
 
 inline Row& Row::sampled(const Samples& samples, std::int32_t end) {
     const std::int32_t skipped = x() - samples.first;
-    if (const Run run = next(end); run.count > 0)
-        sample(run.out, samples.pixels(), samples.columns + skipped, run.count);
+    if (const Run run = next(end); run.count > 0) sample(run, samples.pixels(), samples.columns + skipped);
     return *this;
 }
 
@@ -185,8 +185,8 @@ inline Row& Row::faded(const Samples& over, const Samples& under, float opacity,
     const std::int32_t overSkipped = x() - over.first;
     const std::int32_t underSkipped = x() - under.first;
     if (const Run run = next(end); run.count > 0)
-        sampleFaded(run.out, over.pixels(), over.columns + overSkipped, under.pixels(),
-                    under.columns + underSkipped, opacity, run.count);
+        sampleFaded(run, over.pixels(), over.columns + overSkipped, under.pixels(),
+                    under.columns + underSkipped, opacity);
     return *this;
 }
 
@@ -199,7 +199,15 @@ class Stage {
     /// of.
     Stage(std::int32_t width, std::int32_t height, std::int32_t pitch, std::uint8_t* out,
           const std::uint8_t* from, const std::uint8_t* to)
-        : width_(width), height_(height), pitch_(pitch), out_(out), from_(from), to_(to) {}
+        : width_(width), height_(height), pitch_(pitch), out_(out), from_(from), to_(to), kept_(out) {}
+
+    /// The same frames for a host whose output holds nothing yet: a byte 3 that an effect keeps, as the
+    /// output held it, is that of an input frame instead.
+    Stage keeping(Source source) const {
+        Stage stage = *this;
+        stage.kept_ = source == Source::to ? to_ : from_;
+        return stage;
+    }
 
     std::int32_t width() const { return width_; }    ///< pixels
     std::int32_t height() const { return height_; }  ///< rows
@@ -213,7 +221,7 @@ class Stage {
     /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
     Row row(std::int32_t y) const {
         const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
-        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset};
+        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset, kept_ + offset};
     }
 
    private:
@@ -226,6 +234,7 @@ class Stage {
     std::uint8_t* out_;
     const std::uint8_t* from_;
     const std::uint8_t* to_;
+    const std::uint8_t* kept_;
 };
 
 class Stage::RowIterator {
