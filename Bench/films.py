@@ -1,39 +1,8 @@
 """Joins the same clips with vantle and with FFmpeg's xfade and acrossfade, with the same encoder settings, and
 then with vantle ever more of them: films.py VANTLE [FOLDER]. Prints wall time and peak memory of each."""
-import os, subprocess, sys, tempfile, time
+from clips import clip, run, show, start
 
-vantle = os.path.abspath(sys.argv[1])
-folder = sys.argv[2] if len(sys.argv) > 2 else tempfile.mkdtemp(prefix='vantle-bench-')
-os.makedirs(folder, exist_ok=True)
-os.chdir(folder)
-
-
-def run(*command):
-    """Seconds and megabytes."""
-    start = time.monotonic()
-    process = subprocess.Popen(command)
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        sys.exit(f'{command[0]} failed')
-    return time.monotonic() - start, usage.ru_maxrss / 1024
-
-
-def show(what, seconds, megabytes, name):
-    probe = subprocess.run(['ffprobe', '-v', 'error', '-show_entries', 'stream=duration', '-of', 'csv=p=0', name],
-                           stdout=subprocess.PIPE, text=True, check=True).stdout.split()
-    print(f'{what:28} {seconds:7.1f} s {megabytes:7.0f} MB   pictures {probe[0]} s, sound {probe[1]} s', flush=True)
-
-
-def clip(name, size, seconds, seed):
-    if not os.path.exists(name):
-        run('ffmpeg', '-v', 'error', '-f', 'lavfi', '-i',
-            f'testsrc2=s={size}:r=30,hue=h={36 * seed}', '-f', 'lavfi', '-i',
-            f'sine=f={300 + 40 * seed}:r=48000', '-t', str(seconds), '-c:v', 'libx264', '-preset', 'veryfast', '-crf',
-            '20', '-c:a', 'aac', '-y', name)
-    return name
-
-
+vantle = start()
 clips = [clip(f'clip{i}.mp4', '1920x1080', 10, i) for i in range(10)]
 inputs, graph, video, sound = [], '', '0:v', '0:a'
 for i, name in enumerate(clips):

@@ -76,18 +76,20 @@ StretchEncoder::StretchEncoder(const CopyPlan& copyPlan, const std::string& name
         throw NotCopied("its joins need an encoder like that of " +
                         plan.film.parts[plan.model].input->name() + ", which " + chosen + " is not; " +
                         usual + " is");
+    // Pictures between pictures that others refer to take room for four.
+    const bool pyramid = reorder >= 2 && references >= 4;
     if (chosen == "libx264") {
         // Its parameter sets must not take the place of those that copied pictures refer to.
         const std::set<int> used = identifiers(plan);
         int id = 0;
         while (used.contains(id)) ++id;
         options = {{"preset", "veryfast"}, {"crf", "16"}, {"x264-params", "sps-id=" + std::to_string(id)}};
-        if (reorder < 2) options["b-pyramid"] = "none";
+        if (!pyramid) options["b-pyramid"] = "none";
     } else if (chosen == "libx265") {
         options = {{"preset", "veryfast"},
                    {"crf", "16"},
                    {"x265-params", std::string("log-level=error:open-gop=0:info=0:repeat-headers=0") +
-                                       (reorder < 2 ? ":b-pyramid=0" : "")}};
+                                       (pyramid ? "" : ":b-pyramid=0")}};
     }
     options = withUsersOptions(options, users);
 }
@@ -108,8 +110,7 @@ std::unique_ptr<Encoder> StretchEncoder::open() const {
         context.chroma_sample_location = like.chroma_location;
         context.profile = like.profile;
         context.level = plan.modelPictures().coding == NalCoding::h264 ? like.level : context.level;
-        context.refs = std::max(references, 1);
-        if (reorder == 0) context.max_b_frames = 0;
+        if (reorder == 0 || references < 2) context.max_b_frames = 0;
         context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     });
 }

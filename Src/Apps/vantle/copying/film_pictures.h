@@ -32,7 +32,7 @@ struct StretchEncoder {
     const AVCodec* codec;
     av::Options options;
     int reorder;     ///< the most places by which copied pictures are coded early
-    int references;  ///< that the model's pictures may make
+    int references;  ///< pictures that the model's may refer to: no more room is taken
 };
 
 /// One stretch of a film's frames, encoded.
