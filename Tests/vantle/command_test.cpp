@@ -18,7 +18,10 @@ TEST_F(Command, ListsTheCatalogue) {
                                        {"name", "Col_vantle"},
                                        {"function", "TrColVantle"},
                                        {"family", "strips"},
-                                       {"guid", "25045AAA-9ACA-445c-B24C-21052C9B8D27"}}));
+                                       {"guid", "25045AAA-9ACA-445c-B24C-21052C9B8D27"},
+                                       {"sentence",
+                                        "Bands of columns open with the incoming picture from the top and "
+                                        "from the bottom in turn."}}));
     EXPECT_NE(vantle("list").text().find("TrColVantle"), std::string::npos);
 }
 
