@@ -58,7 +58,8 @@ void addListCommand(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand("list", "List the transitions");
     command->add_flag("--json", options->json, "As JSON");
-    command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)");
+    command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)")
+        ->type_name("FILE");
     command->callback([options] { list(options->plugin, options->json); });
 }
 
