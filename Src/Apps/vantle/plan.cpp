@@ -42,7 +42,29 @@ Json joinEntry(const Join& join) {
     return {{"join", {{"transition", name}, {"first", join.start}, {"frames", join.frames}}}};
 }
 
-void printJson(const Film& film, const std::vector<std::string>& notes) {
+std::int64_t copiedFrames(const std::vector<Stretch>& stretches) {
+    std::int64_t frames = 0;
+    for (const Stretch& stretch : stretches)
+        if (stretch.part) frames += stretch.frames;
+    return frames;
+}
+
+double share(std::int64_t frames, const Film& film) {
+    return static_cast<double>(frames) / static_cast<double>(film.frames());
+}
+
+/// Which frames are copied, as "0-99, 130-299".
+std::string copiedRanges(const std::vector<Stretch>& stretches) {
+    std::string text;
+    for (const Stretch& stretch : stretches)
+        if (stretch.part)
+            text += (text.empty() ? "" : ", ") + std::to_string(stretch.first) + "-" +
+                    std::to_string(stretch.end() - 1);
+    return text;
+}
+
+void printJson(const Film& film, const std::vector<Stretch>& stretches,
+               const std::vector<std::string>& notes) {
     Json plan;
     plan["frames"] = film.frames();
     plan["seconds"] = inThousandths(seconds(film.frames(), film));
@@ -54,6 +76,10 @@ void printJson(const Film& film, const std::vector<std::string>& notes) {
         timeline.push_back(inputEntry(film, film.parts[i]));
         if (i < film.joins.size()) timeline.push_back(joinEntry(film.joins[i]));
     }
+    Json& copied = plan["copied"] = Json::array();
+    for (const Stretch& stretch : stretches)
+        if (stretch.part) copied.push_back({{"first", stretch.first}, {"frames", stretch.frames}});
+    plan["copiedShare"] = inThousandths(share(copiedFrames(stretches), film));
     plan["warnings"] = notes;
     // A file's name need not be text.
     std::puts(plan.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
@@ -67,9 +93,10 @@ void printRow(const Film& film, std::int64_t start, std::int64_t frames, const s
 
 }  // namespace
 
-void printPlan(const Film& film, const std::vector<std::string>& notes, bool json) {
+void printPlan(const Film& film, const std::vector<Stretch>& stretches, const std::vector<std::string>& notes,
+               bool json) {
     if (json) {
-        printJson(film, notes);
+        printJson(film, stretches, notes);
         return;
     }
     std::printf("%15s  %9s  %9s\n", "FRAMES", "FROM", "LENGTH");
@@ -92,6 +119,10 @@ void printPlan(const Film& film, const std::vector<std::string>& notes, bool jso
     std::printf("\n%lld frames, %s, %dx%d, %g frames per second\n", static_cast<long long>(film.frames()),
                 clock(seconds(film.frames(), film)).c_str(), film.canvas.size.width, film.canvas.size.height,
                 av_q2d(film.canvas.rate));
+    if (const std::int64_t copied = copiedFrames(stretches); copied > 0)
+        std::printf("Copied: %lld frames (%.1f %%), %s; the others are encoded\n",
+                    static_cast<long long>(copied), 100.0 * share(copied, film),
+                    copiedRanges(stretches).c_str());
     for (const std::string& note : notes) std::printf("Note: %s\n", note.c_str());
 }
 

@@ -4,12 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "copying/copy_plan.h"
 #include "timeline/film.h"
 
 namespace vantle {
 
-/// Prints every input and join of a film with its frames, and what its user should know before, to standard
-/// output: as a table, or as JSON.
-void printPlan(const Film& film, const std::vector<std::string>& notes, bool json);
+/// Prints every input and join of a film with its frames, which frames are copied (`stretches`; none: all are
+/// encoded), and what its user should know before, to standard output: as a table, or as JSON.
+void printPlan(const Film& film, const std::vector<Stretch>& stretches, const std::vector<std::string>& notes,
+               bool json);
 
 }  // namespace vantle

@@ -10,6 +10,7 @@
 #include <random>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,8 @@ extern "C" {
 }
 
 #include "Host/plugin.h"
+#include "copying/copy_film.h"
+#include "copying/copy_plan.h"
 #include "operands.h"
 #include "options.h"
 #include "output/writer.h"
@@ -38,6 +41,8 @@ struct JoinPosition {
     double position = 0.0;            ///< 0 to 1
 };
 
+enum class CopyMode : std::uint8_t { automatic, always, never };
+
 struct RenderOptions {
     JoinOptions join;
     std::vector<std::string> operands;
@@ -54,6 +59,8 @@ struct RenderOptions {
     std::optional<FrameRange> frames;
     bool plan = false;
     bool json = false;
+    std::optional<CopyMode> copy;  ///< what the output and the other options suggest when absent
+    bool verify = false;
     std::string joins;  ///< the picture of all joins to write
     EncoderNames encoders;
     av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
@@ -115,8 +122,7 @@ std::optional<SoundWish> soundOf(const RenderOptions& options, const Film& film)
     }
     if (!wish && !options.music.file.empty()) wish = {48000, 2};
     if (!wish) return {};
-    // One channel is as much as two, and is heard in the middle everywhere.
-    wish->channels = options.channels.value_or(std::max(wish->channels, 2));
+    wish->channels = options.channels.value_or(wish->channels);
     return wish;
 }
 
@@ -132,7 +138,8 @@ class Rendering {
           reader_(film, next_, writer.soundFormat().has_value()),
           painter_(film.canvas.size, writer.pictureFormat()) {
         if (const std::optional<SoundFormat> format = writer.soundFormat())
-            sound_.emplace(film, *format, next_, music);
+            sound_.emplace(film, *format, sampleOf(next_, film.canvas.rate, format->sampleRate), music,
+                           false);
     }
 
     void run() {
@@ -183,6 +190,78 @@ std::uint32_t seedOf(const RenderOptions& options, const Sequence& sequence) {
     return seed;
 }
 
+/// How much is to be copied: what was asked for, else as much as can be of what nothing else changes.
+CopyMode copyMode(const RenderOptions& options, const std::optional<OutputKind>& kind, const Canvas& canvas,
+                  std::span<const std::unique_ptr<Input>> inputs) {
+    const MovieKind* const movie = kind ? kind->movie : nullptr;
+    const std::string_view ending = movie != nullptr ? movie->ending : ".mp4";
+    const bool copies = !options.at && !options.frames && options.join.output != "-" &&
+                        (!kind || movie != nullptr) &&
+                        (ending == ".mp4" || ending == ".mov" || ending == ".mkv");
+    if (options.copy == CopyMode::always && !copies)
+        throw UsageError("--copy always: only whole films are copied, and into .mp4, .mov or .mkv");
+    if (!copies) return CopyMode::never;
+    if (options.copy) return *options.copy;
+    const bool changes = !options.encoders.video.empty() || !options.encoderOptions.empty() ||
+                         (options.size && *options.size != inputs.front()->size()) ||
+                         (options.join.fps && av_cmp_q(canvas.rate, commonRate(inputs)) != 0);
+    return changes || ending == ".mkv" ? CopyMode::never : CopyMode::automatic;
+}
+
+/// What is copied of the film; none when nothing is. `notes` gets a line about what is not.
+std::optional<CopyPlan> planCopies(const RenderOptions& options, CopyMode mode, const Film& film,
+                                   std::vector<std::string>& notes) {
+    if (mode == CopyMode::never) return {};
+    CopyPlan plan = planCopy(
+        film, {soundOf(options, film), options.music.file.empty() && options.encoders.sound.empty()});
+    const bool none = plan.copied() == 0;
+    if (plan.refusals.empty() && none) plan.refusals.emplace_back("all frames lie in joins");
+    if (!plan.refusals.empty()) {
+        if (mode == CopyMode::always) throw Error("--copy always: " + plan.refusals.front());
+        const std::size_t others = plan.refusals.size() - 1;
+        notes.push_back((none ? "nothing is copied: " : "not copied: ") + plan.refusals.front() +
+                        (others > 0 ? "; nor are " + std::to_string(others) + " more" : ""));
+    }
+    return none ? std::nullopt : std::optional(std::move(plan));
+}
+
+void tellWritten(const std::string& output, std::int64_t frames, Size size, std::int64_t copied) {
+    std::fprintf(stderr, "%s: %lld frame%s of %dx%d", output == "-" ? "standard output" : output.c_str(),
+                 static_cast<long long>(frames), frames == 1 ? "" : "s", size.width, size.height);
+    if (copied > 0) std::fprintf(stderr, ", %lld of them copied", static_cast<long long>(copied));
+    std::fputc('\n', stderr);
+}
+
+/// Writes the film as planned; false when it did not become what it should be.
+bool writeCopies(const RenderOptions& options, const OutputKind& kind, const CopyPlan& plan) {
+    const JoinOptions& asked = options.join;
+    ProgressBar progress(plan.film.frames(), asked.quiet);
+    std::string fault;
+    try {
+        fault = copyFilm(plan,
+                         {.kind = *kind.movie,
+                          .name = asked.output,
+                          .overwrite = asked.force,
+                          .encoders = options.encoders,
+                          .encoderOptions = options.encoderOptions,
+                          .sound = kind.holdsSound ? soundOf(options, plan.film) : std::nullopt,
+                          .music = options.music,
+                          .verifyAll = options.verify},
+                         progress);
+        if (!fault.empty()) fault.insert(0, "copied, the film is not right: ");
+    } catch (const NotCopied& why) {
+        fault = std::string("nothing is copied: ") + why.what();
+    }
+    progress.finish();
+    if (fault.empty()) {
+        if (!asked.quiet) tellWritten(asked.output, plan.film.frames(), plan.film.canvas.size, plan.copied());
+        return true;
+    }
+    if (options.copy == CopyMode::always) throw Error("--copy always: " + fault);
+    if (!asked.quiet) std::fprintf(stderr, "vantle: %s; all is encoded\n", fault.c_str());
+    return false;
+}
+
 void writeFilm(const RenderOptions& options, const OutputKind& kind, const Film& film,
                std::span<const std::unique_ptr<Input>> inputs) {
     const JoinOptions& asked = options.join;
@@ -210,10 +289,7 @@ void writeFilm(const RenderOptions& options, const OutputKind& kind, const Film&
     progress.finish();
     if (asked.quiet) return;
     reportDamage(inputs);
-    std::fprintf(stderr, "%s: %lld frame%s of %dx%d\n",
-                 asked.output == "-" ? "standard output" : asked.output.c_str(),
-                 static_cast<long long>(frames), frames == 1 ? "" : "s", film.canvas.size.width,
-                 film.canvas.size.height);
+    tellWritten(asked.output, frames, film.canvas.size, 0);
 }
 
 void render(const RenderOptions& options) {
@@ -247,8 +323,11 @@ void render(const RenderOptions& options) {
         sequence, inputs, transitions, canvas,
         {asked.duration, options.hold.value_or(Time{pictures ? 0.0 : 1.0, false}), options.shrink, numbered},
         notes);
+    const CopyMode mode = copyMode(options, kind, canvas, inputs);
+    const std::optional<CopyPlan> copies =
+        options.joins.empty() ? planCopies(options, mode, film, notes) : std::nullopt;
     if (options.plan) {
-        printPlan(film, notes, options.json);
+        printPlan(film, copies ? copies->stretches : std::vector<Stretch>{}, notes, options.json);
         return;
     }
     if (!asked.quiet)
@@ -257,7 +336,7 @@ void render(const RenderOptions& options) {
         drawJoins(film, options.joins, asked.force, asked.quiet);
         return;
     }
-    writeFilm(options, *kind, film, inputs);
+    if (!copies || !writeCopies(options, *kind, *copies)) writeFilm(options, *kind, film, inputs);
 }
 
 // Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".
@@ -283,6 +362,10 @@ JoinPosition parseAt(const std::string& text) {
     if (used == 0 || used != position.size() || !(at.position >= 0.0 && at.position <= 1.0))
         throw CLI::ValidationError("--at", "\"" + text + "\" is no position of 0 to 1 (as 0.5, or 2:0.5)");
     return at;
+}
+
+CopyMode parseCopy(const std::string& text) {
+    return text == "always" ? CopyMode::always : text == "never" ? CopyMode::never : CopyMode::automatic;
 }
 
 FrameRange parseFrames(const std::string& text) {
@@ -359,6 +442,14 @@ void addRenderCommand(CLI::App& app) {
         ->check(CLI::Range(1, 8));
     command->add_flag("--plan", options.plan, "Only tell what the film will be, frame by frame");
     command->add_flag("--json", options.json, "With --plan: tell it as JSON")->needs("--plan");
+    command
+        ->add_option_function<std::string>(
+            "--copy", [&](const std::string& text) { options.copy = parseCopy(text); },
+            "Copy packets where nothing changes: auto, always (or fail) or never (default: auto in .mp4 and "
+            ".mov)")
+        ->type_name("auto|always|never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    command->add_flag("--verify", options.verify, "Compare all frames that were copied with their sources");
     command->add_option("--joins", options.joins, "Only draw all transitions on one picture of this name")
         ->type_name("FILE");
     command->add_option_function<std::string>(

@@ -23,6 +23,7 @@ struct Delete {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+    void operator()(AVCodecParameters* form) const { avcodec_parameters_free(&form); }
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
@@ -31,6 +32,7 @@ using Frame = std::unique_ptr<AVFrame, Delete>;
 using Packet = std::unique_ptr<AVPacket, Delete>;
 using Input = std::unique_ptr<AVFormatContext, Delete>;
 using Codec = std::unique_ptr<AVCodecContext, Delete>;
+using Parameters = std::unique_ptr<AVCodecParameters, Delete>;
 using Graph = std::unique_ptr<AVFilterGraph, Delete>;
 using Scaler = std::unique_ptr<SwsContext, Delete>;
 

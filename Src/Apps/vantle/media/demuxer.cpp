@@ -56,6 +56,17 @@ std::optional<int> Demuxer::best(AVMediaType type) const {
     return stream >= 0 ? std::optional(stream) : std::nullopt;
 }
 
+void Demuxer::useAlone(int stream) {
+    alone_ = stream;
+    passOverOthers();
+    use(stream);
+}
+
+void Demuxer::passOverOthers() {
+    for (unsigned i = 0; i < input_->nb_streams && alone_; ++i)
+        input_->streams[i]->discard = static_cast<int>(i) == *alone_ ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+}
+
 av::Packet Demuxer::read(int stream) {
     std::deque<av::Packet>& queue = queues_.at(stream);
     while (queue.empty())
@@ -102,6 +113,7 @@ bool Demuxer::seek(int stream, std::int64_t time) {
 
 void Demuxer::reopen() {
     input_ = open(name_);
+    passOverOthers();
     forget();
 }
 
@@ -170,7 +182,8 @@ bool Demuxer::statesLength() const {
 }
 
 void Demuxer::checkLength() const {
-    if (!statesLength() || shift_ != 0) return;  // times that jump say nothing about the length
+    // Times that jump say nothing about the length, and one stream may be shorter than the others.
+    if (!statesLength() || shift_ != 0 || alone_) return;
     // Containers round, and some leave out the length of the last picture: only a clear shortfall counts.
     const double stated = static_cast<double>(input_->duration) / AV_TIME_BASE;
     const double end = static_cast<double>(std::max(end_, othersEnd_)) / AV_TIME_BASE;

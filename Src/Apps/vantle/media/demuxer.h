@@ -29,6 +29,9 @@ class Demuxer {
     /// Keeps the packets of this stream for `read` while those of another one are read.
     void use(int stream) { queues_[stream]; }
 
+    /// The same, and passes over all other streams.
+    void useAlone(int stream);
+
     /// Lets go of this stream's packets.
     void drop(int stream) { queues_.erase(stream); }
 
@@ -61,6 +64,7 @@ class Demuxer {
     [[noreturn]] void fail(const std::string& what) const;
     bool readOne();
     void bridgeJump(AVPacket& packet);
+    void passOverOthers();
     bool statesLength() const;
     void checkLength() const;
     void forget();
@@ -70,6 +74,7 @@ class Demuxer {
     std::map<int, std::deque<av::Packet>> queues_;  // of the streams in use
     Health health_;
     bool ended_ = false;
+    std::optional<int> alone_;  // the one stream that is read
     // In microseconds from the file's start. Recordings put one after the other start anew in the middle, and
     // damage makes times of another year: from such a jump on, a file plays on where it had come to.
     struct Times {

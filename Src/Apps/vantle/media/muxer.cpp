@@ -20,6 +20,14 @@ AVStream& Muxer::add(const AVCodecContext& encoder) {
     return *stream;
 }
 
+AVStream& Muxer::add(const AVCodecParameters& form, AVRational timeBase, AVRational rate) {
+    AVStream* const stream = av::check(avformat_new_stream(output_.get(), nullptr), writing_);
+    av::check(avcodec_parameters_copy(stream->codecpar, &form), writing_);
+    stream->time_base = timeBase;
+    stream->avg_frame_rate = rate;
+    return *stream;
+}
+
 void Muxer::start(const av::Options& options) {
     av::Dictionary settings(options);
     av::check(avformat_write_header(output_.get(), settings.get()), writing_);

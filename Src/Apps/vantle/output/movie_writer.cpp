@@ -109,12 +109,10 @@ class MovieWriter final : public Writer {
                                     {"palettegen", {{"stats_mode", "single"}, {"reserve_transparent", "0"}}},
                                     {"paletteuse", {{"new", "1"}}, {1, 2}}});
         if (options.sound && kind.soundEncoder != nullptr) {
-            sound_.emplace(soundEncoder(kind, options.encoders), av::Options{},
-                           [&](AVCodecContext& codec) { setUpSound(codec, *options.sound); });
+            sound_ = makeSoundEncoder(kind, options.encoders, *options.sound, 0, muxer_.wantsGlobalHeaders());
             soundStream_ = &muxer_.add(sound_->context());
         }
-        const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
-        muxer_.start(quickTime ? av::Options{{"movflags", "+faststart"}} : av::Options{});
+        muxer_.start(muxerOptions(kind));
     }
 
     PictureFormat pictureFormat() const override {
@@ -183,16 +181,6 @@ class MovieWriter final : public Writer {
         if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
 
-    void setUpSound(AVCodecContext& codec, const SoundWish& wish) {
-        constexpr std::int64_t bitsPerChannel = 96'000;
-        codec.sample_rate = supportedRate(*codec.codec, wish.sampleRate);
-        codec.sample_fmt = av::sampleFormats(*codec.codec).at(0);
-        codec.bit_rate = bitsPerChannel * std::max(wish.channels, 2);
-        codec.time_base = {1, codec.sample_rate};
-        av_channel_layout_default(&codec.ch_layout, wish.channels);
-        if (muxer_.wantsGlobalHeaders()) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    }
-
     void encode(Encoder& encoder, const AVStream& stream, const AVFrame* frame) {
         encoder.encode(frame, [&](AVPacket& packet) {
             if (packet.duration == 0 && &stream == &videoStream_) packet.duration = 1;
@@ -206,7 +194,7 @@ class MovieWriter final : public Writer {
     Muxer muxer_;
     Encoder video_;
     AVStream& videoStream_;
-    std::optional<Encoder> sound_;
+    std::unique_ptr<Encoder> sound_;
     AVStream* soundStream_ = nullptr;
     std::optional<Filters> palette_;
     std::int64_t pictures_ = 0;
@@ -226,6 +214,25 @@ bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
     if (kind.soundEncoder != nullptr) checkHeld(kind, soundEncoder(kind, encoders), "--sound-encoder");
     const AVPixFmtDescriptor& pixels = *av_pix_fmt_desc_get(pixelsFor(video));
     return pixels.log2_chroma_w > 0 || pixels.log2_chroma_h > 0;
+}
+
+std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNames& encoders,
+                                          const SoundWish& wish, std::int64_t bitRate, bool globalHeaders) {
+    const AVCodec& encoder = soundEncoder(kind, encoders);
+    return std::make_unique<Encoder>(encoder, av::Options{}, [&](AVCodecContext& codec) {
+        constexpr std::int64_t bitsPerChannel = 96'000;
+        codec.sample_rate = supportedRate(encoder, wish.sampleRate);
+        codec.sample_fmt = av::sampleFormats(encoder).at(0);
+        codec.bit_rate = std::max(bitsPerChannel * std::max(wish.channels, 2), bitRate);
+        codec.time_base = {1, codec.sample_rate};
+        av_channel_layout_default(&codec.ch_layout, wish.channels);
+        if (globalHeaders) codec.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    });
+}
+
+av::Options muxerOptions(const MovieKind& kind) {
+    const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
+    return quickTime ? av::Options{{"movflags", "+faststart"}} : av::Options{};
 }
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options) {

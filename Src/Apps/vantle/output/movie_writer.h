@@ -1,6 +1,7 @@
 /// Writes a video file.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -23,6 +24,13 @@ const MovieKind* movieKind(std::string_view ending);
 /// True when pictures for these encoders must have an even width and height. Throws UsageError when the kind
 /// of file does not hold what the encoders make, or FFmpeg does not have them.
 bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
+
+/// Opens the encoder for the sound of a video. It gets at least `bitRate` bits a second.
+std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNames& encoders,
+                                          const SoundWish& wish, std::int64_t bitRate, bool globalHeaders);
+
+/// How the file of a kind is to be written.
+av::Options muxerOptions(const MovieKind& kind);
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options);
 

@@ -27,6 +27,7 @@ struct Part {
     std::int64_t first = 0;   ///< the input's picture that the first of them shows
     Fit fit = Fit::contain;
     bool mute = false;
+    std::int64_t soundDelay = 0;  ///< samples by which its sound comes late, so as to lie on a grid
 
     bool sounds() const { return input->sound() && !mute; }
     std::int64_t end() const { return start + frames; }

@@ -27,14 +27,26 @@ float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
 
 }  // namespace
 
+std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::int64_t first, int sampleRate) {
+    const int stream = input.sound()->stream;
+    auto demuxer = std::make_unique<Demuxer>(input.name());
+    demuxer->useAlone(stream);
+    // A decoder needs a run-up.
+    const std::int64_t time = std::max<std::int64_t>(first - sampleRate, 0);
+    if (!demuxer->seek(stream, av_rescale_q(time, {1, sampleRate}, demuxer->stream(stream).time_base)))
+        demuxer->reopen();
+    return demuxer;
+}
+
 Soundtrack::Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first,
-                       const MusicOptions& music)
+                       const MusicOptions& music, bool alone)
     : film_(film),
       musicOptions_(music),
       format_(mixed(format)),
       frameSamples_(format.frameSamples),
+      alone_(alone),
       output_(*silence(format_, 1), {1, format.sampleRate}, {toForm(format)}),
-      begin_(sample(first)),
+      begin_(first),
       next_(begin_) {
     if (music.file.empty()) return;
     music_.emplace(music.file, format_);
@@ -74,8 +86,9 @@ void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
     auto player = std::ranges::find(players_, number, &Player::part);
     if (player == players_.end()) {
         // Counted from the input's own first picture, so that its sound lies with its pictures.
-        const std::int64_t first = part.input->startSample(format_.sampleRate) + sample(part.first);
-        players_.emplace_back(number, *part.input, format_, first + begin - sample(part.start));
+        const std::int64_t first =
+            part.input->startSample(format_.sampleRate) + sample(part.first) - part.soundDelay;
+        players_.emplace_back(number, *part.input, format_, first + begin - sample(part.start), alone_);
         player = std::prev(players_.end());
     }
     const av::Frame sound = player->reader.read(static_cast<int>(end - begin));

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -25,10 +26,12 @@ struct MusicOptions {
 /// join have sound it is crossfaded; where one has, it stays in its place.
 class Soundtrack {
    public:
-    /// Of the film's frames from `first` on, in this form.
-    Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first, const MusicOptions& music);
+    /// Of the film from its sample `first` on, in this form. The inputs' sound is read along with their
+    /// pictures, or `alone`.
+    Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first, const MusicOptions& music,
+               bool alone);
 
-    /// Mixes the sound of all frames before `frame`, whose pictures have been read.
+    /// Mixes the sound of all frames before `frame`, whose pictures have been read unless it is read alone.
     void advance(std::int64_t frame);
 
     /// Says that nothing follows.
@@ -39,9 +42,14 @@ class Soundtrack {
 
    private:
     struct Player {
-        Player(std::size_t number, Input& input, const SoundFormat& format, std::int64_t first)
-            : part(number), reader(input.demuxer(), input.sound()->stream, format, first) {}
+        Player(std::size_t number, Input& input, const SoundFormat& format, std::int64_t first, bool alone)
+            : part(number),
+              own(alone ? soundOf(input, first, format.sampleRate) : nullptr),
+              reader(own ? *own : input.demuxer(), input.sound()->stream, format, first) {}
+        static std::unique_ptr<Demuxer> soundOf(const Input& input, std::int64_t first, int sampleRate);
+
         std::size_t part;
+        std::unique_ptr<Demuxer> own;
         SoundReader reader;
     };
     std::int64_t sample(std::int64_t frame) const;
@@ -52,6 +60,7 @@ class Soundtrack {
     MusicOptions musicOptions_;
     SoundFormat format_;  // in which sound is mixed
     int frameSamples_;
+    bool alone_;
     std::list<Player> players_;
     std::optional<Music> music_;
     Filters output_;      // to the encoder's format

@@ -43,7 +43,8 @@ av::Frame SoundSource::next() {
             held_ = std::move(frame);
         } else if (frame) {
             if (!converter_) {
-                converter_.emplace(*frame, reader_.stream().time_base, std::vector<Filter>{toForm(format_)});
+                converter_.emplace(*frame, reader_.stream().time_base,
+                                   std::vector<Filter>{toForm(format_), {"asettb", {{"expr", "1/sr"}}}});
                 like_ = av::share(*frame);
             }
             converter_->push(std::move(frame));

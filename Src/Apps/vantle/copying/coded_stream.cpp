@@ -1,0 +1,217 @@
+#include "copying/coded_stream.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <ranges>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "media/convert.h"
+
+namespace vantle {
+
+namespace {
+
+/// What makes a file of packets as they are wanted of any that holds the same.
+constexpr std::string_view rewrap = "ffmpeg -i IN -c copy OUT.mp4 may mend that";
+
+[[noreturn]] void refuse(const Input& input, const std::string& why) {
+    throw NotCopied(input.name() + ": " + why);
+}
+
+ByteView contents(const AVPacket& packet) { return {packet.data, static_cast<std::size_t>(packet.size)}; }
+
+NalCoding codingOf(const Input& input, const AVCodecParameters& form) {
+    if (form.codec_id == AV_CODEC_ID_H264) return NalCoding::h264;
+    if (form.codec_id == AV_CODEC_ID_HEVC) return NalCoding::hevc;
+    refuse(input, std::string("is coded as ") + avcodec_get_name(form.codec_id) +
+                      "; only H.264 and HEVC can be copied");
+}
+
+/// What is wrong with pictures of this form wherever they go.
+void checkForm(const Input& input, const AVCodecParameters& form) {
+    if (!input.upright(input.first()).empty())
+        refuse(input, "its pictures are turned upright; only those that are stored upright can be copied");
+    if (av_cmp_q(input.first().sample_aspect_ratio, {1, 1}) != 0)
+        refuse(input, "its pixels are not square; only square ones can be copied");
+    if (isHdr(input.first()))
+        refuse(input, "its HDR colours are mapped to ordinary ones; a clip of those can be copied");
+    if (form.field_order > AV_FIELD_PROGRESSIVE)
+        refuse(input, "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
+}
+
+void checkSets(const Input& input, const DecoderConfiguration& configuration) {
+    for (const Bytes& set : configuration.sets()) {
+        const std::optional<SequenceSet> sequence = sequenceSet(configuration.coding(), set);
+        if (sequence && !sequence->progressive)
+            refuse(input,
+                   "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
+        const std::optional<PictureSet> picture =
+            configuration.coding() == NalCoding::h264 ? pictureSet(set) : std::nullopt;
+        if ((sequence && sequence->separatePlanes) || (picture && picture->sliceGroups))
+            refuse(input, "its pictures are coded in a form that few decoders know; others can be copied");
+    }
+}
+
+/// Whether decoding may begin with a packet, by what lies in it.
+bool beginsAfresh(const Input& input, const AVPacket& packet, const DecoderConfiguration& configuration) {
+    bool fresh = true;
+    for (const ByteView unit : unitsWithLengths(contents(packet))) {
+        switch (kindOf(configuration.coding(), unit)) {
+            case NalKind::slice:
+                fresh = false;
+                break;
+            case NalKind::foreign:
+                refuse(input, "its pictures come in partitions or layers, which cannot be copied");
+            case NalKind::parameterSet:
+                if (std::ranges::none_of(configuration.sets(),
+                                         [&](const Bytes& set) { return std::ranges::equal(set, unit); }))
+                    refuse(input, "its coding changes on the way; only one that stays can be copied");
+                break;
+            default:
+                break;
+        }
+    }
+    return fresh && (packet.flags & AV_PKT_FLAG_KEY) != 0;
+}
+
+void checkPacket(const Input& input, const AVPacket& packet) {
+    if (packet.pts == AV_NOPTS_VALUE) refuse(input, "its packets have no times; " + std::string(rewrap));
+    if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0)
+        refuse(input,
+               "some of its packets are not to be shown, as it was cut without encoding; one cut at key "
+               "pictures can be copied");
+    if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0)
+        refuse(input, "some of its packets are damaged; an undamaged one can be copied");
+    for (const AVPacketSideData& side :
+         std::span(packet.side_data, static_cast<std::size_t>(packet.side_data_elems)))
+        if (side.type == AV_PKT_DATA_NEW_EXTRADATA || side.type == AV_PKT_DATA_ENCRYPTION_INFO ||
+            side.type == AV_PKT_DATA_ENCRYPTION_INIT_INFO)
+            refuse(input,
+                   "its coding changes on the way, or is secret; only one that stays, and is open, can be "
+                   "copied");
+}
+
+/// Numbers the pictures by their times, which must lie on the grid of the film and fill it.
+void number(const Input& input, CodedPictures& coded, const std::vector<std::int64_t>& times) {
+    const std::int64_t first = std::ranges::min(times);
+    if (first != input.first().pts)
+        refuse(input,
+               "its first pictures cannot be decoded; a clip that begins with a key picture can be copied");
+    coded.start = first;
+    std::vector<bool> seen(times.size());
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        const double place =
+            static_cast<double>(times[i] - first) * av_q2d(coded.timeBase) * av_q2d(coded.rate);
+        const auto nearest = std::llround(place);
+        const bool onGrid = std::abs(place - static_cast<double>(nearest)) <= 0.3 &&
+                            input.gridNumber(times[i], coded.rate) - input.gridStart(coded.rate) == nearest;
+        if (!onGrid || nearest >= std::ssize(times) || seen[static_cast<std::size_t>(nearest)])
+            refuse(input,
+                   "its pictures do not follow each other at the film's even pace; with another input first, "
+                   "or --fps, "
+                   "they may");
+        seen[static_cast<std::size_t>(nearest)] = true;
+        coded.pictures[i].number = nearest;
+    }
+}
+
+/// Leaves as entries those across which nothing is shown in another order than it is decoded in, but for what
+/// HEVC lets one leave out.
+void settleEntries(CodedPictures& coded) {
+    std::int64_t latest = -1;
+    for (CodedPicture& picture : coded.pictures) {
+        picture.entry = picture.entry && latest < picture.number;
+        latest = std::max(latest, picture.number);
+    }
+    std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
+    for (CodedPicture& picture : std::views::reverse(coded.pictures)) {
+        if (coded.coding == NalCoding::h264) picture.entry = picture.entry && earliest > picture.number;
+        earliest = std::min(earliest, picture.number);
+    }
+}
+
+}  // namespace
+
+av::Parameters sharedForm(const AVCodecParameters& form) {
+    av::Parameters copy(av::check(avcodec_parameters_alloc(), "parameters"));
+    av::check(avcodec_parameters_copy(copy.get(), &form), "parameters");
+    return copy;
+}
+
+CodedPictures codedPictures(const Input& input, AVRational rate) try {
+    if (input.still() || input.endless() || input.name().starts_with("lavfi:"))
+        refuse(input, "is no clip; only clips can be copied");
+    const Demuxer probe(input.name());
+    const std::string_view format = probe.container().iformat->name;
+    if (!format.starts_with("mov,") && !format.starts_with("matroska,"))
+        refuse(input, "is no .mp4, .mov or .mkv file; " + std::string(rewrap));
+    const int stream = *probe.best(AVMEDIA_TYPE_VIDEO);
+    const AVCodecParameters& form = *probe.stream(stream).codecpar;
+    const NalCoding coding = codingOf(input, form);
+    checkForm(input, form);
+    if (form.extradata_size <= 0) refuse(input, "its packets lack a description; " + std::string(rewrap));
+    CodedPictures coded{.stream = stream,
+                        .coding = coding,
+                        .form = sharedForm(form),
+                        .configuration = DecoderConfiguration(
+                            coding, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
+                        .timeBase = probe.stream(stream).time_base,
+                        .rate = rate,
+                        .pictures = {}};
+    checkSets(input, coded.configuration);
+    std::vector<std::int64_t> times;
+    Demuxer packets(input.name());
+    packets.useAlone(stream);
+    while (const av::Packet packet = packets.read(stream)) {
+        checkPacket(input, *packet);
+        coded.pictures.push_back({.decoded = packet->dts != AV_NOPTS_VALUE ? packet->dts : packet->pts,
+                                  .number = 0,
+                                  .key = (packet->flags & AV_PKT_FLAG_KEY) != 0,
+                                  .entry = beginsAfresh(input, *packet, coded.configuration)});
+        times.push_back(packet->pts);
+    }
+    if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
+    number(input, coded, times);
+    settleEntries(coded);
+    return coded;
+} catch (const NotCopied&) {
+    throw;
+} catch (const Error& error) {
+    // Whatever else is wrong with it: encoding may still manage.
+    const std::string what = error.what();
+    throw NotCopied(what.starts_with(input.name()) ? what : input.name() + ": " + what);
+}
+
+CodedSound codedSound(const Input& input) {
+    const int stream = input.sound()->stream;
+    Demuxer packets(input.name());
+    packets.useAlone(stream);
+    const AVStream& source = packets.stream(stream);
+    const AVCodecParameters& form = *source.codecpar;
+    if (form.codec_id != AV_CODEC_ID_AAC || form.profile != FF_PROFILE_AAC_LOW ||
+        form.frame_size != CodedSound::portion || form.extradata_size < 2)
+        refuse(input, "its sound is not AAC-LC");
+    CodedSound coded{.stream = stream, .form = sharedForm(form)};
+    // Some files keep times in thousandths only.
+    const double slack = std::max(1.0, form.sample_rate * av_q2d(source.time_base));
+    while (const av::Packet packet = packets.read(stream)) {
+        if (packet->pts == AV_NOPTS_VALUE) refuse(input, "its sound has no times");
+        const double time = static_cast<double>(packet->pts) * av_q2d(source.time_base) * form.sample_rate;
+        if (coded.packets == 0) coded.first = std::llround(time);
+        const std::int64_t expected = coded.first + coded.packets * CodedSound::portion;
+        if (std::abs(time - static_cast<double>(expected)) > slack ||
+            (packet->flags & AV_PKT_FLAG_CORRUPT) != 0)
+            refuse(input, "its sound has gaps");
+        ++coded.packets;
+    }
+    return coded;
+}
+
+}  // namespace vantle

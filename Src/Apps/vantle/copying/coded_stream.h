@@ -1,0 +1,66 @@
+/// The pictures and the sound of an input as they lie in its file, coded.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "Host/error.h"
+#include "media/av.h"
+#include "media/demuxer.h"
+#include "media/parameter_sets.h"
+#include "timeline/input.h"
+
+namespace vantle {
+
+/// Why something cannot be copied and what would mend that, in a line that begins with the input's name.
+class NotCopied : public Error {
+    using Error::Error;
+};
+
+struct CodedPicture {
+    std::int64_t decoded = 0;  ///< when it is decoded, in the stream's time base
+    std::int64_t number = 0;   ///< in the order in which pictures show, from 0
+    bool key = false;          ///< the file says that one may go to it
+    bool entry = false;        ///< decoding may begin here: what shows later does not refer back across it
+};
+
+/// Pictures of an input that may be copied, in the order in which they are decoded.
+struct CodedPictures {
+    int stream;
+    NalCoding coding;
+    av::Parameters form;
+    DecoderConfiguration configuration;
+    AVRational timeBase;
+    AVRational rate;
+    std::int64_t start = 0;  ///< when the first picture shows
+    std::vector<CodedPicture> pictures;
+
+    std::int64_t numberOf(const AVPacket& packet) const {
+        return av_rescale_q_rnd(packet.pts - start, timeBase, av_inv_q(rate), AV_ROUND_NEAR_INF);
+    }
+};
+
+/// Reads all packets of an input's pictures. Throws NotCopied when they cannot be copied into a film of this
+/// rate.
+CodedPictures codedPictures(const Input& input, AVRational rate);
+
+/// Sound in portions of 1024 samples that overlap by half: what a packet holds is heard in full only with the
+/// one before it and the one after it.
+struct CodedSound {
+    static constexpr int portion = 1024;
+
+    int stream;
+    av::Parameters form;
+    std::int64_t first = 0;  ///< the sample with which the first packet begins, from the input's time 0
+    std::int64_t packets = 0;
+};
+
+/// Reads the times of all packets of an input's sound, which it has. Throws NotCopied when it cannot be
+/// copied.
+CodedSound codedSound(const Input& input);
+
+/// Another description of the same stream.
+av::Parameters sharedForm(const AVCodecParameters& form);
+
+}  // namespace vantle

@@ -1,0 +1,28 @@
+/// Writes a film of which most is copied.
+#pragma once
+
+#include <string>
+
+#include "copying/copy_plan.h"
+#include "output/movie_writer.h"
+#include "output/writer.h"
+#include "system/progress_bar.h"
+
+namespace vantle {
+
+struct CopyOptions {
+    const MovieKind& kind;
+    std::string name;
+    bool overwrite = false;
+    EncoderNames encoders{};
+    av::Options encoderOptions{};  ///< for what is encoded
+    std::optional<SoundWish> sound{};
+    MusicOptions music{};
+    bool verifyAll = false;  ///< compares all frames, not only those around the seams
+};
+
+/// Writes the film as planned, and looks whether it became what it should be: returns what did not, in a few
+/// words; then nothing was written. Empty when all is well.
+std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressBar& progress);
+
+}  // namespace vantle

@@ -1,0 +1,267 @@
+#include "copying/copy_plan.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <utility>
+
+#include "media/sound_format.h"
+
+namespace vantle {
+
+namespace {
+
+constexpr std::int64_t shortest = 2;  // pictures of a stretch: two fresh ones in a row confuse browsers
+
+std::string sizeText(int width, int height) { return std::to_string(width) + "x" + std::to_string(height); }
+
+std::string rateText(AVRational rate) {
+    char text[32] = "";
+    std::snprintf(text, sizeof text, "%g", av_q2d(rate));
+    return text;
+}
+
+/// Why an input's pictures cannot go into the film beside those of the model; empty when they can.
+std::string mismatch(const AVCodecParameters& form, const AVCodecParameters& model) {
+    const auto range = [](const AVCodecParameters& of) {
+        return of.color_range == AVCOL_RANGE_UNSPECIFIED ? AVCOL_RANGE_MPEG : of.color_range;
+    };
+    if (form.codec_id != model.codec_id) return "coding";
+    if (form.format != model.format) return "pixel format";
+    if (range(form) != range(model)) return "range of colours";
+    if (form.color_space != model.color_space || form.color_primaries != model.color_primaries ||
+        form.color_trc != model.color_trc || form.chroma_location != model.chroma_location)
+        return "description of its colours";
+    return {};
+}
+
+std::shared_ptr<const CodedPictures> picturesOf(const Film& film, const Part& part) {
+    const Input& input = *part.input;
+    const auto refuse = [&](const std::string& why) { throw NotCopied(input.name() + ": " + why); };
+    if (!input.still() && !input.endless() && av_cmp_q(input.rate(), film.canvas.rate) != 0)
+        refuse("shows " + rateText(input.rate()) + " pictures a second and the film " +
+               rateText(film.canvas.rate) + "; clips of one rate can be copied");
+    auto pictures = std::make_shared<const CodedPictures>(codedPictures(input, film.canvas.rate));
+    const AVCodecParameters& form = *pictures->form;
+    const Size& size = film.canvas.size;
+    if (form.width != size.width || form.height != size.height)
+        refuse("is " + sizeText(form.width, form.height) + " and the film " +
+               sizeText(size.width, size.height) + "; clips of one size can be copied");
+    return pictures;
+}
+
+/// All pictures from an entry on that are decoded before any from `limit` on: the number after the last.
+std::int64_t cleanEnd(const CodedPictures& coded, std::size_t entry, std::int64_t limit) {
+    const std::int64_t first = coded.pictures[entry].number;
+    std::int64_t end = first;
+    std::int64_t latest = first;
+    std::int64_t count = 0;
+    for (std::size_t i = entry; i < coded.pictures.size(); ++i) {
+        const std::int64_t number = coded.pictures[i].number;
+        if (number < first) continue;  // shown before the entry: left out
+        if (number >= limit) break;
+        latest = std::max(latest, number);
+        if (latest == first + count++) end = latest + 1;
+    }
+    return end;
+}
+
+/// The first entry from a picture on, in decoding order.
+std::optional<std::size_t> entryFrom(const CodedPictures& coded, std::int64_t number, std::int64_t limit) {
+    for (std::size_t i = 0; i < coded.pictures.size(); ++i)
+        if (coded.pictures[i].entry && coded.pictures[i].number >= number && coded.pictures[i].number < limit)
+            return i;
+    return {};
+}
+
+/// Lays copied stretches into a film, part after part.
+class Stretcher {
+   public:
+    explicit Stretcher(CopyPlan& plan) : plan_(plan), film_(plan.film) {}
+
+    void run() {
+        for (std::size_t part = 0; part < film_.parts.size(); ++part)
+            if (plan_.pictures[part]) lay(part);
+        std::int64_t next = 0;
+        for (const Laid& laid : laid_) {
+            if (laid.first > next) plan_.stretches.push_back({next, laid.first - next});
+            plan_.stretches.push_back({laid.first, laid.end - laid.first, laid.part});
+            next = laid.end;
+        }
+        if (film_.frames() > next) plan_.stretches.push_back({next, film_.frames() - next});
+    }
+
+   private:
+    struct Laid {
+        std::size_t part;
+        std::size_t entry;
+        std::int64_t first;  // frames of the film
+        std::int64_t end;
+    };
+
+    void lay(std::size_t number) {
+        const Part& part = film_.parts[number];
+        const CodedPictures& coded = *plan_.pictures[number];
+        const std::int64_t from = number > 0 ? film_.joins[number - 1].end() : 0;
+        const std::int64_t to = number < film_.joins.size() ? film_.joins[number].start : part.end();
+        const std::int64_t offset = part.start - part.first;  // of a picture's number to its frame
+        std::optional<std::size_t> entry = entryFrom(coded, from - offset, to - offset);
+        if (entry && isLoneFrame(coded.pictures[*entry].number + offset))
+            entry = entryFrom(coded, coded.pictures[*entry].number + 1, to - offset);
+        if (!entry) {
+            if (to - from > shortest)
+                plan_.refusals.push_back(
+                    part.input->name() + ": has no key picture in its frames " +
+                    std::to_string(from - offset) + " to " + std::to_string(to - offset - 1) +
+                    ", with which copying could begin; one every few seconds (x264: keyint) "
+                    "helps");
+            return;
+        }
+        const Laid laid{number, *entry, coded.pictures[*entry].number + offset,
+                        cleanEnd(coded, *entry, to - offset) + offset};
+        if (laid.end - laid.first >= shortest) laid_.push_back(laid);
+    }
+
+    /// True when a stretch that begins with `frame` would leave a single frame to be encoded before it. The
+    /// stretch before it is shortened where that helps.
+    bool isLoneFrame(std::int64_t frame) {
+        if (laid_.empty()) return frame == 1;
+        Laid& before = laid_.back();
+        if (frame - before.end != 1) return false;
+        const std::int64_t offset = film_.parts[before.part].start - film_.parts[before.part].first;
+        const std::int64_t end =
+            cleanEnd(*plan_.pictures[before.part], before.entry, before.end - offset - 1) + offset;
+        if (end - before.first < shortest) return true;
+        before.end = end;
+        return false;
+    }
+
+    CopyPlan& plan_;
+    const Film& film_;
+    std::vector<Laid> laid_;
+};
+
+/// The nearest multiple of a portion.
+std::int64_t portionAt(std::int64_t sample) {
+    return av_rescale_rnd(sample, 1, CodedSound::portion, AV_ROUND_NEAR_INF);
+}
+
+/// Lays out which portions of the sound are copied: those in which one part is heard alone and as it is.
+void planSound(CopyPlan& plan, const SoundTarget& target) {
+    Film& film = plan.film;
+    const int rate = target.wish->sampleRate;
+    const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
+    constexpr std::int64_t fewest = 16;
+    const std::int64_t end = av_rescale_rnd(sample(film.frames()), 1, CodedSound::portion, AV_ROUND_UP);
+    std::vector<SoundStretch>& stretches = plan.soundStretches;
+    std::int64_t next = -1;
+    const auto encodeTo = [&](std::int64_t portion) {
+        if (portion > next) stretches.push_back({next, portion - next});
+        next = portion;
+    };
+    for (std::size_t number = 0; number < film.parts.size(); ++number) {
+        Part& part = film.parts[number];
+        if (!part.sounds()) continue;
+        const CodedSound& sound = *plan.sounds[number];
+        // Its packets keep their distance from each other, so that all are shifted alike, by half a portion
+        // at most.
+        const std::int64_t shown = part.input->startSample(rate) + sample(part.first);
+        const std::int64_t meant = sample(part.start) + sound.first - shown;
+        const std::int64_t first = portionAt(meant);
+        part.soundDelay = first * CodedSound::portion - meant;
+        const auto sounds = [&](std::size_t other) { return film.parts[other].sounds(); };
+        const bool last = part.end() == film.frames();
+        const std::int64_t cleanFrom =
+            part.start == 0 ? -CodedSound::portion
+                            : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
+        const std::int64_t cleanTo = last
+                                         ? std::numeric_limits<std::int64_t>::max() / 2
+                                         : sample(sounds(number + 1) ? film.joins[number].start : part.end());
+        const std::int64_t from =
+            std::max({av_rescale_rnd(cleanFrom, 1, CodedSound::portion, AV_ROUND_UP), first, next});
+        const std::int64_t to = std::min(
+            {av_rescale_rnd(cleanTo, 1, CodedSound::portion, AV_ROUND_DOWN) - 1, first + sound.packets, end});
+        if (to - from < fewest) continue;
+        encodeTo(from);
+        stretches.push_back({from, to - from, number, from - first});
+        next = to;
+    }
+    encodeTo(end);
+}
+
+/// Why the film's sound must be encoded; empty when it can be copied.
+std::string soundMismatch(CopyPlan& plan, const SoundTarget& target) {
+    if (!target.ordinary) return "music or an encoder that was asked for";
+    const AVCodecParameters* model = nullptr;
+    for (std::size_t i = 0; i < plan.film.parts.size(); ++i) {
+        const Part& part = plan.film.parts[i];
+        if (!part.sounds()) continue;
+        try {
+            plan.sounds[i] = std::make_shared<const CodedSound>(codedSound(*part.input));
+        } catch (const NotCopied& why) {
+            return why.what();
+        }
+        const AVCodecParameters& form = *plan.sounds[i]->form;
+        if (model == nullptr) model = &form;
+        // The first two bytes say all that a decoder must know.
+        if (!std::equal(form.extradata, form.extradata + 2, model->extradata) ||
+            form.sample_rate != target.wish->sampleRate ||
+            form.ch_layout.nb_channels != target.wish->channels)
+            return part.input->name() + ": its sound is of another form";
+    }
+    return model == nullptr ? "no sound to copy" : "";
+}
+
+}  // namespace
+
+std::int64_t CopyPlan::copied() const {
+    std::int64_t frames = 0;
+    for (const Stretch& stretch : stretches)
+        if (stretch.part) frames += stretch.frames;
+    return frames;
+}
+
+const AVCodecParameters& CopyPlan::modelSound() const {
+    const auto has = [](const std::shared_ptr<const CodedSound>& sound) { return sound != nullptr; };
+    return *(*std::ranges::find_if(sounds, has))->form;
+}
+
+CopyPlan planCopy(const Film& film, const SoundTarget& sound) {
+    CopyPlan plan;
+    plan.film = film;
+    plan.pictures.resize(film.parts.size());
+    plan.sounds.resize(film.parts.size());
+    std::map<std::string, std::shared_ptr<const CodedPictures>> known;  // null: refused before
+    const AVCodecParameters* model = nullptr;
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        const Part& part = film.parts[i];
+        const std::string& name = part.input->name();
+        try {
+            auto found = known.find(name);
+            if (found == known.end()) {
+                found = known.emplace(name, nullptr).first;
+                found->second = picturesOf(film, part);
+            }
+            if (!found->second) continue;
+            const AVCodecParameters& form = *found->second->form;
+            if (model == nullptr) {
+                model = &form;
+                plan.model = i;
+            }
+            const std::string other = mismatch(form, *model);
+            if (!other.empty())
+                throw NotCopied(name + ": its " + other + " is not that of " +
+                                film.parts[plan.model].input->name() + "; clips made alike can be copied");
+            plan.pictures[i] = found->second;
+        } catch (const NotCopied& why) {
+            if (std::ranges::find(plan.refusals, why.what()) == plan.refusals.end())
+                plan.refusals.emplace_back(why.what());
+        }
+    }
+    Stretcher(plan).run();
+    if (plan.copied() > 0 && sound.wish && soundMismatch(plan, sound).empty()) planSound(plan, sound);
+    return plan;
+}
+
+}  // namespace vantle

@@ -1,0 +1,62 @@
+/// Which frames of a film are copied, packet by packet, and which are encoded.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "copying/coded_stream.h"
+#include "output/writer.h"
+#include "timeline/film.h"
+#include "timeline/sound.h"
+
+namespace vantle {
+
+/// Consecutive frames of a film, copied from one of its parts or encoded.
+struct Stretch {
+    std::int64_t first = 0;
+    std::int64_t frames = 0;
+    std::optional<std::size_t> part{};  ///< from which it is copied
+
+    std::int64_t end() const { return first + frames; }
+};
+
+/// Consecutive portions of a film's sound, which lie on a grid that begins one portion before it.
+struct SoundStretch {
+    std::int64_t first = 0;
+    std::int64_t portions = 0;
+    std::optional<std::size_t> part{};  ///< from which it is copied
+    std::int64_t source = 0;            ///< the first of its packets that is copied
+
+    std::int64_t end() const { return first + portions; }
+};
+
+struct CopyPlan {
+    Film film;
+    std::vector<std::shared_ptr<const CodedPictures>> pictures;  ///< by part; null where none can be copied
+    std::size_t model = 0;                                       ///< the part that all others must be like
+    std::vector<Stretch> stretches;
+    std::vector<std::shared_ptr<const CodedSound>> sounds;  ///< by part
+    std::vector<SoundStretch> soundStretches;               ///< none: all sound is encoded
+    std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
+
+    std::int64_t copied() const;
+    const CodedPictures& modelPictures() const { return *pictures[model]; }
+
+    /// The description of the sound that is copied.
+    const AVCodecParameters& modelSound() const;
+};
+
+/// What a film's sound is to become.
+struct SoundTarget {
+    std::optional<SoundWish> wish{};
+    bool ordinary = true;  ///< no music lies under it, and nobody asked for an encoder
+};
+
+/// Plans to copy what lies outside the joins of a film.
+CopyPlan planCopy(const Film& film, const SoundTarget& sound);
+
+}  // namespace vantle

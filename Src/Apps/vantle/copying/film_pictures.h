@@ -1,0 +1,116 @@
+/// The pictures of a film as packets: copied where they can be, encoded where they cannot.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "copying/copy_plan.h"
+#include "copying/picture_likeness.h"
+#include "media/demuxer.h"
+#include "media/encoder.h"
+#include "timeline/film.h"
+#include "timeline/painter.h"
+
+namespace vantle {
+
+/// How stretches that are not copied are encoded: like those that are.
+struct StretchEncoder {
+    /// The encoder of this name, or the usual one, with the user's options. Throws NotCopied when it does not
+    /// make what the plan's pictures are.
+    StretchEncoder(const CopyPlan& plan, const std::string& name, const av::Options& users);
+
+    /// Opens it for one stretch.
+    std::unique_ptr<Encoder> open() const;
+
+    const CopyPlan& plan;
+    const AVCodec* codec;
+    av::Options options;
+    int reorder;     ///< the most places by which copied pictures are coded early
+    int references;  ///< that the model's pictures may make
+};
+
+/// One stretch of a film's frames, encoded.
+class EncodedPictures {
+   public:
+    EncodedPictures(const StretchEncoder& encoder, const Stretch& stretch);
+    EncodedPictures(const EncodedPictures&) = delete;
+    EncodedPictures& operator=(const EncodedPictures&) = delete;
+    ~EncodedPictures();
+
+    /// The next packet, its times in frames of the film, or null at the end.
+    av::Packet next();
+
+    /// What has been drawn, by frame.
+    std::map<std::int64_t, Brightness>& drawn() { return drawn_; }
+
+   private:
+    const Film& film_;
+    Stretch stretch_;
+    std::unique_ptr<Encoder> encoder_;
+    FilmReader reader_;
+    Painter painter_;
+    std::int64_t frame_;
+    bool flushed_ = false;
+    std::deque<av::Packet> ready_;
+    std::map<std::int64_t, Brightness> drawn_;
+};
+
+/// Consecutive pictures of an input, from one on with which decoding may begin, as they are coded.
+class CopiedPictures {
+   public:
+    CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
+                   std::int64_t count);
+
+    /// The next packet, its time the picture's number, or null at the end.
+    av::Packet next();
+
+   private:
+    const CodedPictures& coded_;
+    Demuxer input_;
+    std::int64_t first_;
+    std::int64_t left_;
+    av::Packet ahead_;  // the first, found by going there
+};
+
+/// All pictures of a film in the order in which they are decoded. Times are in frames of the film; that of
+/// decoding rises by one from packet to packet and is never after that of showing.
+class FilmPictures {
+   public:
+    /// Encodes as StretchEncoder does.
+    FilmPictures(const CopyPlan& plan, const std::string& encoder, const av::Options& users);
+
+    /// The stream's description for a file.
+    av::Parameters form() const;
+
+    av::Packet next();
+
+    /// What has been drawn for the encoder, by frame.
+    const std::map<std::int64_t, Brightness>& drawn() const { return drawn_; }
+
+   private:
+    /// The parameter sets of one stretch as the film has them.
+    std::vector<Bytes> setsOf(const std::vector<Bytes>& own) const;
+    av::Packet nextOfStretch();
+    av::Packet rewritten(av::Packet packet) const;
+
+    const CopyPlan& plan_;
+    StretchEncoder encoder_;
+    int reorder_;
+    int level_ = 0;
+    std::vector<std::vector<Bytes>> copiedSets_;  // by part
+    std::vector<Bytes> encodedSets_;
+    std::size_t stretch_ = 0;
+    bool begun_ = false;  // the stretch has given its first packet
+    std::int64_t packets_ = 0;
+    std::optional<EncodedPictures> encoding_;
+    std::optional<CopiedPictures> copying_;
+    std::map<std::int64_t, Brightness> drawn_;
+};
+
+}  // namespace vantle

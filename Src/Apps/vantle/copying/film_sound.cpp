@@ -1,0 +1,119 @@
+#include "copying/film_sound.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "media/sound_format.h"
+
+namespace vantle {
+
+namespace {
+
+/// How far around what is kept an encoder hears, to settle: eight portions.
+constexpr std::int64_t around = 8 * std::int64_t{CodedSound::portion};
+
+SoundFormat formatOf(const AVCodecContext& codec) {
+    return {codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels, codec.frame_size};
+}
+
+}  // namespace
+
+EncodedSound::EncodedSound(const Film& film, std::unique_ptr<Encoder> encoder, const MusicOptions& music,
+                           const SampleRange& kept)
+    : film_(film),
+      encoder_(std::move(encoder)),
+      kept_(kept),
+      sample_(std::max<std::int64_t>(kept.first - around, 0)),
+      track_(film, formatOf(encoder_->context()), sample_, music, true),
+      frame_(av_rescale_rnd(sample_, film.canvas.rate.num,
+                            static_cast<std::int64_t>(film.canvas.rate.den) * encoder_->context().sample_rate,
+                            AV_ROUND_DOWN)) {}
+
+av::Packet EncodedSound::next() {
+    const auto keep = [&](AVPacket& packet) {
+        if (packet.pts < kept_.first || packet.pts >= kept_.end) return;
+        ready_.push_back(av::makePacket());
+        av_packet_move_ref(ready_.back().get(), &packet);
+    };
+    while (ready_.empty() && !flushed_) {
+        const av::Frame samples = sample_ < kept_.end + around ? track_.pull() : nullptr;
+        if (samples) {
+            samples->pts = sample_;
+            sample_ += samples->nb_samples;
+            encoder_->encode(samples.get(), keep);
+        } else if (sample_ >= kept_.end + around || frame_ > film_.frames()) {
+            encoder_->encode(nullptr, keep);
+            flushed_ = true;
+        } else if (frame_ == film_.frames()) {
+            track_.finish();
+            ++frame_;
+        } else {
+            track_.advance(++frame_);
+        }
+    }
+    if (ready_.empty()) return nullptr;
+    av::Packet packet = std::move(ready_.front());
+    ready_.pop_front();
+    return packet;
+}
+
+CopiedSound::CopiedSound(const std::string& name, const CodedSound& coded, std::int64_t first,
+                         std::int64_t count)
+    : coded_(coded), input_(name), next_(first), end_(first + count) {
+    input_.useAlone(coded.stream);
+    const std::int64_t sample = coded.first + first * CodedSound::portion;
+    if (!input_.seek(coded.stream, av_rescale_q(sample, {1, coded.form->sample_rate},
+                                                input_.stream(coded.stream).time_base)))
+        input_.reopen();
+}
+
+std::int64_t CopiedSound::numberOf(const AVPacket& packet) const {
+    const double time = static_cast<double>(packet.pts) * av_q2d(input_.stream(coded_.stream).time_base) *
+                        coded_.form->sample_rate;
+    return std::llround((time - static_cast<double>(coded_.first)) / CodedSound::portion);
+}
+
+av::Packet CopiedSound::next() {
+    if (next_ == end_) return nullptr;
+    av::Packet packet;
+    do packet = input_.read(coded_.stream);
+    while (packet && numberOf(*packet) < next_);
+    if (!packet || numberOf(*packet) != next_) throw Error(input_.name() + ": its sound is not found again");
+    ++next_;
+    av_packet_free_side_data(packet.get());
+    return packet;
+}
+
+av::Packet FilmSound::nextOfStretch() {
+    const SoundStretch& stretch = plan_.soundStretches[stretch_];
+    constexpr std::int64_t portion = CodedSound::portion;
+    if (!stretch.part) {
+        if (!encoding_)
+            encoding_.emplace(plan_.film, makeEncoder_(), MusicOptions{},
+                              SampleRange{stretch.first * portion, stretch.end() * portion});
+        return encoding_->next();
+    }
+    if (!copying_)
+        copying_.emplace(plan_.film.parts[*stretch.part].input->name(), *plan_.sounds[*stretch.part],
+                         stretch.source, stretch.portions);
+    return copying_->next();
+}
+
+av::Packet FilmSound::next() {
+    for (; stretch_ < plan_.soundStretches.size(); ++stretch_) {
+        if (av::Packet packet = nextOfStretch()) {
+            constexpr std::int64_t portion = CodedSound::portion;
+            const std::int64_t end =
+                sampleOf(plan_.film.frames(), plan_.film.canvas.rate, plan_.modelSound().sample_rate);
+            packet->pts = packet->dts = portion_++ * portion;
+            packet->duration = std::min(portion, end - packet->pts);
+            return packet;
+        }
+        encoding_.reset();
+        copying_.reset();
+    }
+    return nullptr;
+}
+
+}  // namespace vantle

@@ -1,0 +1,86 @@
+/// The sound of a film as packets: copied where it can be, encoded where it cannot.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "copying/copy_plan.h"
+#include "media/demuxer.h"
+#include "media/encoder.h"
+#include "timeline/sound.h"
+
+namespace vantle {
+
+/// Samples of a film's sound, first and end.
+struct SampleRange {
+    std::int64_t first = 0;
+    std::int64_t end = 0;
+};
+
+/// Part of a film's sound, encoded.
+class EncodedSound {
+   public:
+    /// The packets that begin in `kept`. What lies around it is heard by the encoder too, as the film has it.
+    EncodedSound(const Film& film, std::unique_ptr<Encoder> encoder, const MusicOptions& music,
+                 const SampleRange& kept);
+
+    /// The next packet, its times in samples, or null at the end.
+    av::Packet next();
+
+    const AVCodecContext& context() const { return encoder_->context(); }
+
+   private:
+    const Film& film_;
+    std::unique_ptr<Encoder> encoder_;
+    SampleRange kept_;
+    std::int64_t sample_;  // the next that the encoder is to hear
+    Soundtrack track_;
+    std::int64_t frame_;  // of the film, before which the sound is mixed
+    bool flushed_ = false;
+    std::deque<av::Packet> ready_;
+};
+
+/// Consecutive packets of an input's sound.
+class CopiedSound {
+   public:
+    CopiedSound(const std::string& name, const CodedSound& coded, std::int64_t first, std::int64_t count);
+
+    /// The next packet, or null at the end.
+    av::Packet next();
+
+   private:
+    std::int64_t numberOf(const AVPacket& packet) const;
+
+    const CodedSound& coded_;
+    Demuxer input_;
+    std::int64_t next_;
+    std::int64_t end_;
+};
+
+/// All sound of a film whose plan copies some of it.
+class FilmSound {
+   public:
+    using MakeEncoder = std::function<std::unique_ptr<Encoder>()>;
+    FilmSound(const CopyPlan& plan, MakeEncoder makeEncoder)
+        : plan_(plan), makeEncoder_(std::move(makeEncoder)) {}
+
+    /// The next packet, its times in samples, or null at the end.
+    av::Packet next();
+
+   private:
+    av::Packet nextOfStretch();
+
+    const CopyPlan& plan_;
+    MakeEncoder makeEncoder_;
+    std::size_t stretch_ = 0;
+    std::int64_t portion_ = -1;
+    std::optional<EncodedSound> encoding_;
+    std::optional<CopiedSound> copying_;
+};
+
+}  // namespace vantle

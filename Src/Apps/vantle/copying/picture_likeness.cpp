@@ -1,0 +1,66 @@
+#include "copying/picture_likeness.h"
+
+extern "C" {
+#include <libavutil/imgutils.h>
+#include <libavutil/pixdesc.h>
+}
+
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+namespace vantle {
+
+namespace {
+
+const AVPixFmtDescriptor& descriptor(const AVFrame& picture) {
+    return *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
+}
+
+}  // namespace
+
+std::uint64_t pixelsHash(const AVFrame& picture) {
+    const auto format = static_cast<AVPixelFormat>(picture.format);
+    const int planes = av_pix_fmt_count_planes(format);
+    std::uint64_t hash = 0;
+    for (int plane = 0; plane < planes; ++plane) {
+        const int bytes = av_image_get_linesize(format, picture.width, plane);
+        const bool isChroma = plane == 1 || plane == 2;
+        const int rows =
+            isChroma ? AV_CEIL_RSHIFT(picture.height, descriptor(picture).log2_chroma_h) : picture.height;
+        for (int y = 0; y < rows; ++y) {
+            const std::uint8_t* const row = picture.data[plane] + std::ptrdiff_t{y} * picture.linesize[plane];
+            const std::string_view text(reinterpret_cast<const char*>(row), static_cast<std::size_t>(bytes));
+            hash = hash * 0x9E3779B97F4A7C15 + std::hash<std::string_view>()(text);
+        }
+    }
+    return hash;
+}
+
+Brightness brightnessOf(const AVFrame& picture) {
+    constexpr int across = 16;
+    constexpr int down = 8;
+    constexpr int samples = 8;  // of a cell, in each direction
+    const int depth = descriptor(picture).comp[0].depth;
+    const auto at = [&](int x, int y) {
+        const std::uint8_t* const row = picture.data[0] + std::ptrdiff_t{y} * picture.linesize[0];
+        return depth > 8 ? reinterpret_cast<const std::uint16_t*>(row)[x] : row[x];
+    };
+    Brightness cells{};
+    for (int y = 0; y < down * samples; ++y)
+        for (int x = 0; x < across * samples; ++x)
+            cells[static_cast<std::size_t>(y / samples * across + x / samples)] += static_cast<float>(
+                at(x * picture.width / (across * samples), y * picture.height / (down * samples)));
+    for (float& cell : cells) cell /= static_cast<float>(samples * samples * ((1 << depth) - 1));
+    return cells;
+}
+
+bool alike(const Brightness& a, const Brightness& b) {
+    constexpr float most = 0.08F;
+    float difference = 0.0F;
+    for (std::size_t i = 0; i < a.size(); ++i) difference += std::abs(a[i] - b[i]);
+    return difference <= most * static_cast<float>(a.size());
+}
+
+}  // namespace vantle

@@ -1,0 +1,40 @@
+/// NAL units: the pieces of which coded pictures of H.264 (ISO/IEC 14496-10) and HEVC (23008-2) consist.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace vantle {
+
+using Bytes = std::vector<std::uint8_t>;
+using ByteView = std::span<const std::uint8_t>;
+
+enum class NalCoding : std::uint8_t { h264, hevc };
+
+/// What a unit is, as far as one must know who moves it.
+enum class NalKind : std::uint8_t {
+    slice,         ///< of a picture
+    freshSlice,    ///< of a picture after which nothing refers back (IDR)
+    entrySlice,    ///< of one that pictures shown before it may refer across (CRA, BLA)
+    parameterSet,  ///< what a decoder must know beforehand
+    delimiter,     ///< the start of a picture
+    other,         ///< messages, filling
+    foreign,       ///< of what is not moved: partitions, layers, views, alpha
+};
+
+NalKind kindOf(NalCoding coding, ByteView unit);
+
+/// The units of a packet in a file, each behind its length of four bytes. Throws Error when they do not fit.
+std::vector<ByteView> unitsWithLengths(ByteView packet);
+
+/// The units of a stream, each behind a start code.
+std::vector<ByteView> unitsWithStartCodes(ByteView stream);
+
+/// Puts a unit behind its length at the end of a packet.
+void appendUnit(Bytes& packet, ByteView unit);
+
+/// Makes a CRA picture's unit one of a BLA picture without pictures shown before it; others stay.
+void breakLink(std::span<std::uint8_t> unit);
+
+}  // namespace vantle

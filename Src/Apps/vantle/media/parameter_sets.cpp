@@ -1,0 +1,392 @@
+#include "media/parameter_sets.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
+#include "Host/error.h"
+
+namespace vantle {
+
+namespace {
+
+[[noreturn]] void failDamaged() { throw Error("a parameter set is damaged"); }
+
+/// Without the bytes that keep its contents from looking like a start code.
+Bytes payload(ByteView unit) {
+    Bytes bytes;
+    int zeros = 0;
+    for (const std::uint8_t byte : unit) {
+        if (zeros >= 2 && byte == 3) {
+            zeros = 0;
+            continue;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        bytes.push_back(byte);
+    }
+    return bytes;
+}
+
+/// With them again.
+Bytes escaped(const Bytes& bytes) {
+    Bytes unit;
+    int zeros = 0;
+    for (const std::uint8_t byte : bytes) {
+        if (zeros >= 2 && byte <= 3) {
+            unit.push_back(3);
+            zeros = 0;
+        }
+        zeros = byte == 0 ? zeros + 1 : 0;
+        unit.push_back(byte);
+    }
+    return unit;
+}
+
+class BitReader {
+   public:
+    explicit BitReader(const Bytes& bytes, std::size_t position) : bytes_(bytes), position_(position) {}
+
+    std::uint32_t bits(int count) {
+        std::uint32_t value = 0;
+        for (; count > 0; --count, ++position_) {
+            if (position_ / 8 >= bytes_.size()) failDamaged();
+            value = value << 1 | (bytes_[position_ / 8] >> (7 - position_ % 8) & 1);
+        }
+        return value;
+    }
+    bool flag() { return bits(1) != 0; }
+    void skip(int count) {
+        for (; count > 0; count -= 32) bits(std::min(count, 32));
+    }
+
+    /// A number of which small ones are short (ue(v)); a signed one has as many bits.
+    int number() {
+        int zeros = 0;
+        while (!flag())
+            if (++zeros > 30) failDamaged();
+        return static_cast<int>((1U << zeros) - 1 + bits(zeros));
+    }
+    int signedNumber() {
+        const int code = number();
+        return code % 2 != 0 ? code / 2 + 1 : -(code / 2);
+    }
+
+    std::size_t position() const { return position_; }
+
+   private:
+    const Bytes& bytes_;
+    std::size_t position_;
+};
+
+class BitWriter {
+   public:
+    void bits(std::uint32_t value, int count) {
+        for (int bit = count - 1; bit >= 0; --bit, ++position_) {
+            if (position_ % 8 == 0) bytes_.push_back(0);
+            bytes_.back() =
+                static_cast<std::uint8_t>(bytes_.back() | (value >> bit & 1) << (7 - position_ % 8));
+        }
+    }
+    void number(int value) {
+        const auto code = static_cast<std::uint32_t>(value) + 1;
+        int length = 0;
+        while (code >> (length + 1) != 0) ++length;
+        bits(0, length);
+        bits(code, length + 1);
+    }
+    void copy(const Bytes& from, std::size_t begin, std::size_t end) {
+        for (BitReader reader(from, begin); reader.position() < end;) bits(reader.bits(1), 1);
+    }
+    /// With the one that marks the end.
+    Bytes finish() {
+        bits(1, 1);
+        return std::move(bytes_);
+    }
+
+   private:
+    Bytes bytes_;
+    std::size_t position_ = 0;
+};
+
+/// A set with where in its bits the depth of reordering is stated.
+struct Parsed {
+    SequenceSet set;
+    std::size_t statement = 0;  // the first bit of it
+    std::size_t rest = 0;       // the first bit behind it
+    std::vector<int> values;    // its numbers
+    bool hasUsability = false;  // H.264: that part of the set which holds it is there
+    int layers = 0;             // HEVC: the temporal layers that state it
+};
+
+void skipScalingList(BitReader& read, int size) {
+    int last = 8;
+    int next = 8;
+    for (int i = 0; i < size; ++i) {
+        if (next != 0) next = (last + read.signedNumber() + 256) % 256;
+        last = next == 0 ? last : next;
+    }
+}
+
+void skipBufferModel(BitReader& read) {
+    const int count = read.number() + 1;
+    read.skip(8);
+    for (int i = 0; i < count; ++i) {
+        read.number();
+        read.number();
+        read.flag();
+    }
+    read.skip(20);
+}
+
+/// Up to the flag before the statement.
+void skipUsability(BitReader& read) {
+    constexpr std::uint32_t anyShape = 255;
+    if (read.flag() && read.bits(8) == anyShape) read.skip(32);
+    if (read.flag()) read.flag();
+    if (read.flag()) {
+        read.skip(4);
+        if (read.flag()) read.skip(24);
+    }
+    if (read.flag()) {
+        read.number();
+        read.number();
+    }
+    if (read.flag()) read.skip(65);
+    const bool nal = read.flag();
+    if (nal) skipBufferModel(read);
+    const bool vcl = read.flag();
+    if (vcl) skipBufferModel(read);
+    if (nal || vcl) read.flag();
+    read.flag();
+}
+
+Parsed parseH264(const Bytes& bytes) {
+    Parsed parsed;
+    BitReader read(bytes, 8);
+    const std::uint32_t profile = read.bits(8);
+    parsed.set.profile = static_cast<int>(profile);
+    read.skip(8);
+    parsed.set.level = static_cast<int>(read.bits(8));
+    parsed.set.id = read.number();
+    constexpr auto high =
+        std::to_array<std::uint32_t>({100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135});
+    if (std::ranges::find(high, profile) != high.end()) {
+        const int chroma = read.number();
+        if (chroma == 3) parsed.set.separatePlanes = read.flag();
+        read.number();
+        read.number();
+        read.flag();
+        if (read.flag())
+            for (int i = 0; i < (chroma == 3 ? 12 : 8); ++i)
+                if (read.flag()) skipScalingList(read, i < 6 ? 16 : 64);
+    }
+    read.number();
+    switch (read.number()) {
+        case 0:
+            read.number();
+            break;
+        case 1: {
+            read.flag();
+            read.number();
+            read.number();
+            for (int count = read.number(); count > 0; --count) read.number();
+            break;
+        }
+        default:
+            break;
+    }
+    parsed.set.references = read.number();
+    read.flag();
+    read.number();
+    read.number();
+    parsed.set.progressive = read.flag();
+    if (!parsed.set.progressive) read.flag();
+    read.flag();
+    if (read.flag())
+        for (int i = 0; i < 4; ++i) read.number();
+    parsed.statement = read.position();
+    parsed.hasUsability = read.flag();
+    if (!parsed.hasUsability) return parsed;
+    skipUsability(read);
+    parsed.statement = read.position();
+    if (!read.flag()) return parsed;
+    parsed.values.push_back(read.flag() ? 1 : 0);
+    for (int i = 0; i < 6; ++i) parsed.values.push_back(read.number());
+    parsed.set.reorder = parsed.values[5];
+    return parsed;
+}
+
+Parsed parseHevc(const Bytes& bytes) {
+    Parsed parsed;
+    BitReader read(bytes, 16);
+    read.skip(4);
+    const auto layers = static_cast<int>(read.bits(3));
+    read.skip(1 + 3);
+    parsed.set.profile = static_cast<int>(read.bits(5));
+    read.skip(80);
+    parsed.set.level = static_cast<int>(read.bits(8));
+    std::vector<std::pair<bool, bool>> stated;
+    for (int i = 0; i < layers; ++i) {
+        const bool profile = read.flag();
+        stated.emplace_back(profile, read.flag());
+    }
+    if (layers > 0) read.skip(2 * (8 - layers));
+    for (const auto& [profile, level] : stated) read.skip((profile ? 88 : 0) + (level ? 8 : 0));
+    parsed.set.id = read.number();
+    if (read.number() == 3) parsed.set.separatePlanes = read.flag();
+    read.number();
+    read.number();
+    if (read.flag())
+        for (int i = 0; i < 4; ++i) read.number();
+    for (int i = 0; i < 3; ++i) read.number();
+    parsed.layers = read.flag() ? layers + 1 : 1;
+    parsed.statement = read.position();
+    for (int i = 0; i < 3 * parsed.layers; ++i) parsed.values.push_back(read.number());
+    parsed.rest = read.position();
+    parsed.set.references = parsed.values[parsed.values.size() - 3];
+    parsed.set.reorder = parsed.values[parsed.values.size() - 2];
+    return parsed;
+}
+
+bool isSequenceSet(NalCoding coding, ByteView unit) {
+    if (unit.size() < 4) return false;
+    return coding == NalCoding::h264 ? (unit[0] & 31) == 7 : (unit[0] >> 1 & 63) == 33;
+}
+
+Parsed parse(NalCoding coding, const Bytes& bytes) {
+    return coding == NalCoding::h264 ? parseH264(bytes) : parseHevc(bytes);
+}
+
+/// Sixteen bits, the high ones first.
+std::size_t pairAt(ByteView bytes, std::size_t at) {
+    if (at + 2 > bytes.size()) failDamaged();
+    return static_cast<std::size_t>(bytes[at]) << 8 | bytes[at + 1];
+}
+
+void appendPair(Bytes& bytes, std::size_t value) {
+    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+    bytes.push_back(static_cast<std::uint8_t>(value));
+}
+
+}  // namespace
+
+std::optional<SequenceSet> sequenceSet(NalCoding coding, ByteView unit) {
+    if (!isSequenceSet(coding, unit)) return {};
+    return parse(coding, payload(unit)).set;
+}
+
+std::optional<PictureSet> pictureSet(ByteView unit) {
+    if (unit.size() < 2 || (unit[0] & 31) != 8) return {};
+    const Bytes bytes = payload(unit);
+    BitReader read(bytes, 8);
+    PictureSet set;
+    set.id = read.number();
+    read.number();
+    read.skip(2);
+    set.sliceGroups = read.number() > 0;
+    return set;
+}
+
+Bytes restated(NalCoding coding, ByteView unit, int reorder, int level) {
+    if (!isSequenceSet(coding, unit)) return {unit.begin(), unit.end()};
+    Bytes bytes = payload(unit);
+    const Parsed parsed = parse(coding, bytes);
+    bytes[coding == NalCoding::h264 ? 3 : 14] = static_cast<std::uint8_t>(level);
+    BitWriter write;
+    write.copy(bytes, 0, parsed.statement);
+    if (coding == NalCoding::h264) {
+        if (!parsed.hasUsability) write.bits(1U << 8, 9);  // it is there, and says none of what comes first
+        // Where nothing was stated, what a decoder assumes then.
+        std::vector<int> values = parsed.values;
+        if (values.empty()) values = {1, 2, 1, 15, 15, 0, 0};
+        values[5] = reorder;
+        values[6] = std::max({values[6], reorder, parsed.set.references});
+        write.bits(1, 1);
+        write.bits(static_cast<std::uint32_t>(values[0]), 1);
+        for (std::size_t i = 1; i < values.size(); ++i) write.number(values[i]);
+    } else {
+        for (std::size_t i = 0; i < parsed.values.size(); i += 3) {
+            write.number(std::max(parsed.values[i], reorder));
+            write.number(reorder);
+            write.number(0);
+        }
+        std::size_t end = 8 * bytes.size();
+        const auto isSet = [&](std::size_t bit) { return (bytes[bit / 8] >> (7 - bit % 8) & 1) != 0; };
+        while (end > parsed.rest && !isSet(end - 1)) --end;
+        write.copy(bytes, parsed.rest, end - 1);
+    }
+    return escaped(write.finish());
+}
+
+DecoderConfiguration::DecoderConfiguration(NalCoding coding, ByteView record) : coding_(coding) {
+    const bool isH264 = coding == NalCoding::h264;
+    const std::size_t headSize = isH264 ? 5 : 22;
+    if (record.size() < headSize + 2 || record[0] != 1 || (record[isH264 ? 4 : 21] & 3) != 3)
+        throw Error("its packets do not have lengths of four bytes");
+    head_.assign(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(headSize));
+    std::size_t at = headSize;
+    const auto readSets = [&](std::size_t count) {
+        for (; count > 0; --count) {
+            const std::size_t length = pairAt(record, at);
+            at += 2;
+            if (record.size() - at < length) failDamaged();
+            const ByteView set = record.subspan(at, length);
+            sets_.emplace_back(set.begin(), set.end());
+            at += length;
+        }
+    };
+    if (isH264) {
+        readSets(record[at++] & 31);
+        if (at >= record.size()) failDamaged();
+        readSets(record[at++]);
+        tail_.assign(record.begin() + static_cast<std::ptrdiff_t>(at), record.end());
+    } else {
+        for (std::size_t arrays = record[at++]; arrays > 0; --arrays) {
+            const std::size_t count = pairAt(record, at + 1);
+            at += 3;
+            readSets(count);
+        }
+    }
+    // Messages that a file keeps there are about its own making.
+    std::erase_if(sets_, [&](const Bytes& set) { return kindOf(coding_, set) != NalKind::parameterSet; });
+}
+
+Bytes DecoderConfiguration::withSets(const std::vector<Bytes>& sets) const {
+    Bytes record = head_;
+    const auto append = [&](auto&& isOne) {
+        for (const Bytes& set : sets)
+            if (isOne(set)) {
+                appendPair(record, set.size());
+                record.insert(record.end(), set.begin(), set.end());
+            }
+    };
+    if (coding_ == NalCoding::h264) {
+        const auto isSequence = [](const Bytes& set) { return (set[0] & 31) == 7; };
+        const auto first = std::ranges::find_if(sets, isSequence);
+        if (first == sets.end()) failDamaged();
+        std::copy_n(first->begin() + 1, 3, record.begin() + 1);
+        const auto count = std::ranges::count_if(sets, isSequence);
+        record.push_back(static_cast<std::uint8_t>(0xE0 | count));
+        append(isSequence);
+        record.push_back(static_cast<std::uint8_t>(std::ssize(sets) - count));
+        append([&](const Bytes& set) { return !isSequence(set); });
+        record.insert(record.end(), tail_.begin(), tail_.end());
+        return record;
+    }
+    const auto sequence =
+        std::ranges::find_if(sets, [](const Bytes& set) { return isSequenceSet(NalCoding::hevc, set); });
+    if (sequence == sets.end()) failDamaged();
+    std::copy_n(payload(*sequence).begin() + 3, 12, record.begin() + 1);
+    constexpr auto types = std::to_array<std::uint8_t>({32, 33, 34});
+    record.push_back(types.size());
+    for (const std::uint8_t type : types) {
+        const auto isOne = [&](const Bytes& set) { return (set[0] >> 1 & 63) == type; };
+        record.push_back(type);
+        appendPair(record, static_cast<std::size_t>(std::ranges::count_if(sets, isOne)));
+        append(isOne);
+    }
+    return record;
+}
+
+}  // namespace vantle

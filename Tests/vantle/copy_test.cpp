@@ -1,0 +1,210 @@
+// Films of which most is copied packet by packet: every copied picture is its source's to the byte.
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "command.h"
+
+namespace tests {
+
+class Copies : public CommandTest {
+   protected:
+    /// A clip of four seconds; `coding` are FFmpeg's options for its pictures.
+    void clip(const std::string& name, const std::string& coding, const std::string& picture = "testsrc2",
+              const std::string& rate = "30", const std::string& sound = "-c:a aac") const {
+        ffmpeg(
+            "-f lavfi -i " + picture + "=s=160x96:r=" + rate +
+            " -f lavfi -i \"aevalsrc=0.3*sin(2764*t)|0.2*sin(1800*t+400*t*t):s=48000\" -t 4 -pix_fmt yuv420p "
+            "-c:v libx264 -preset veryfast " +
+            coding + " " + sound + " " + name);
+    }
+
+    /// The pictures of a file, each as a checksum.
+    std::vector<std::string> checksums(const std::string& name) const {
+        std::istringstream lines(
+            shell(in("ffmpeg -v error -i " + name + " -map 0:v -fps_mode passthrough -f framemd5 - 2>&1"))
+                .text());
+        std::vector<std::string> sums;
+        for (std::string line; std::getline(lines, line);)
+            if (line.front() != '#') sums.push_back(line.substr(line.rfind(' ') + 1));
+        return sums;
+    }
+
+    nlohmann::json plan(const std::string& arguments) const {
+        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
+        EXPECT_EQ(outcome.status, 0) << arguments;
+        return nlohmann::json::parse(outcome.text());
+    }
+
+    /// Renders a film, no frame of which may be copied wrongly, and returns how many are copied.
+    std::int64_t copied(const std::string& arguments, const std::string& output) const {
+        const nlohmann::json film = plan(arguments + " -o " + output);
+        const std::string options = arguments + " -f -o " + output;
+        const Outcome outcome = vantle("render " + options);
+        EXPECT_EQ(outcome.status, 0) << arguments << outcome.text();
+        EXPECT_EQ(outcome.text().find("all is encoded"), std::string::npos) << outcome.text();
+        EXPECT_EQ(shell(in("ffmpeg -v warning -i " + output + " -f null - 2>&1")).text(), "") << arguments;
+        const std::vector<std::string> made = checksums(output);
+        EXPECT_EQ(std::ssize(made), film["frames"].get<std::int64_t>()) << arguments;
+        std::map<std::string, std::vector<std::string>> sources;
+        std::int64_t count = 0;
+        for (const nlohmann::json& stretch : film["copied"])
+            for (std::int64_t i = 0; i < stretch["frames"]; ++i, ++count) {
+                const std::int64_t frame = stretch["first"].get<std::int64_t>() + i;
+                bool same = false;
+                for (const nlohmann::json& entry : film["timeline"]) {
+                    if (!entry.contains("input") || frame < entry["input"]["first"] ||
+                        frame > entry["input"]["last"])
+                        continue;
+                    const std::string file = entry["input"]["file"];
+                    if (!sources.contains(file)) sources[file] = checksums(file);
+                    const std::string rate = film["rate"];
+                    const double perSecond = std::stod(rate) / std::stod(rate.substr(rate.find('/') + 1));
+                    const std::int64_t picture =
+                        std::llround(entry["input"]["in"].get<double>() * perSecond) + frame -
+                        entry["input"]["first"].get<std::int64_t>();
+                    same = same || sources[file].at(static_cast<std::size_t>(picture)) ==
+                                       made.at(static_cast<std::size_t>(frame));
+                }
+                EXPECT_TRUE(same) << arguments << ": frame " << frame;
+            }
+        return count;
+    }
+};
+
+TEST_F(Copies, AreExactWhateverTheEncodersWereToldToDo) {
+    clip("plain.mp4", "-g 25");
+    clip("no_b.mov", "-g 20 -bf 0 -slices 3", "mandelbrot");
+    clip("pyramid.mp4",
+         "-g 30 -bf 8 -refs 6 -x264-params b-adapt=0:aud=1:nal-hrd=vbr:vbv-maxrate=900:vbv-bufsize=900");
+    clip("baseline.mkv", "-g 15 -profile:v baseline", "mandelbrot");
+    clip("cavlc.mp4", "-g 12 -x264-params cabac=0:repeat-headers=1");
+    clip("intra.mp4", "-g 1");
+    const std::string join = " -t Row_split --duration 0.5 --copy always";
+    EXPECT_GT(copied("plain.mp4 in=0.3 no_b.mov out=3.6" + join, "a.mp4"), 150);
+    EXPECT_GT(copied("no_b.mov pyramid.mp4 baseline.mkv" + join + " --verify", "a.mov"), 220);
+    EXPECT_GT(copied("baseline.mkv cavlc.mp4 intra.mp4 plain.mp4" + join, "a.mkv"), 300);
+    EXPECT_EQ(copied("intra.mp4 in=7f out=8f +cut plain.mp4 +cut no_b.mov --copy always", "a.mp4"), 215);
+    // No frame is ever encoded alone beside one with which decoding may begin: the next such one is taken.
+    EXPECT_EQ(plan("no_b.mov in=19f +cut plain.mp4 -o a.mp4")["copied"][0]["first"], 21);
+    EXPECT_GT(copied("no_b.mov in=19f +cut pyramid.mp4 out=20f +cut no_b.mov --copy always", "a.mp4"), 100);
+    clip("film.mp4", "-g 30 -bf 3", "testsrc2", "24000/1001");
+    clip("film2.mp4", "-g 24 -bf 0", "mandelbrot", "24000/1001");
+    EXPECT_GT(copied("film.mp4 film2.mp4" + join, "a.mp4"), 120);
+    clip("fast.mp4", "-g 60", "testsrc2", "60000/1001");
+    EXPECT_GT(copied("fast.mp4 fast.mp4" + join, "a.mp4"), 300);
+}
+
+TEST_F(Copies, EnterHevcAtKeyPicturesThatOthersReferAcross) {
+    const auto hevc = [&](const std::string& name, const std::string& picture,
+                          const std::string& parameters) {
+        clip(name, "-c:v libx265 -preset ultrafast -x265-params log-level=error:" + parameters, picture);
+    };
+    hevc("open.mp4", "testsrc2", "keyint=25:bframes=4");
+    hevc("closed.mkv", "mandelbrot", "keyint=20:open-gop=0:bframes=0");
+    const std::string join = " -t Row_split --duration 0.5 --copy always";
+    EXPECT_GT(copied("open.mp4 open.mp4 in=0.4 closed.mkv" + join, "a.mp4"), 220);
+    EXPECT_GT(copied("closed.mkv open.mp4" + join + " --verify", "a.mkv"), 150);
+    // Those which were entered across others say that nothing is shown before them (a type of 18).
+    render("open.mp4 open.mp4 in=0.4" + join + " -f -o a.mp4");
+    EXPECT_EQ(shell(in("ffmpeg -v verbose -i a.mp4 -c copy -bsf:v trace_headers -f null - 2>&1 | "
+                       "grep -c 'nal_unit_type .* = 18$'"))
+                  .text(),
+              "1\n");
+}
+
+TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {
+    clip("plain.mp4", "-g 25");
+    clip("open.mp4", "-g 25 -x264-params open-gop=1", "mandelbrot");
+    clip("refresh.mp4", "-x264-params intra-refresh=1:keyint=30");
+    clip("one.mp4", "-g 999 -sc_threshold 0");
+    clip("interlaced.mp4", "-g 25 -flags +ildct+ilme -x264-params tff=1");
+    clip("wide.mp4", "-g 25 -aspect 2:1");
+    clip("slow.mp4", "-g 25", "testsrc2", "25");
+    clip("small.mp4", "-g 25 -vf scale=80:48");
+    clip("other.mp4", "-c:v mpeg4");
+    clip("colours.mp4", "-g 25 -colorspace bt709");
+    ffmpeg("-i plain.mp4 -c copy plain.ts");
+    ffmpeg(
+        "-i plain.mp4 -vf \"setpts=PTS+if(gt(N\\,60)\\,0.02/TB\\,0)\" -fps_mode vfr -c:a copy -g 25 "
+        "jump.mp4");
+    ffmpeg("-i plain.mp4 -c copy -metadata:s:v:0 rotate=90 turned.mp4");
+    ffmpeg("-ss 0.5 -i plain.mp4 -c copy cut.mp4");
+    ffmpeg("-i plain.mp4 -frames:v 1 still.png");
+    for (const auto& [name, says] : {std::pair{"open.mp4", "has no key picture"},
+                                     {"refresh.mp4", "has no key picture"},
+                                     {"one.mp4", "has no key picture"},
+                                     {"interlaced.mp4", "interlaced"},
+                                     {"wide.mp4", "not square"},
+                                     {"slow.mp4", "25 pictures a second and the film 30"},
+                                     {"small.mp4", "is 80x48 and the film 160x96"},
+                                     {"other.mp4", "coded as mpeg4"},
+                                     {"colours.mp4", "description of its colours"},
+                                     {"plain.ts", "is no .mp4"},
+                                     {"jump.mp4", "even pace"},
+                                     {"turned.mp4", "upright"},
+                                     {"cut.mp4", "not to be shown"},
+                                     {"still.png", "is no clip"}}) {
+        const std::string film = std::string("plain.mp4 ") + name + " -t 0 --duration 0.5";
+        const Outcome refused = vantle("render " + film + " --copy always -o a.mp4");
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_NE(refused.text().find(std::string(name) + ": "), std::string::npos) << refused.text();
+        EXPECT_NE(refused.text().find(says), std::string::npos) << name << ": " << refused.text();
+        EXPECT_EQ(std::ranges::count(refused.text(), '\n'), 1);
+        EXPECT_FALSE(files().contains("a.mp4"));
+        const nlohmann::json planned = plan(film + " -o a.mp4");
+        EXPECT_GT(planned["copiedShare"], 0.3) << name;
+        ASSERT_EQ(planned["warnings"].size(), 1U) << name;
+        EXPECT_NE(planned["warnings"][0].get<std::string>().find(says), std::string::npos);
+    }
+    EXPECT_GT(copied("plain.mp4 open.mp4 plain.mp4 -t Row_split", "a.mp4"), 100);
+    for (const std::string options :
+         {"--copy never", "--encoder-option crf=30", "--size 80x48", "--encoder libx265"})
+        EXPECT_EQ(plan("plain.mp4 plain.mp4 -t 0 -o a.mp4 " + options)["copiedShare"], 0.0) << options;
+    EXPECT_EQ(vantle("render plain.mp4 plain.mp4 -t 0 --copy always -o a.webm").status, 2);
+    EXPECT_EQ(vantle("render plain.mp4 plain.mp4 -t 0 --copy always --encoder libx265 -o b.mp4").status, 1);
+    EXPECT_FALSE(files().contains("b.mp4"));
+}
+
+TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
+    clip("plain.mp4", "-g 25");
+    clip("mono.mp4", "-g 25", "testsrc2", "30", "-ac 1 -c:a aac");
+    clip("mute.mp4", "-g 25", "testsrc2", "30", "-an");
+    const std::string film = "plain.mp4 in=0.31 plain.mp4 out=3.57 mute.mp4 plain.mp4 -t 0 --duration 0.7 ";
+    const auto sound = [&](const std::string& name) {
+        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
+        std::vector<double> samples(bytes.size() / 2);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
+        return samples;
+    };
+    render(film + "--copy always -o copied.mp4");
+    render(film + "--copy never --sound-encoder pcm_s16le -o mixed.mkv");
+    const std::vector<double> made = sound("copied.mp4");
+    const std::vector<double> meant = sound("mixed.mkv");
+    ASSERT_GE(made.size(), meant.size());
+    constexpr std::size_t window = 512;
+    constexpr int farthest = 512;  // samples by which a part's sound may lie aside
+    for (std::size_t at = window; at + 2 * window < meant.size(); at += window / 2) {
+        double nearest = 1.0;
+        for (int shift = -farthest; shift <= farthest; ++shift) {
+            double difference = 0.0;
+            for (std::size_t i = at; i < at + window; i += 3)
+                difference =
+                    std::max(difference, std::abs(made[i + static_cast<std::size_t>(shift)] - meant[i]));
+            nearest = std::min(nearest, difference);
+        }
+        // Where sound sets in or stops at once, coding smears it.
+        const bool edge = std::abs(static_cast<double>(at) / 48000 - 6.56) < 0.03 ||
+                          std::abs(static_cast<double>(at) / 48000 - 9.16) < 0.03;
+        EXPECT_LT(nearest, edge ? 0.4 : 0.06) << "sample " << at;
+    }
+    EXPECT_EQ(probe("copied.mp4", "stream=duration"), "13.166667\n13.166000");
+    // Sound of several forms is encoded, and the pictures are copied all the same.
+    EXPECT_GT(copied("plain.mp4 mono.mp4 -t 0 --copy always", "a.mp4"), 150);
+    EXPECT_GT(copied("plain.mp4 plain.mp4 -t 0 --copy always --music mono.mp4", "a.mp4"), 150);
+}
+
+}  // namespace tests
