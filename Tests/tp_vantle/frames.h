@@ -63,6 +63,14 @@ inline Bytes contentOf(const Geometry& geometry, unsigned frame) {
     return bytes;
 }
 
+/// A frame with its rows in the opposite order.
+inline Bytes turnedOver(const Bytes& frame, std::ptrdiff_t pitch) {
+    Bytes turned;
+    for (auto row = frame.end(); row != frame.begin(); row -= pitch)
+        turned.insert(turned.end(), row - pitch, row);
+    return turned;
+}
+
 using Pixel = std::array<std::uint8_t, 4>;
 
 /// The bytes of a frame whose pixels are all the same.

@@ -119,16 +119,25 @@ TEST_F(Render, WritesNumberedPicturesOfStills) {
 }
 
 TEST_F(Render, WritesEveryKindOfVideoFromGeneratedSources) {
+    const std::string film =
+        "lavfi:testsrc2=s=128x72:r=25 lavfi:smptebars=s=96x72:r=25:d=0.8 -t 1 "
+        "--duration 0.4 --hold 0.2 -o ";
     for (const auto& [name, codec] :
          {std::pair{"a.mkv", "h264"}, {"a.mov", "h264"}, {"a.webm", "vp9"}, {"a.gif", "gif"}}) {
-        render(
-            "lavfi:testsrc2=s=128x72:r=25 lavfi:smptebars=s=96x72:r=25:d=0.8 -t 1 --duration 0.4 --hold 0.2 "
-            "-o " +
-            std::string(name));
+        render(film + name);
         // FROM never ends, so it is held; TO plays its 20 frames.
         EXPECT_EQ(probe(name, "stream=codec_name,width,height,nb_read_frames"),
                   std::string(codec) + ",128,72,25");
     }
+    render(film + "a.webp");
+    // FFmpeg does not read it: its pictures last a second in all, over and over again.
+    const Bytes bytes = contents("a.webp");
+    const std::string_view webp(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    int milliseconds = 0;
+    for (std::size_t at = 0; (at = webp.find("ANMF", at)) != std::string_view::npos; at += 4)
+        milliseconds += bytes.at(at + 20) + 256 * bytes.at(at + 21);
+    EXPECT_EQ(milliseconds, 1000);
+    EXPECT_EQ(webp.substr(webp.find("ANIM") + 12, 2), std::string_view("\0", 2));
 }
 
 TEST_F(Render, FitsAnInputOfAnotherShape) {

@@ -393,9 +393,8 @@ void addRenderCommand(CLI::App& app) {
         "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit and mute to an\n"
         "input, duration to a transition. A file of such a name is written ./+x or ./in=2. Times are "
         "seconds\n"
-        "(2.5), 1:02.5, 500ms or frames of the film (12f). OUT is a video (.mp4 .mkv .webm .mov .gif, or - "
-        "for\n"
-        "standard output), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
+        "(2.5), 1:02.5, 500ms or frames of the film (12f). OUT is a video (.mp4 .mkv .webm .mov .gif .webp,\n"
+        "or - for standard output), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
     command->add_option("IN", options.operands, "Two inputs or more, and how they meet")
         ->type_name("FILE|+TRANSITION|+random|+cut")
         ->required();

@@ -12,7 +12,8 @@ namespace {
 template <typename State>
 void drawFresh(const vantle::Stage& stage, const vantle::Progress& progress) {
     State state;
-    state.fit(stage.width(), stage.height(), 0,
+    const bool fromTop = (*stage.rows().begin()).y() == 0;
+    state.fit(stage.width(), stage.height(), fromTop ? -1 : 1,
               [] { return [n = 1U]() mutable { return (n = n * 1664525 + 1013904223) >> 8; }; });
     state.draw(stage, progress);
 }
@@ -22,13 +23,6 @@ constexpr std::pair<const char*, vantle::Effect*> effects[] = {
 #define STATEFUL(function, effect, ...) {#function, drawFresh<vantle::effect>},
 #include "catalogue/transitions.inc"
 };
-
-Bytes turnedOver(const Bytes& frame, std::ptrdiff_t pitch) {
-    Bytes turned;
-    for (auto row = frame.end(); row != frame.begin(); row -= pitch)
-        turned.insert(turned.end(), row - pitch, row);
-    return turned;
-}
 
 }  // namespace
 

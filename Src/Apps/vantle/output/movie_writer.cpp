@@ -24,7 +24,7 @@ namespace {
 constexpr MovieKind kinds[] = {
     {".mp4", "mp4", "libx264", "aac"},      {".mov", "mov", "libx264", "aac"},
     {".mkv", "matroska", "libx264", "aac"}, {".webm", "webm", "libvpx-vp9", "libopus"},
-    {".gif", "gif", "gif", nullptr},
+    {".gif", "gif", "gif", nullptr},        {".webp", "webp", "libwebp_anim", nullptr},
 };
 
 /// No loss that one sees, at the encoders' usual effort.
@@ -34,6 +34,7 @@ av::Options usualOptions(std::string_view encoder) {
         return {{"preset", "medium"}, {"crf", "20"}, {"x265-params", "log-level=error"}};
     if (encoder == "libvpx-vp9")
         return {{"b", "0"}, {"crf", "24"}, {"deadline", "good"}, {"cpu-used", "4"}, {"row-mt", "1"}};
+    if (encoder == "libwebp_anim") return {{"quality", "80"}};
     if (encoder == "libsvtav1") return {{"crf", "28"}, {"preset", "8"}};
     return {};
 }
@@ -166,6 +167,9 @@ class MovieWriter final : public Writer {
         if (isRgb(codec.pix_fmt)) {
             codec.color_range = AVCOL_RANGE_JPEG;
             codec.colorspace = AVCOL_SPC_RGB;
+        } else if (codec.codec_id == AV_CODEC_ID_WEBP) {  // whose colours are these, whatever a file says
+            codec.color_range = AVCOL_RANGE_MPEG;
+            codec.colorspace = AVCOL_SPC_SMPTE170M;
         } else {
             const AVFrame& like = *options.colours;
             const bool high = codec.height >= 720;
@@ -232,7 +236,10 @@ std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNa
 
 av::Options muxerOptions(const MovieKind& kind) {
     const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
-    return quickTime ? av::Options{{"movflags", "+faststart"}} : av::Options{};
+    const bool webp = kind.ending == ".webp";  // over and over again, as a GIF
+    return quickTime ? av::Options{{"movflags", "+faststart"}}
+           : webp    ? av::Options{{"loop", "0"}}
+                     : av::Options{};
 }
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options) {

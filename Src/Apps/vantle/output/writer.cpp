@@ -21,7 +21,7 @@ OutputKind outputKind(const std::string& name, const EncoderNames& encoders) {
     if (pictureCodec(name) != AV_CODEC_ID_NONE)
         return {nullptr, !numberedName(name, 0).empty(), false, false};
     throw UsageError("cannot tell what to write from the name " + name +
-                     ": it should end in .mp4, .mkv, .webm, .mov, .gif, .png or .jpg");
+                     ": it should end in .mp4, .mkv, .webm, .mov, .gif, .webp, .png or .jpg");
 }
 
 void checkReplaceable(const std::string& name, bool overwrite) {

@@ -1,6 +1,6 @@
 #include "blends/dissolve.h"
 
-#include <cstddef>
+#include <algorithm>
 
 #include "frame/rounding.h"
 
@@ -19,23 +19,29 @@ void Dissolve::renew(std::int32_t width, std::int32_t height, std::int32_t pitch
 
 /// Turns what was drawn, an index below m for m = 1, 2, ..., into ranks: the inverse of the permutation that
 /// a Fisher-Yates shuffle from the end with these indices leaves of the pixels. Built in place by exchanging
-/// in the opposite order, from the first pixel on.
+/// in the opposite order, from the first pixel on; pixels are counted by rows from the bottom one.
 void Dissolve::settle() {
     for (std::int32_t i = 0; i < maskCount; ++i) {
         std::uint32_t& exchanged = mask[mask[i]];
         mask[i] = exchanged;
         exchanged = static_cast<std::uint32_t>(i);
     }
+    if (mask_y_pitch >= 0 || maskCount == 0) return;
+    // Turned for memory that begins with the top row, so that the picture is the same and read forwards.
+    const std::int32_t width = maskCount / mask_height;
+    for (std::int32_t above = 0, below = maskCount - width; above < below; above += width, below -= width)
+        std::swap_ranges(mask + above, mask + above + width, mask + below);
 }
 
 void Dissolve::draw(const Stage& stage, const Progress& progress) {
     // All at the end: there the product may round to one less.
     curCountOfMask =
         progress.position() == progress.duration() ? maskCount : truncated(progress.linearPart(maskCount));
+    const std::uint32_t* ranks = mask;
     for (Row row : stage.rows()) {
-        const std::ptrdiff_t first = std::ptrdiff_t{stage.height() - 1 - row.y()} * stage.width();
-        row.chosen(mask + first, static_cast<std::uint32_t>(curCountOfMask), stage.width());
+        row.chosen(ranks, static_cast<std::uint32_t>(curCountOfMask), stage.width());
         row.fromRest();
+        ranks += stage.width();
     }
 }
 

@@ -38,7 +38,7 @@ class Dissolve {
     void renew(std::int32_t width, std::int32_t height, std::int32_t pitch);
     void settle();
 
-    std::uint32_t* mask = nullptr;  // the rank of each pixel in the order, by rows from the bottom one
+    std::uint32_t* mask = nullptr;  // the rank of each pixel in the order, by rows as memory holds them
     std::int32_t maskCount = 0;
     std::int32_t curCountOfMask = 0;  // pixels of imgTo shown by the latest call
     std::int32_t mask_y_pitch = 0;

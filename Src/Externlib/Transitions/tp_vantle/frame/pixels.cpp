@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <cstring>
 
 #include "frame/multiversion.h"
 
@@ -100,7 +102,12 @@ VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
 }  // namespace
 
 VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
-    mergeFourth(run.out, pixelsOf(run, colours), fourthOf(run, fourth), run.count);
+    const std::uint8_t* const pixels = pixelsOf(run, colours);
+    const std::uint8_t* const other = fourthOf(run, fourth);
+    if (pixels == other)  // as where a byte 3 is kept that is the same frame's
+        std::memcpy(run.out, pixels, std::size_t{4} * static_cast<std::size_t>(run.count));
+    else
+        mergeFourth(run.out, pixels, other, run.count);
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {

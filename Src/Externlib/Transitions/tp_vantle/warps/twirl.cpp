@@ -87,11 +87,12 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
     const double sine = std::sin(angle);
     constexpr std::int32_t blockRows = 16;
     constexpr std::int32_t blockColumns = 64;
-    for (std::int32_t above = stage.height(); above > 0; above -= blockRows) {
+    const Stage::Rows all = stage.rows();
+    for (Stage::RowIterator next = all.begin(); next != all.end();) {
         std::optional<Line> lines[blockRows];
-        const std::int32_t count = std::min(above, blockRows);
-        for (std::int32_t i = 0; i < count; ++i) {
-            Row row = stage.row(above - 1 - i);
+        std::int32_t count = 0;
+        for (; count < blockRows && next != all.end(); ++next) {
+            Row row = *next;
             const double dy = row.y() - centreRow;
             const TurnedRow turned{cosine, sine, static_cast<double>(truncated(sine * dy + centreColumn)),
                                    static_cast<double>(truncated(cosine * dy)),
@@ -102,7 +103,7 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
             const Span rows = columnsInside(width, down, sine <= 0.0,
                                             [&](std::int32_t x) { return turned.rowAt(x - centreColumn); });
             row.black(std::max(columns.first, rows.first));
-            lines[i].emplace(Line{row, turned, std::min(columns.end, rows.end)});
+            lines[count++].emplace(Line{row, turned, std::min(columns.end, rows.end)});
         }
         for (std::int32_t blockEnd = 0; blockEnd < width;) {
             blockEnd = std::min(blockEnd + blockColumns, width);
