@@ -14,9 +14,10 @@ cp -r "$source/scripts" "$source/examples" .
 mv scripts/install-editors scripts/of-checkout
 printf '#!/bin/sh\nexec "%s/scripts/install-editors" --build "%s" "$@"\n' "$source" "$build" >scripts/install-editors
 chmod +x scripts/install-editors
-film() { ffmpeg -v error -f lavfi -i "$2=s=160x90:r=25" -f lavfi -i sine -t "$3" -c:v libx264 -preset ultrafast "$1"; }
+film() { ffmpeg -v error -f lavfi -i "$2=s=160x90:r=25" -f lavfi -i sine -t "$3" -c:v libx264 -preset ultrafast -g 25 -pix_fmt yuv420p "$1"; }
 film holiday.mp4 testsrc2 3
 film party.mov mandelbrot 3
+film party.mp4 mandelbrot 3
 film a.mp4 testsrc2 8
 film b.mp4 mandelbrot 3
 film c.mp4 testsrc2 3

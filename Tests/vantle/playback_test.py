@@ -36,7 +36,8 @@ def run(*command):
 
 def clip(name, picture, *coding):
     run('ffmpeg', '-v', 'error', '-f', 'lavfi', '-i', f'{picture}=s=160x160:r=25', '-f', 'lavfi', '-i', 'sine=r=48000',
-        '-t', '5', '-pix_fmt', 'yuv420p', '-c:v', 'libx264', *coding, '-c:a', 'aac', name)
+        '-t', '5', '-vf', 'scale=out_color_matrix=bt709', '-pix_fmt', 'yuv420p', '-colorspace', 'bt709', '-color_primaries',
+        'bt709', '-color_trc', 'bt709', '-c:v', 'libx264', *coding, '-c:a', 'aac', name)
 
 
 class PlaybackTest(unittest.TestCase):
@@ -48,7 +49,7 @@ class PlaybackTest(unittest.TestCase):
                 '--duration', '0.4', '-o', 'film.mp4', '--copy', 'always', '-q']
         plan = json.loads(run(vantle, 'render', *film, '--plan', '--json'))
         run(vantle, 'render', *film)
-        pictures = run('ffmpeg', '-v', 'error', '-i', 'film.mp4', '-vf', 'scale=8:8:flags=area,format=rgb24', '-f',
+        pictures = run('ffmpeg', '-v', 'error', '-i', 'film.mp4', '-vf', 'format=rgb24,scale=8:8:flags=area', '-f',
                        'rawvideo', '-')
         pictures = [sum(pictures[i:i + 3]) / 3 for i in range(0, len(pictures), 3)]
         frames = [pictures[64 * i:64 * (i + 1)] for i in range(plan['frames'])]
@@ -68,8 +69,8 @@ class PlaybackTest(unittest.TestCase):
         for place, seen in zip(places, result['seen']):
             def distance(frame): return sum(abs(a - b) for a, b in zip(frame, seen))
             near = range(max(place - 8, 0), min(place + 9, len(frames)))
-            self.assertLessEqual(distance(frames[place]), min(distance(frames[i]) for i in near) + 32, place)
-            self.assertLess(distance(frames[place]), 64 * 20, place)
+            self.assertLessEqual(distance(frames[place]), min(distance(frames[i]) for i in near) + 16, place)
+            self.assertLess(distance(frames[place]), 64 * 6, place)
         self.assertAlmostEqual(result['end'], plan['frames'] / 25, delta=0.05)
 
 

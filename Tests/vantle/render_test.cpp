@@ -137,7 +137,7 @@ TEST_F(Render, WritesEveryKindOfVideoFromGeneratedSources) {
     for (std::size_t at = 0; (at = webp.find("ANMF", at)) != std::string_view::npos; at += 4)
         milliseconds += bytes.at(at + 20) + 256 * bytes.at(at + 21);
     EXPECT_EQ(milliseconds, 1000);
-    EXPECT_EQ(webp.substr(webp.find("ANIM") + 12, 2), std::string_view("\0", 2));
+    EXPECT_EQ(webp.substr(webp.find("ANIM") + 12, 2), std::string(2, char{}));
 }
 
 TEST_F(Render, FitsAnInputOfAnotherShape) {

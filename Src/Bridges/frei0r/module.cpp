@@ -104,23 +104,23 @@ f0r_instance_t f0r_construct(unsigned width, unsigned height) {
 
 void f0r_destruct(f0r_instance_t instance) { delete instanceOf(instance); }
 
-void f0r_set_param_value(f0r_instance_t instance, f0r_param_t value, int index) {
-    if (instance != nullptr && index == 0) instanceOf(instance)->position = *static_cast<double*>(value);
+void f0r_set_param_value(f0r_instance_t instance, f0r_param_t param, int index) {
+    if (instance != nullptr && index == 0) instanceOf(instance)->position = *static_cast<double*>(param);
 }
 
-void f0r_get_param_value(f0r_instance_t instance, f0r_param_t value, int index) {
-    if (instance != nullptr && index == 0) *static_cast<double*>(value) = instanceOf(instance)->position;
+void f0r_get_param_value(f0r_instance_t instance, f0r_param_t param, int index) {
+    if (instance != nullptr && index == 0) *static_cast<double*>(param) = instanceOf(instance)->position;
 }
 
-void f0r_update2(f0r_instance_t instance, double, const uint32_t* from, const uint32_t* to, const uint32_t*,
-                 uint32_t* out) {
+void f0r_update2(f0r_instance_t instance, double, const uint32_t* inframe1, const uint32_t* inframe2,
+                 const uint32_t*, uint32_t* outframe) {
     if (instance == nullptr) return;
     vantle::Instance& shown = *instanceOf(instance);
     // What is not a number is not above 0.
     const double position = shown.position > 0.0 ? std::min(shown.position, 1.0) : 0.0;
-    const vantle::Stage stage(shown.width, shown.height, shown.pitch(), reinterpret_cast<std::uint8_t*>(out),
-                              reinterpret_cast<const std::uint8_t*>(from),
-                              reinterpret_cast<const std::uint8_t*>(to));
+    const vantle::Stage stage(
+        shown.width, shown.height, shown.pitch(), reinterpret_cast<std::uint8_t*>(outframe),
+        reinterpret_cast<const std::uint8_t*>(inframe1), reinterpret_cast<const std::uint8_t*>(inframe2));
     shown.effect.draw(stage.keeping(position < 1.0 ? vantle::Source::from : vantle::Source::to),
                       vantle::Progress(1.0, position));
 }

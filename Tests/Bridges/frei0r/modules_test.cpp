@@ -25,6 +25,7 @@ static thread_local bool memoryIsShort = false;
     void* const memory = memoryIsShort ? nullptr : std::malloc(size);
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
+VANTLE_API void* operator new(size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
 [[gnu::noinline]] VANTLE_API void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] VANTLE_API void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
@@ -135,7 +136,7 @@ TEST(Modules, DrawWhatThePluginDrawsWithItsRowsTurnedInWhicheverOrderOfColours) 
              {Geometry{1, 1, 4}, {2, 3, 8}, {61, 37, 244}, {96, 54, 384}, {131, 90, 524}}) {
             Scene scene(size);
             const Bytes from = turnedOver(scene.from, size.pitch), to = turnedOver(scene.to, size.pitch);
-            Instance instance(module, size, from, to), other(module, size, permuted(from), permuted(to));
+            Instance instance(module, size, from, to), recoloured(module, size, permuted(from), permuted(to));
             for (const auto& [position, shown] : positions) {
                 SCOPED_TRACE(module.function + " " + std::to_string(size.width) + " at " +
                              std::to_string(position));
@@ -147,10 +148,10 @@ TEST(Modules, DrawWhatThePluginDrawsWithItsRowsTurnedInWhicheverOrderOfColours) 
                     scene.draw(transition(module.function), shown);
                     EXPECT_EQ(drawn, turnedOver(scene.out, size.pitch));
                 }
-                EXPECT_EQ(other.draw(position), permuted(drawn));
+                EXPECT_EQ(recoloured.draw(position), permuted(drawn));
             }
             // Each has its own position.
-            other.draw(0);
+            recoloured.draw(0);
             double told = -7;
             module.get(instance.instance.get(), &told, 0);
             EXPECT_EQ(told, 0.999);
@@ -167,8 +168,7 @@ TEST(Modules, RefuseSizesThatNoFrameHasAndWhatFindsNoMemory) {
         memoryIsShort = false;
         EXPECT_EQ(none, nullptr);
         // Some hosts go on with it.
-        double position = 0.5;
-        module.set(none, &position, 0);
+        module.set(none, nullptr, 0);
         module.update(none, 0, nullptr, nullptr, nullptr, nullptr);
         module.destruct(none);
     }

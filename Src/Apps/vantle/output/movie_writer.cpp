@@ -235,11 +235,9 @@ std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNa
 }
 
 av::Options muxerOptions(const MovieKind& kind) {
-    const bool quickTime = kind.ending == ".mp4" || kind.ending == ".mov";
-    const bool webp = kind.ending == ".webp";  // over and over again, as a GIF
-    return quickTime ? av::Options{{"movflags", "+faststart"}}
-           : webp    ? av::Options{{"loop", "0"}}
-                     : av::Options{};
+    if (kind.ending == ".mp4" || kind.ending == ".mov") return {{"movflags", "+faststart"}};
+    if (kind.ending == ".webp") return {{"loop", "0"}};  // over and over again, as a GIF
+    return {};
 }
 
 std::unique_ptr<Writer> makeMovieWriter(const MovieKind& kind, const WriterOptions& options) {
