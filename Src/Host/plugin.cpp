@@ -61,10 +61,10 @@ std::string functionName(TransFunc* function) {
     return whole.substr(0, whole.find('('));
 }
 
-/// A plug-in's records do not hold it.
-std::string familyOf(std::string_view function) {
+/// What a plug-in's records do not hold: family and sentence.
+TransitionRow rowOf(std::string_view function) {
     const auto* const row = std::ranges::find(transitionRows, function, &TransitionRow::function);
-    return row != std::end(transitionRows) ? row->family : "other";
+    return row != std::end(transitionRows) ? *row : TransitionRow{"", "other", "", "", ""};
 }
 
 /// Edits (insert, delete, replace) that turn one text into the other: the Levenshtein distance.
@@ -102,8 +102,9 @@ Plugin::Plugin(const fs::path& library) {
             throw Error(path.string() + " counts " + std::to_string(count()) +
                         " transitions, but has no record " + std::to_string(index));
         const std::string function = functionName(info->pfnTransition);
-        transitions_.push_back({index, textIn(info->szName), function, familyOf(function),
-                                textIn(info->szGuid), info->pfnTransition});
+        const TransitionRow row = rowOf(function);
+        transitions_.push_back({index, textIn(info->szName), function, row.family, textIn(info->szGuid),
+                                row.sentence, info->pfnTransition});
     }
     for (const TransitionRow& row : transitionRows) {
         const bool catalogued =
@@ -111,7 +112,7 @@ Plugin::Plugin(const fs::path& library) {
         void* const draw = catalogued ? nullptr : symbol(mangled(row.function));
         if (draw != nullptr)
             transitions_.push_back(
-                {{}, {}, row.function, row.family, {}, reinterpret_cast<TransFunc*>(draw)});
+                {{}, {}, row.function, row.family, {}, row.sentence, reinterpret_cast<TransFunc*>(draw)});
     }
 }
 

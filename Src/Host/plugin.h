@@ -21,6 +21,7 @@ struct Transition {
     std::string function;               ///< name of the function that draws it; empty while there is none
     std::string family;                 ///< "strips", "shapes", "warps", "blends"; "other" when not known
     std::string guid;                   ///< empty without a catalogue record
+    std::string sentence;               ///< what it looks like; empty when not known
     TransFunc* draw = nullptr;          ///< null when this build of the plug-in does not have it
 };
 

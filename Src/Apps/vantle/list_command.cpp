@@ -27,24 +27,25 @@ void listJson(const Plugin& plugin) {
         row["function"] = orNull(transition.function);
         row["family"] = transition.family;
         row["guid"] = orNull(transition.guid);
+        row["sentence"] = orNull(transition.sentence);
         rows.push_back(row);
     }
     std::puts(rows.dump(2).c_str());
 }
 
-/// Writes index, name, function, family and GUID of every transition to standard output.
+/// Writes index, name, function, family, GUID and sentence of every transition to standard output.
 void list(const std::filesystem::path& plugin, bool json) {
     const Plugin loaded(plugin);
     if (json) {
         listJson(loaded);
         return;
     }
-    std::printf("%5s  %-21s %-22s %-7s %s\n", "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID");
+    const char* const line = "%5s  %-21s %-22s %-7s %-36s %s\n";
+    std::printf(line, "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID", "WHAT IT LOOKS LIKE");
     for (const Transition& transition : loaded.transitions())
-        std::printf("%5s  %-21s %-22s %-7s %s\n",
-                    transition.index ? std::to_string(*transition.index).c_str() : "-",
+        std::printf(line, transition.index ? std::to_string(*transition.index).c_str() : "-",
                     orDash(transition.name), orDash(transition.function), transition.family.c_str(),
-                    orDash(transition.guid));
+                    orDash(transition.guid), transition.sentence.c_str());
 }
 
 }  // namespace
@@ -57,7 +58,8 @@ void addListCommand(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand("list", "List the transitions");
     command->add_flag("--json", options->json, "As JSON");
-    command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)");
+    command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)")
+        ->type_name("FILE");
     command->callback([options] { list(options->plugin, options->json); });
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 extern "C" {
@@ -12,11 +13,14 @@ extern "C" {
 }
 
 #include "Host/error.h"
+#include "completion.h"
 #include "gallery_command.h"
+#include "help.h"
 #include "list_command.h"
 #include "render_command.h"
 #include "sheet_command.h"
 #include "system/interrupt.h"
+#include "version.h"
 
 namespace {
 
@@ -44,12 +48,19 @@ int run(int argc, char** argv) {
     CLI::App app("Video transitions on real pictures and video", "vantle");
     app.require_subcommand(1);
     for (const auto add : {addRenderCommand, addSheetCommand, addGalleryCommand, addListCommand}) add(app);
+    showLikeManual(app);
+    app.set_version_flag("--version", versionText,
+                         "Print the versions of vantle and of FFmpeg's libraries and exit");
 
     try {
         try {
-            app.parse(argc, argv);
-        } catch (const CLI::Success& help) {
-            app.exit(help);
+            // What shells ask. The words that follow are not yet a command line.
+            if (argc > 1 && std::string_view(argv[1]) == "--complete")
+                complete(app, {argv + 2, argv + argc});
+            else
+                app.parse(argc, argv);
+        } catch (const CLI::Success& shown) {
+            app.exit(shown);
         }
         flushOutput();
         return 0;

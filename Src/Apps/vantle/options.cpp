@@ -55,7 +55,7 @@ CLI::Validator aTime(double longest) {
                     return "\"" + text + "\" is no length of time above 0";
                 return std::string();
             },
-            "TIME"};
+            ""};
 }
 
 Time timeOf(const std::string& text) { return parseTime(text).value_or(Time{}); }
@@ -65,18 +65,25 @@ void addOverlap(CLI::App& command, JoinOptions& options) {
         .add_option_function<std::string>(
             "--duration", [&](const std::string& text) { options.duration = timeOf(text); },
             "Length of a transition: seconds, or frames as 12f (default: 1)")
+        ->type_name("TIME")
         ->check(aTime(3600.0));
-    command.add_option_function<std::string>(
-        "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
-        "Frames per second (default: those of the first input that has them)");
-    command.add_option_function<std::string>(
-        "--fit", [&](const std::string& text) { options.fit = fitOf(text); },
-        "How an input of another shape fills the picture: contain (default), cover or stretch");
+    command
+        .add_option_function<std::string>(
+            "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
+            "Frames per second (default: those of the first input that has them)")
+        ->type_name("RATE");
+    command
+        .add_option_function<std::string>(
+            "--fit", [&](const std::string& text) { options.fit = fitOf(text); },
+            "How an input of another shape fills the picture (default: contain)")
+        ->type_name("contain|cover|stretch");
 }
 
 void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning) {
-    command.add_option_function<std::string>(
-        "--size", [&](const std::string& text) { size = parseSize(text); }, meaning);
+    command
+        .add_option_function<std::string>(
+            "--size", [&](const std::string& text) { size = parseSize(text); }, meaning)
+        ->type_name("SIZE");
 }
 
 void addCommon(CLI::App& command, JoinOptions& options) {
@@ -84,17 +91,22 @@ void addCommon(CLI::App& command, JoinOptions& options) {
     command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
     command.add_flag_callback(
         "-v,--verbose", [] { av_log_set_level(AV_LOG_VERBOSE); }, "Show what FFmpeg's libraries say");
-    command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)");
+    command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)")
+        ->type_name("FILE");
 }
 
 void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
     command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
+        ->type_name("FILE")
         ->required();
-    command.add_option("TO", options.to, "The input that the transition leads to")->required();
-    command.add_option("-o,--output", options.join.output, output)->required();
+    command.add_option("TO", options.to, "The input that the transition leads to")
+        ->type_name("FILE")
+        ->required();
+    command.add_option("-o,--output", options.join.output, output)->type_name("FILE")->required();
     command
         .add_option("-t,--transition", options.transitions,
                     "Only this one, by catalogue name, index, GUID or function name; repeatable")
+        ->type_name("TRANSITION")
         ->expected(1)
         ->take_all();
     addOverlap(command, options.join);

@@ -395,35 +395,43 @@ void addRenderCommand(CLI::App& app) {
         "seconds\n"
         "(2.5), 1:02.5, 500ms or frames of the film (12f). OUT is a video (.mp4 .mkv .webm .mov .gif .webp,\n"
         "or - for standard output), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
-    command->add_option("IN", options.operands, "Two inputs or more, and how they meet")->required();
+    command->add_option("IN", options.operands, "Two inputs or more, and how they meet")
+        ->type_name("FILE|+TRANSITION|+random|+cut")
+        ->required();
     command
         ->add_option("-t,--transition", options.transitions,
                      "Catalogue name, index, GUID or function name, random or cut; several are taken in turn")
+        ->type_name("TRANSITION|random|cut")
         ->expected(1)
         ->take_all();
-    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form");
+    command->add_option("-o,--output", options.join.output, "What to write: its name says in which form")
+        ->type_name("FILE");
     addOverlap(*command, options.join);
     addSize(*command, options.size, "WIDTHxHEIGHT of the output (default: the first input's)");
     command
         ->add_option_function<std::string>(
             "--hold", [&](const std::string& text) { options.hold = timeOf(text); },
             "How long a still shows outside its transitions (default: 1 in a video, else 0)")
+        ->type_name("TIME")
         ->check(CLI::Validator(
             [](const std::string& text) {
                 return parseTime(text) ? std::string() : "\"" + text + "\" is no time (as 2.5 or 12f)";
             },
-            "TIME"));
+            ""));
     command->add_option("--seed", options.seed, "What -t random follows from (default: another each time)");
     command
         ->add_option_function<std::string>(
             "--sort", [&](const std::string&) { options.sort = true; },
             "natural: inputs in the order in which one counts, img2 before img10")
+        ->type_name("natural")
         ->check(CLI::IsMember({"natural"}));
     command->add_flag("--shrink", options.shrink, "Shorten transitions that are too long for their inputs");
     command->add_flag("--mute", options.mute, "Leave out the sound of all inputs");
-    command->add_option("--music", options.music.file,
-                        "Sound under the film, repeated when shorter, faded out over its last two seconds");
-    command->add_option("--music-volume", options.music.volume, "How loud it is, 0 to 1")
+    command
+        ->add_option("--music", options.music.file,
+                     "Sound under the film, repeated when shorter, faded out over its last two seconds")
+        ->type_name("FILE");
+    command->add_option("--music-volume", options.music.volume, "How loud it is")
         ->check(within(0.0, 1.0))
         ->capture_default_str();
     command->add_flag("--music-duck", options.music.duck, "Lower it where inputs have sound");
@@ -432,15 +440,17 @@ void addRenderCommand(CLI::App& app) {
                      "Channels of the sound (default: those of the inputs where they agree, else 2)")
         ->check(CLI::Range(1, 8));
     command->add_flag("--plan", options.plan, "Only tell what the film will be, frame by frame");
-    command->add_flag("--json", options.json, "Tell it as JSON")->needs("--plan");
+    command->add_flag("--json", options.json, "With --plan: tell it as JSON")->needs("--plan");
     command
         ->add_option_function<std::string>(
             "--copy", [&](const std::string& text) { options.copy = parseCopy(text); },
             "Copy packets where nothing changes: auto, always (or fail) or never (default: auto in .mp4 and "
             ".mov)")
+        ->type_name("auto|always|never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     command->add_flag("--verify", options.verify, "Compare all frames that were copied with their sources");
-    command->add_option("--joins", options.joins, "Only draw all transitions on one picture of this name");
+    command->add_option("--joins", options.joins, "Only draw all transitions on one picture of this name")
+        ->type_name("FILE");
     command->add_option_function<std::string>(
         "--at", [&](const std::string& text) { options.at = parseAt(text); },
         "Only the picture at this position of the transition, 0 to 1; of several, 2:0.5 is in the second");

@@ -38,7 +38,7 @@ consteval TransInfo record(TransFunc* transition, std::string_view name, std::st
 }  // namespace
 
 constinit const TransInfo g_arTransInfo[] = {
-#define TRANSITION(function, effect, family, name, guid) record(function, name, guid),
+#define TRANSITION(function, effect, family, name, guid, sentence) record(function, name, guid),
 #define UNCATALOGUED(...)
 #include "catalogue/transitions.inc"
 };

@@ -9,10 +9,11 @@ struct TransitionRow {
     const char* family;    ///< "strips", "shapes", "warps" or "blends"
     const char* name;      ///< display name
     const char* guid;
+    const char* sentence;  ///< what it looks like
 };
 
 inline constexpr TransitionRow transitionRows[] = {
-#define TRANSITION(function, effect, family, name, guid) {#function, #family, name, guid},
+#define TRANSITION(function, effect, family, name, guid, sentence) {#function, #family, name, guid, sentence},
 #include "catalogue/transitions.inc"
 };
 
