@@ -17,7 +17,9 @@ def psnr(name, source):
 
 def longer(name, times):
     made = f'{times}x{name}'
-    run('ffmpeg', '-v', 'error', '-y', '-stream_loop', str(times - 1), '-i', name, '-c', 'copy', made)
+    run('ffmpeg', '-v', 'error', '-y', '-i', name, '-an', '-c', 'copy', 'silent.mp4')
+    run('ffmpeg', '-v', 'error', '-y', '-stream_loop', str(times - 1), '-i', 'silent.mp4', '-f', 'lavfi', '-i',
+        f'sine=f=400:r=48000:d={180 * times}', '-c:v', 'copy', '-c:a', 'aac', made)
     return made
 
 
