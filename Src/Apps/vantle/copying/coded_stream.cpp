@@ -99,7 +99,10 @@ void checkPacket(const Input& input, const AVPacket& packet) {
 }
 
 /// Numbers the pictures by their times, which must lie on the grid of the film and fill it.
-void number(const Input& input, CodedPictures& coded, const std::vector<std::int64_t>& times) {
+void number(const Input& input, CodedPictures& coded) {
+    std::vector<std::int64_t> times;
+    for (const CodedPicture& picture : coded.pictures) times.push_back(picture.time);
+    if (times.empty()) refuse(input, "has no pictures");
     const std::int64_t first = std::ranges::min(times);
     if (first != input.first().pts)
         refuse(input,
@@ -148,12 +151,12 @@ av::Parameters sharedForm(const AVCodecParameters& form) {
 CodedPictures codedPictures(const Input& input, AVRational rate) try {
     if (input.still() || input.endless() || input.name().starts_with("lavfi:"))
         refuse(input, "is no clip; only clips can be copied");
-    const Demuxer probe(input.name());
-    const std::string_view format = probe.container().iformat->name;
+    Demuxer packets(input.name());
+    const std::string_view format = packets.container().iformat->name;
     if (!format.starts_with("mov,") && !format.starts_with("matroska,"))
         refuse(input, "is no .mp4, .mov or .mkv file; " + std::string(rewrap));
-    const int stream = *probe.best(AVMEDIA_TYPE_VIDEO);
-    const AVCodecParameters& form = *probe.stream(stream).codecpar;
+    const int stream = *packets.best(AVMEDIA_TYPE_VIDEO);
+    const AVCodecParameters& form = *packets.stream(stream).codecpar;
     const NalCoding coding = codingOf(input, form);
     checkForm(input, form);
     if (form.extradata_size <= 0) refuse(input, "its packets lack a description; " + std::string(rewrap));
@@ -162,23 +165,20 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
                         .form = sharedForm(form),
                         .configuration = DecoderConfiguration(
                             coding, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
-                        .timeBase = probe.stream(stream).time_base,
+                        .timeBase = packets.stream(stream).time_base,
                         .rate = rate,
                         .pictures = {}};
     checkSets(input, coded.configuration);
-    std::vector<std::int64_t> times;
-    Demuxer packets(input.name());
     packets.useAlone(stream);
     while (const av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
-        coded.pictures.push_back({.decoded = packet->dts != AV_NOPTS_VALUE ? packet->dts : packet->pts,
+        coded.pictures.push_back({.time = packet->pts,
                                   .number = 0,
                                   .key = (packet->flags & AV_PKT_FLAG_KEY) != 0,
                                   .entry = beginsAfresh(input, *packet, coded.configuration)});
-        times.push_back(packet->pts);
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
-    number(input, coded, times);
+    number(input, coded);
     settleEntries(coded);
     return coded;
 } catch (const NotCopied&) {

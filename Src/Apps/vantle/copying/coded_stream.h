@@ -19,10 +19,10 @@ class NotCopied : public Error {
 };
 
 struct CodedPicture {
-    std::int64_t decoded = 0;  ///< when it is decoded, in the stream's time base
-    std::int64_t number = 0;   ///< in the order in which pictures show, from 0
-    bool key = false;          ///< the file says that one may go to it
-    bool entry = false;        ///< decoding may begin here: what shows later does not refer back across it
+    std::int64_t time = 0;    ///< when it shows, in the stream's time base
+    std::int64_t number = 0;  ///< in the order in which pictures show, from 0
+    bool key = false;         ///< the file says that one may go to it
+    bool entry = false;       ///< decoding may begin here: what shows later does not refer back across it
 };
 
 /// Pictures of an input that may be copied, in the order in which they are decoded.

@@ -1,5 +1,6 @@
 #include "copying/copy_film.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 
@@ -7,6 +8,7 @@
 #include "copying/film_sound.h"
 #include "copying/verification.h"
 #include "media/muxer.h"
+#include "media/sound_format.h"
 #include "output/staged_file.h"
 
 namespace vantle {
@@ -49,6 +51,25 @@ class Sound {
     std::optional<EncodedSound> whole_;
 };
 
+/// As other films are written, but that room for the index is left at the start, rather than all moved along
+/// for it.
+av::Options fileOptions(const CopyPlan& plan, const CopyOptions& options) {
+    av::Options wanted = muxerOptions(options.kind);
+    if (wanted.erase("movflags") == 0) return wanted;
+    // More than the tables take for a picture and for a packet of sound, of the shortest that there are.
+    constexpr std::int64_t perPicture = 64;
+    constexpr std::int64_t perPacket = 48;
+    constexpr std::int64_t shortest = 64;  // samples
+    const std::int64_t frames = plan.film.frames();
+    const std::int64_t packets =
+        !options.sound ? 0
+        : plan.soundStretches.empty()
+            ? sampleOf(frames, plan.film.canvas.rate, options.sound->sampleRate) / shortest
+            : plan.soundStretches.back().end();
+    wanted["moov_size"] = std::to_string(65536 + perPicture * frames + perPacket * packets);
+    return wanted;
+}
+
 }  // namespace
 
 std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressBar& progress) {
@@ -63,7 +84,7 @@ std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressB
         sound.emplace(plan, options, muxer.wantsGlobalHeaders());
         soundStream = &sound->addTo(muxer);
     }
-    muxer.start(muxerOptions(options.kind));
+    muxer.start(fileOptions(plan, options));
 
     // Side by side in time, so that neither waits in memory for the other.
     av::Packet picture = pictures.next();

@@ -83,10 +83,10 @@ StretchEncoder::StretchEncoder(const CopyPlan& copyPlan, const std::string& name
         const std::set<int> used = identifiers(plan);
         int id = 0;
         while (used.contains(id)) ++id;
-        options = {{"preset", "veryfast"}, {"crf", "16"}, {"x264-params", "sps-id=" + std::to_string(id)}};
+        options = {{"preset", "superfast"}, {"crf", "16"}, {"x264-params", "sps-id=" + std::to_string(id)}};
         if (!pyramid) options["b-pyramid"] = "none";
     } else if (chosen == "libx265") {
-        options = {{"preset", "veryfast"},
+        options = {{"preset", "superfast"},
                    {"crf", "16"},
                    {"x265-params", std::string("log-level=error:open-gop=0:info=0:repeat-headers=0") +
                                        (pyramid ? "" : ":b-pyramid=0")}};
@@ -165,7 +165,7 @@ CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& cod
         while (ahead_ && coded_.numberOf(*ahead_) < first_);
         return ahead_ && coded_.numberOf(*ahead_) == first_;
     };
-    if (input_.seek(coded.stream, entry->decoded) && find()) return;
+    if (input_.seek(coded.stream, entry->time) && find()) return;
     input_.reopen();
     if (!find()) throw Error(name + ": its picture " + std::to_string(first) + " is not found again");
 }

@@ -33,7 +33,7 @@ class NumberedPictures {
           rate_(rate),
           reader_((input_.useAlone(stream), input_), stream) {}
 
-    /// Goes to the key picture that is decoded at `time`, or before it.
+    /// Goes to the key picture that shows at `time`, or before it.
     void seek(std::int64_t time) {
         if (!input_.seek(stream_, time)) input_.reopen();
         reader_.flush();
@@ -78,9 +78,11 @@ class Verification {
         // Matroska keeps no times of decoding.
         const bool keepsDecoding = std::string_view(input.container().iformat->name).starts_with("mov,");
         std::vector<std::int64_t> times;
+        std::vector<std::int64_t> keys;  // when key pictures show
         std::optional<std::int64_t> decoded;
         while (const av::Packet packet = input.read(stream_)) {
             times.push_back(packet->pts);
+            if ((packet->flags & AV_PKT_FLAG_KEY) != 0) keys.push_back(packet->pts);
             const bool ordered = packet->dts <= packet->pts && (!decoded || packet->dts > *decoded);
             if (keepsDecoding && !ordered) fail("wrong times at packet", std::ssize(times));
             decoded = packet->dts;
@@ -89,9 +91,9 @@ class Verification {
         std::ranges::sort(times);
         start_ = times.front();
         for (std::int64_t i = 0; i < std::ssize(times); ++i)
-            if (av_rescale_q_rnd(times[static_cast<std::size_t>(i)] - start_, timeBase, av_inv_q(rate_),
-                                 AV_ROUND_NEAR_INF) != i)
+            if (numberAt(times[static_cast<std::size_t>(i)], timeBase) != i)
                 fail("no packet has the time of frame", i);
+        for (const std::int64_t time : keys) keys_.emplace(numberAt(time, timeBase), time);
     }
 
     void checkSound() const {
@@ -131,6 +133,10 @@ class Verification {
     }
 
    private:
+    std::int64_t numberAt(std::int64_t time, AVRational timeBase) const {
+        return av_rescale_q_rnd(time - start_, timeBase, av_inv_q(rate_), AV_ROUND_NEAR_INF);
+    }
+
     /// The frames of the film at which decoding may begin, as far as they are known, ascending.
     std::vector<std::int64_t> entries() const {
         std::vector<std::int64_t> frames;
@@ -168,15 +174,16 @@ class Verification {
             NumberedPictures source(part.input->name(), coded.stream, coded.start, rate_);
             source.seek(std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
                             return picture.entry && picture.number == from;
-                        })->decoded);
+                        })->time);
             source.read(from, std::min(end, stretch.end()) - offset,
                         [&](std::int64_t number, const AVFrame& picture) {
                             expected.emplace(number + offset, pixelsHash(picture));
                         });
         }
         NumberedPictures made(file_, stream_, start_, rate_);
-        constexpr int deepest = 16;  // by more places nothing is coded early
-        made.seek(start_ + av_rescale_q(first - deepest, av_inv_q(rate_), made.timeBase()));
+        const auto key = keys_.find(first);
+        if (key == keys_.end()) fail("no key picture is in frame", first);
+        made.seek(key->second);
         made.read(first, end, [&](std::int64_t frame, const AVFrame& picture) {
             const auto copied = expected.find(frame);
             const bool same = copied != expected.end() ? copied->second == pixelsHash(picture)
@@ -192,6 +199,7 @@ class Verification {
     int stream_ = 0;
     std::int64_t start_ = 0;
     std::vector<std::int64_t> entries_;
+    std::map<std::int64_t, std::int64_t> keys_;  // when key pictures show, by frame
 };
 
 }  // namespace
