@@ -7,7 +7,6 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ranges>
 #include <span>
 #include <string>
 #include <string_view>
@@ -134,9 +133,9 @@ void settleEntries(CodedPictures& coded) {
         latest = std::max(latest, picture.number);
     }
     std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
-    for (CodedPicture& picture : std::views::reverse(coded.pictures)) {
-        if (coded.coding == NalCoding::h264) picture.entry = picture.entry && earliest > picture.number;
-        earliest = std::min(earliest, picture.number);
+    for (auto picture = coded.pictures.rbegin(); picture != coded.pictures.rend(); ++picture) {
+        if (coded.coding == NalCoding::h264) picture->entry = picture->entry && earliest > picture->number;
+        earliest = std::min(earliest, picture->number);
     }
 }
 

@@ -71,11 +71,15 @@ std::vector<ByteView> unitsWithLengths(ByteView packet) {
 std::vector<ByteView> unitsWithStartCodes(ByteView stream) {
     constexpr std::array<std::uint8_t, 3> code{0, 0, 1};
     std::vector<ByteView> units;
-    auto found = std::ranges::search(stream, code);
-    while (!found.empty()) {
-        const ByteView rest(found.end(), stream.end());
-        found = std::ranges::search(rest, code);
-        ByteView unit(rest.begin(), found.begin());
+    const auto next = [&](ByteView in) {
+        return std::search(in.begin(), in.end(), code.begin(), code.end());
+    };
+    auto found = next(stream);
+    while (found != stream.end()) {
+        const ByteView rest(found + code.size(), stream.end());
+        const auto end = next(rest);
+        ByteView unit(rest.begin(), end);
+        found = stream.end() - (rest.end() - end);
         // Zeros before the next code belong to it.
         while (!unit.empty() && unit.back() == 0) unit = unit.first(unit.size() - 1);
         if (!unit.empty()) units.push_back(unit);
