@@ -42,13 +42,6 @@ Json joinEntry(const Join& join) {
     return {{"join", {{"transition", name}, {"first", join.start}, {"frames", join.frames}}}};
 }
 
-std::int64_t copiedFrames(const std::vector<Stretch>& stretches) {
-    std::int64_t frames = 0;
-    for (const Stretch& stretch : stretches)
-        if (stretch.part) frames += stretch.frames;
-    return frames;
-}
-
 double share(std::int64_t frames, const Film& film) {
     return static_cast<double>(frames) / static_cast<double>(film.frames());
 }

@@ -141,7 +141,7 @@ void settleEntries(CodedPictures& coded) {
 
 }  // namespace
 
-av::Parameters sharedForm(const AVCodecParameters& form) {
+av::Parameters copyOf(const AVCodecParameters& form) {
     av::Parameters copy(av::check(avcodec_parameters_alloc(), "parameters"));
     av::check(avcodec_parameters_copy(copy.get(), &form), "parameters");
     return copy;
@@ -161,7 +161,7 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
     if (form.extradata_size <= 0) refuse(input, "its packets lack a description; " + std::string(rewrap));
     CodedPictures coded{.stream = stream,
                         .coding = coding,
-                        .form = sharedForm(form),
+                        .form = copyOf(form),
                         .configuration = DecoderConfiguration(
                             coding, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
                         .timeBase = packets.stream(stream).time_base,
@@ -171,10 +171,8 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
     packets.useAlone(stream);
     while (const av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
-        coded.pictures.push_back({.time = packet->pts,
-                                  .number = 0,
-                                  .key = (packet->flags & AV_PKT_FLAG_KEY) != 0,
-                                  .entry = beginsAfresh(input, *packet, coded.configuration)});
+        coded.pictures.push_back(
+            {.time = packet->pts, .number = 0, .entry = beginsAfresh(input, *packet, coded.configuration)});
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
     number(input, coded);
@@ -197,7 +195,7 @@ CodedSound codedSound(const Input& input) {
     if (form.codec_id != AV_CODEC_ID_AAC || form.profile != FF_PROFILE_AAC_LOW ||
         form.frame_size != CodedSound::portion || form.extradata_size < 2)
         refuse(input, "its sound is not AAC-LC");
-    CodedSound coded{.stream = stream, .form = sharedForm(form)};
+    CodedSound coded{.stream = stream, .form = copyOf(form)};
     // Some files keep times in thousandths only.
     const double slack = std::max(1.0, form.sample_rate * av_q2d(source.time_base));
     while (const av::Packet packet = packets.read(stream)) {

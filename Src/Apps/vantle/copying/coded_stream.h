@@ -21,7 +21,6 @@ class NotCopied : public Error {
 struct CodedPicture {
     std::int64_t time = 0;    ///< when it shows, in the stream's time base
     std::int64_t number = 0;  ///< in the order in which pictures show, from 0
-    bool key = false;         ///< the file says that one may go to it
     bool entry = false;       ///< decoding may begin here: what shows later does not refer back across it
 };
 
@@ -60,7 +59,7 @@ struct CodedSound {
 /// copied.
 CodedSound codedSound(const Input& input);
 
-/// Another description of the same stream.
-av::Parameters sharedForm(const AVCodecParameters& form);
+/// A copy of a stream's description.
+av::Parameters copyOf(const AVCodecParameters& form);
 
 }  // namespace vantle

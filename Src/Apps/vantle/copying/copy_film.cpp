@@ -33,7 +33,7 @@ class Sound {
 
     AVStream& addTo(Muxer& muxer) const {
         if (whole_) return muxer.add(whole_->context());
-        const av::Parameters form = sharedForm(plan_.modelSound());
+        const av::Parameters form = copyOf(plan_.modelSound());
         form->codec_tag = 0;
         form->initial_padding = CodedSound::portion;
         return muxer.add(*form, timeBase(), {0, 1});
@@ -75,6 +75,8 @@ av::Options fileOptions(const CopyPlan& plan, const CopyOptions& options) {
 std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressBar& progress) {
     StagedFile file(options.name, options.overwrite);
     Muxer muxer("file:" + file.path().string(), options.kind.muxer, options.name);
+    // They are opened again where they are wanted, two at a time.
+    for (const Part& part : plan.film.parts) part.input->close();
     FilmPictures pictures(plan, options.encoders.video, options.encoderOptions);
     const AVRational rate = plan.film.canvas.rate;
     const AVStream& pictureStream = muxer.add(*pictures.form(), av_inv_q(rate), rate);

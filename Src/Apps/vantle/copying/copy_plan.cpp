@@ -76,9 +76,9 @@ std::optional<std::size_t> entryFrom(const CodedPictures& coded, std::int64_t nu
 }
 
 /// Lays copied stretches into a film, part after part.
-class Stretcher {
+class Layout {
    public:
-    explicit Stretcher(CopyPlan& plan) : plan_(plan), film_(plan.film) {}
+    explicit Layout(CopyPlan& plan) : plan_(plan), film_(plan.film) {}
 
     void run() {
         for (std::size_t part = 0; part < film_.parts.size(); ++part)
@@ -190,17 +190,17 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
     encodeTo(end);
 }
 
-/// Why the film's sound must be encoded; empty when it can be copied.
-std::string soundMismatch(CopyPlan& plan, const SoundTarget& target) {
-    if (!target.ordinary) return "music or an encoder that was asked for";
+/// Finds the sound of all parts, and whether it can be copied as the film's.
+bool findSound(CopyPlan& plan, const SoundTarget& target) {
+    if (!target.wish || !target.ordinary) return false;
     const AVCodecParameters* model = nullptr;
     for (std::size_t i = 0; i < plan.film.parts.size(); ++i) {
         const Part& part = plan.film.parts[i];
         if (!part.sounds()) continue;
         try {
             plan.sounds[i] = std::make_shared<const CodedSound>(codedSound(*part.input));
-        } catch (const NotCopied& why) {
-            return why.what();
+        } catch (const NotCopied&) {
+            return false;
         }
         const AVCodecParameters& form = *plan.sounds[i]->form;
         if (model == nullptr) model = &form;
@@ -208,14 +208,14 @@ std::string soundMismatch(CopyPlan& plan, const SoundTarget& target) {
         if (!std::equal(form.extradata, form.extradata + 2, model->extradata) ||
             form.sample_rate != target.wish->sampleRate ||
             form.ch_layout.nb_channels != target.wish->channels)
-            return part.input->name() + ": its sound is of another form";
+            return false;
     }
-    return model == nullptr ? "no sound to copy" : "";
+    return model != nullptr;
 }
 
 }  // namespace
 
-std::int64_t CopyPlan::copied() const {
+std::int64_t copiedFrames(const std::vector<Stretch>& stretches) {
     std::int64_t frames = 0;
     for (const Stretch& stretch : stretches)
         if (stretch.part) frames += stretch.frames;
@@ -259,8 +259,8 @@ CopyPlan planCopy(const Film& film, const SoundTarget& sound) {
                 plan.refusals.emplace_back(why.what());
         }
     }
-    Stretcher(plan).run();
-    if (plan.copied() > 0 && sound.wish && soundMismatch(plan, sound).empty()) planSound(plan, sound);
+    Layout(plan).run();
+    if (plan.copied() > 0 && findSound(plan, sound)) planSound(plan, sound);
     return plan;
 }
 

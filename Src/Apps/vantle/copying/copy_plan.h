@@ -34,6 +34,9 @@ struct SoundStretch {
     std::int64_t end() const { return first + portions; }
 };
 
+/// How many frames of these are copied.
+std::int64_t copiedFrames(const std::vector<Stretch>& stretches);
+
 struct CopyPlan {
     Film film;
     std::vector<std::shared_ptr<const CodedPictures>> pictures;  ///< by part; null where none can be copied
@@ -43,7 +46,7 @@ struct CopyPlan {
     std::vector<SoundStretch> soundStretches;               ///< none: all sound is encoded
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
 
-    std::int64_t copied() const;
+    std::int64_t copied() const { return copiedFrames(stretches); }
     const CodedPictures& modelPictures() const { return *pictures[model]; }
 
     /// The description of the sound that is copied.

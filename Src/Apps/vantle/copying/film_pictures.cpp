@@ -131,26 +131,20 @@ EncodedPictures::~EncodedPictures() {
 }
 
 av::Packet EncodedPictures::next() {
-    const auto keep = [&](AVPacket& packet) {
-        ready_.push_back(av::makePacket());
-        av_packet_move_ref(ready_.back().get(), &packet);
-    };
-    while (ready_.empty() && !flushed_) {
-        if (frame_ == stretch_.end()) {
-            encoder_->encode(nullptr, keep);
-            flushed_ = true;
-            break;
+    for (;;) {
+        if (av::Packet packet = encoder_->receive()) return packet;
+        if (flushed_) return nullptr;
+        flushed_ = frame_ == stretch_.end();
+        if (flushed_) {
+            encoder_->send(nullptr);
+            continue;
         }
         const av::Frame picture = painter_.paint(reader_.next());
         picture->pict_type = AV_PICTURE_TYPE_NONE;
         picture->pts = frame_;
         drawn_.emplace(frame_++, brightnessOf(*picture));
-        encoder_->encode(picture.get(), keep);
+        encoder_->send(picture.get());
     }
-    if (ready_.empty()) return nullptr;
-    av::Packet packet = std::move(ready_.front());
-    ready_.pop_front();
-    return packet;
 }
 
 CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
@@ -225,7 +219,7 @@ std::vector<Bytes> FilmPictures::setsOf(const std::vector<Bytes>& own) const {
 
 av::Parameters FilmPictures::form() const {
     const CodedPictures& model = plan_.modelPictures();
-    av::Parameters form = sharedForm(*model.form);
+    av::Parameters form = copyOf(*model.form);
     // Those of the first stretch, and all others that do not take their place: beside being in each stretch.
     std::vector<Bytes> sets = copiedSets_[plan_.model];
     if (model.coding == NalCoding::h264) sets.insert(sets.end(), encodedSets_.begin(), encodedSets_.end());

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
@@ -57,7 +56,6 @@ class EncodedPictures {
     Painter painter_;
     std::int64_t frame_;
     bool flushed_ = false;
-    std::deque<av::Packet> ready_;
     std::map<std::int64_t, Brightness> drawn_;
 };
 

@@ -31,31 +31,27 @@ EncodedSound::EncodedSound(const Film& film, std::unique_ptr<Encoder> encoder, c
                             AV_ROUND_DOWN)) {}
 
 av::Packet EncodedSound::next() {
-    const auto keep = [&](AVPacket& packet) {
-        if (packet.pts < kept_.first || packet.pts >= kept_.end) return;
-        ready_.push_back(av::makePacket());
-        av_packet_move_ref(ready_.back().get(), &packet);
-    };
-    while (ready_.empty() && !flushed_) {
-        const av::Frame samples = sample_ < kept_.end + around ? track_.pull() : nullptr;
-        if (samples) {
+    for (;;) {
+        if (av::Packet packet = encoder_->receive()) {
+            if (packet->pts >= kept_.first && packet->pts < kept_.end) return packet;
+            continue;
+        }
+        if (flushed_) return nullptr;
+        const bool heard = sample_ >= kept_.end + around;
+        if (const av::Frame samples = heard ? nullptr : track_.pull()) {
             samples->pts = sample_;
             sample_ += samples->nb_samples;
-            encoder_->encode(samples.get(), keep);
-        } else if (sample_ >= kept_.end + around || frame_ > film_.frames()) {
-            encoder_->encode(nullptr, keep);
+            encoder_->send(samples.get());
+        } else if (heard || finished_) {
+            encoder_->send(nullptr);
             flushed_ = true;
-        } else if (frame_ == film_.frames()) {
-            track_.finish();
-            ++frame_;
-        } else {
+        } else if (frame_ < film_.frames()) {
             track_.advance(++frame_);
+        } else {
+            track_.finish();
+            finished_ = true;
         }
     }
-    if (ready_.empty()) return nullptr;
-    av::Packet packet = std::move(ready_.front());
-    ready_.pop_front();
-    return packet;
 }
 
 CopiedSound::CopiedSound(const std::string& name, const CodedSound& coded, std::int64_t first,

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -40,9 +39,9 @@ class EncodedSound {
     SampleRange kept_;
     std::int64_t sample_;  // the next that the encoder is to hear
     Soundtrack track_;
-    std::int64_t frame_;  // of the film, before which the sound is mixed
-    bool flushed_ = false;
-    std::deque<av::Packet> ready_;
+    std::int64_t frame_;     // of the film, before which the sound is mixed
+    bool finished_ = false;  // all of it is mixed
+    bool flushed_ = false;   // the encoder has been told of the end
 };
 
 /// Consecutive packets of an input's sound.

@@ -18,15 +18,14 @@ Encoder::Encoder(const AVCodec& codec, const av::Options& options,
         throw UsageError(name_ + ": has no option " + unknown);
 }
 
-void Encoder::encode(const AVFrame* frame, const std::function<void(AVPacket&)>& sink) {
-    av::check(avcodec_send_frame(context_.get(), frame), name_);
-    for (;;) {
-        const int code = avcodec_receive_packet(context_.get(), packet_.get());
-        if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) return;
-        av::check(code, name_);
-        sink(*packet_);
-        av_packet_unref(packet_.get());
-    }
+void Encoder::send(const AVFrame* frame) { av::check(avcodec_send_frame(context_.get(), frame), name_); }
+
+av::Packet Encoder::receive() {
+    av::Packet packet = av::makePacket();
+    const int code = avcodec_receive_packet(context_.get(), packet.get());
+    if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) return nullptr;
+    av::check(code, name_);
+    return packet;
 }
 
 av::Options withUsersOptions(av::Options own, const av::Options& users) {

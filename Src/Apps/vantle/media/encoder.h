@@ -17,13 +17,15 @@ class Encoder {
 
     AVCodecContext& context() const { return *context_; }
 
-    /// Takes a frame, null for the end; `sink` then gets every packet that is ready.
-    void encode(const AVFrame* frame, const std::function<void(AVPacket&)>& sink);
+    /// Takes a frame, null for the end. All packets that are ready must have been received before.
+    void send(const AVFrame* frame);
+
+    /// The next packet, or null when it needs frames first or has ended.
+    av::Packet receive();
 
    private:
     std::string name_;
     av::Codec context_;
-    av::Packet packet_ = av::makePacket();
 };
 
 /// `own` settings of a video's encoder with the user's, which come first: a way to control the rate chosen by

@@ -186,10 +186,11 @@ class MovieWriter final : public Writer {
     }
 
     void encode(Encoder& encoder, const AVStream& stream, const AVFrame* frame) {
-        encoder.encode(frame, [&](AVPacket& packet) {
-            if (packet.duration == 0 && &stream == &videoStream_) packet.duration = 1;
-            muxer_.write(packet, stream, encoder.context().time_base);
-        });
+        encoder.send(frame);
+        while (const av::Packet packet = encoder.receive()) {
+            if (packet->duration == 0 && &stream == &videoStream_) packet->duration = 1;
+            muxer_.write(*packet, stream, encoder.context().time_base);
+        }
     }
 
     static constexpr PictureFormat rgb{AV_PIX_FMT_BGRA, AVCOL_SPC_RGB, AVCOL_RANGE_JPEG};

@@ -67,16 +67,17 @@ class PictureWriter final : public Writer {
     }
 
     void encode(const AVFrame* picture) {
-        encoder_.encode(picture, [&](const AVPacket& packet) {
+        encoder_.send(picture);
+        while (const av::Packet packet = encoder_.receive()) {
             const StagedFile& file = files_.at(written_++);
             errno = 0;
             std::ofstream out(file.path(), std::ios::binary);
-            out.write(reinterpret_cast<const char*>(packet.data), packet.size);
+            out.write(reinterpret_cast<const char*>(packet->data), packet->size);
             out.close();
             if (!out)
                 throw Error("cannot write " + file.target().string() + ": " +
                             std::generic_category().message(errno));
-        });
+        }
     }
 
     std::string name_;

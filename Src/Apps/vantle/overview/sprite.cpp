@@ -109,13 +109,13 @@ std::string Sprite::encoded(int quality) const {
                         codec.color_range = webpFormat.range;
                     });
     std::string file;
-    const auto take = [&](const AVPacket& packet) {
-        file.append(reinterpret_cast<const char*>(packet.data), static_cast<std::size_t>(packet.size));
-    };
     const av::Frame picture = av::share(*picture_);
     picture->pts = 0;
-    encoder.encode(picture.get(), take);
-    encoder.encode(nullptr, take);
+    for (const AVFrame* const frame : {picture.get(), static_cast<AVFrame*>(nullptr)}) {
+        encoder.send(frame);
+        while (const av::Packet packet = encoder.receive())
+            file.append(reinterpret_cast<const char*>(packet->data), static_cast<std::size_t>(packet->size));
+    }
     return file;
 }
 
