@@ -30,8 +30,7 @@ struct StretchEncoder {
     const CopyPlan& plan;
     const AVCodec* codec;
     av::Options options;
-    int reorder;     ///< the most places by which copied pictures are coded early
-    int references;  ///< pictures that the model's may refer to: no more room is taken
+    int reorder;  ///< the most places by which copied pictures are coded early
 };
 
 /// One stretch of a film's frames, encoded.

@@ -7,8 +7,7 @@ extern "C" {
 
 #include <cmath>
 #include <cstddef>
-#include <functional>
-#include <string_view>
+#include <cstring>
 
 namespace vantle {
 
@@ -20,22 +19,19 @@ const AVPixFmtDescriptor& descriptor(const AVFrame& picture) {
 
 }  // namespace
 
-std::uint64_t pixelsHash(const AVFrame& picture) {
-    const auto format = static_cast<AVPixelFormat>(picture.format);
-    const int planes = av_pix_fmt_count_planes(format);
-    std::uint64_t hash = 0;
-    for (int plane = 0; plane < planes; ++plane) {
-        const int bytes = av_image_get_linesize(format, picture.width, plane);
+bool samePixels(const AVFrame& a, const AVFrame& b) {
+    if (a.format != b.format || a.width != b.width || a.height != b.height) return false;
+    const auto format = static_cast<AVPixelFormat>(a.format);
+    for (int plane = 0; plane < av_pix_fmt_count_planes(format); ++plane) {
+        const auto bytes = static_cast<std::size_t>(av_image_get_linesize(format, a.width, plane));
         const bool isChroma = plane == 1 || plane == 2;
-        const int rows =
-            isChroma ? AV_CEIL_RSHIFT(picture.height, descriptor(picture).log2_chroma_h) : picture.height;
-        for (int y = 0; y < rows; ++y) {
-            const std::uint8_t* const row = picture.data[plane] + std::ptrdiff_t{y} * picture.linesize[plane];
-            const std::string_view text(reinterpret_cast<const char*>(row), static_cast<std::size_t>(bytes));
-            hash = hash * 0x9E3779B97F4A7C15 + std::hash<std::string_view>()(text);
-        }
+        const int rows = isChroma ? AV_CEIL_RSHIFT(a.height, descriptor(a).log2_chroma_h) : a.height;
+        for (std::ptrdiff_t y = 0; y < rows; ++y)
+            if (std::memcmp(a.data[plane] + y * a.linesize[plane], b.data[plane] + y * b.linesize[plane],
+                            bytes) != 0)
+                return false;
     }
-    return hash;
+    return true;
 }
 
 Brightness brightnessOf(const AVFrame& picture) {

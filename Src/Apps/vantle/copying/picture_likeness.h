@@ -1,15 +1,14 @@
-/// What decoded pictures look like, in few bytes: to tell whether two are the same, or nearly.
+/// Whether two decoded pictures are the same, or nearly.
 #pragma once
 
 #include <array>
-#include <cstdint>
 
 #include "media/av.h"
 
 namespace vantle {
 
-/// The same for pictures of the same pixels, and for no others that one is likely to meet.
-std::uint64_t pixelsHash(const AVFrame& picture);
+/// True for pictures of one form and the same pixels.
+bool samePixels(const AVFrame& a, const AVFrame& b);
 
 /// How bright a picture is, 0 to 1, in each cell of a coarse grid.
 using Brightness = std::array<float, 128>;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -23,38 +24,32 @@ class Fault : public Error {
     throw Fault(what + " " + std::to_string(frame));
 }
 
-/// Decoded pictures with their numbers.
+/// Decoded pictures by their numbers.
 class NumberedPictures {
    public:
-    NumberedPictures(const std::string& file, int stream, std::int64_t start, AVRational rate)
-        : input_(file),
-          stream_(stream),
-          start_(start),
-          rate_(rate),
-          reader_((input_.useAlone(stream), input_), stream) {}
-
     /// Goes to the key picture that shows at `time`, or before it.
-    void seek(std::int64_t time) {
+    NumberedPictures(const std::string& file, int stream, std::int64_t start, AVRational rate,
+                     std::int64_t time)
+        : input_(file), stream_(stream), start_(start), rate_(rate), reader_(input_, stream) {
+        input_.useAlone(stream_);
         if (!input_.seek(stream_, time)) input_.reopen();
-        reader_.flush();
     }
 
-    /// The pictures from `first` to before `end`, each with its number. Throws Fault when one is missing.
-    template <typename Take>
-    void read(std::int64_t first, std::int64_t end, Take&& take) {
-        for (std::int64_t next = first; next < end;) {
-            const av::Frame picture = reader_.next();
-            if (!picture) fail("the film ends before frame", next);
-            const std::int64_t number =
-                av_rescale_q_rnd(picture->pts - start_, timeBase(), av_inv_q(rate_), AV_ROUND_NEAR_INF);
-            if (number < next && next == first) continue;
-            if (number != next) fail("the decoder does not show frame", next);
-            take(next++, *picture);
+    /// The picture of this number; at first earlier ones are passed over, from then on each must follow the
+    /// one before. Throws Fault when it is missing or damaged.
+    av::Frame picture(std::int64_t number) {
+        for (;;) {
+            av::Frame picture = reader_.next();
+            if (!picture) fail("the film ends before frame", number);
+            const std::int64_t shown = av_rescale_q_rnd(
+                picture->pts - start_, input_.stream(stream_).time_base, av_inv_q(rate_), AV_ROUND_NEAR_INF);
+            if (shown < number && !found_) continue;
+            found_ = true;
+            if (shown != number) fail("the decoder does not show frame", number);
+            if (input_.health().damaged > 0) fail("packets do not decode before frame", number);
+            return picture;
         }
-        if (input_.health().damaged > 0) fail("packets do not decode before frame", end);
     }
-
-    AVRational timeBase() const { return input_.stream(stream_).time_base; }
 
    private:
     Demuxer input_;
@@ -62,6 +57,52 @@ class NumberedPictures {
     std::int64_t start_;
     AVRational rate_;
     StreamReader reader_;
+    bool found_ = false;  // the first that was asked for
+};
+
+/// The packets of a film's sound: each begins where the one before it ends.
+class SoundPackets {
+   public:
+    SoundPackets(AVRational timeBase, int sampleRate)
+        : samples_(av_q2d(timeBase) * sampleRate), slack_(std::max(1.0, samples_)) {}
+
+    void take(const AVPacket& packet) {
+        const double time = static_cast<double>(packet.pts) * samples_;
+        if (count_ == 0) first_ = time;
+        if (std::abs(time - first_ - static_cast<double>(count_ * CodedSound::portion)) > slack_)
+            fail("wrong times at packet of sound", count_);
+        ++count_;
+    }
+
+    std::int64_t count() const { return count_; }
+
+   private:
+    double samples_;  // in a unit of time
+    double slack_;
+    double first_ = 0.0;
+    std::int64_t count_ = 0;
+};
+
+/// The packets of a film's pictures.
+class PicturePackets {
+   public:
+    /// Matroska keeps no times of decoding.
+    explicit PicturePackets(bool keepsDecoding) : keepsDecoding_(keepsDecoding) {}
+
+    void take(const AVPacket& packet) {
+        times.push_back(packet.pts);
+        if ((packet.flags & AV_PKT_FLAG_KEY) != 0) keys.push_back(packet.pts);
+        const bool ordered = packet.dts <= packet.pts && packet.dts > decoded_;
+        if (keepsDecoding_ && !ordered) fail("wrong times at packet", std::ssize(times));
+        decoded_ = packet.dts;
+    }
+
+    std::vector<std::int64_t> times;
+    std::vector<std::int64_t> keys;  ///< when key pictures show
+
+   private:
+    bool keepsDecoding_;
+    std::int64_t decoded_ = std::numeric_limits<std::int64_t>::min();
 };
 
 class Verification {
@@ -73,48 +114,24 @@ class Verification {
     void checkPackets() {
         Demuxer input(file_);
         stream_ = *input.best(AVMEDIA_TYPE_VIDEO);
-        input.useAlone(stream_);
-        const AVRational timeBase = input.stream(stream_).time_base;
-        // Matroska keeps no times of decoding.
-        const bool keepsDecoding = std::string_view(input.container().iformat->name).starts_with("mov,");
-        std::vector<std::int64_t> times;
-        std::vector<std::int64_t> keys;  // when key pictures show
-        std::optional<std::int64_t> decoded;
-        while (const av::Packet packet = input.read(stream_)) {
-            times.push_back(packet->pts);
-            if ((packet->flags & AV_PKT_FLAG_KEY) != 0) keys.push_back(packet->pts);
-            const bool ordered = packet->dts <= packet->pts && (!decoded || packet->dts > *decoded);
-            if (keepsDecoding && !ordered) fail("wrong times at packet", std::ssize(times));
-            decoded = packet->dts;
+        input.use(stream_);
+        PicturePackets pictures(std::string_view(input.container().iformat->name).starts_with("mov,"));
+        std::optional<SoundPackets> sound;
+        if (!plan_.soundStretches.empty()) {
+            const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO);
+            if (!stream) throw Fault("the sound is missing");
+            input.use(*stream);
+            sound.emplace(input.stream(*stream).time_base, plan_.modelSound().sample_rate);
         }
-        if (std::ssize(times) != plan_.film.frames()) fail("the number of packets is", std::ssize(times));
-        std::ranges::sort(times);
-        start_ = times.front();
-        for (std::int64_t i = 0; i < std::ssize(times); ++i)
-            if (numberAt(times[static_cast<std::size_t>(i)], timeBase) != i)
-                fail("no packet has the time of frame", i);
-        for (const std::int64_t time : keys) keys_.emplace(numberAt(time, timeBase), time);
-    }
-
-    void checkSound() const {
-        if (plan_.soundStretches.empty()) return;
-        Demuxer input(file_);
-        const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO);
-        if (!stream) throw Fault("the sound is missing");
-        input.useAlone(*stream);
-        const int rate = plan_.modelSound().sample_rate;
-        const AVRational timeBase = input.stream(*stream).time_base;
-        const double slack = std::max(1.0, rate * av_q2d(timeBase));
-        std::int64_t count = 0;
-        double first = 0.0;
-        while (const av::Packet packet = input.read(*stream)) {
-            const double time = static_cast<double>(packet->pts) * av_q2d(timeBase) * rate;
-            if (count == 0) first = time;
-            if (std::abs(time - first - static_cast<double>(count * CodedSound::portion)) > slack)
-                fail("wrong times at packet of sound", count);
-            ++count;
+        while (const av::Packet packet = input.read()) {
+            if (packet->stream_index == stream_)
+                pictures.take(*packet);
+            else
+                sound->take(*packet);
         }
-        if (count != plan_.soundStretches.back().end() + 1) fail("the number of packets of sound is", count);
+        if (sound && sound->count() != plan_.soundStretches.back().end() + 1)
+            fail("the number of packets of sound is", sound->count());
+        checkTimes(pictures, input.stream(stream_).time_base);
     }
 
     void checkSeams(bool everything) {
@@ -133,6 +150,17 @@ class Verification {
     }
 
    private:
+    void checkTimes(PicturePackets& pictures, AVRational timeBase) {
+        std::vector<std::int64_t>& times = pictures.times;
+        if (std::ssize(times) != plan_.film.frames()) fail("the number of packets is", std::ssize(times));
+        std::ranges::sort(times);
+        start_ = times.front();
+        for (std::int64_t i = 0; i < std::ssize(times); ++i)
+            if (numberAt(times[static_cast<std::size_t>(i)], timeBase) != i)
+                fail("no packet has the time of frame", i);
+        for (const std::int64_t time : pictures.keys) keys_.emplace(numberAt(time, timeBase), time);
+    }
+
     std::int64_t numberAt(std::int64_t time, AVRational timeBase) const {
         return av_rescale_q_rnd(time - start_, timeBase, av_inv_q(rate_), AV_ROUND_NEAR_INF);
     }
@@ -163,33 +191,33 @@ class Verification {
         return {first, end};
     }
 
+    /// Looks at the frames from `first` on, a key picture, to before `end`.
     void check(std::int64_t first, std::int64_t end) const {
-        std::map<std::int64_t, std::uint64_t> expected;
-        for (const Stretch& stretch : plan_.stretches) {
-            if (!stretch.part || stretch.end() <= first || stretch.first >= end) continue;
-            const Part& part = plan_.film.parts[*stretch.part];
-            const CodedPictures& coded = *plan_.pictures[*stretch.part];
-            const std::int64_t offset = part.start - part.first;
-            const std::int64_t from = std::max(first, stretch.first) - offset;
-            NumberedPictures source(part.input->name(), coded.stream, coded.start, rate_);
-            source.seek(std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
-                            return picture.entry && picture.number == from;
-                        })->time);
-            source.read(from, std::min(end, stretch.end()) - offset,
-                        [&](std::int64_t number, const AVFrame& picture) {
-                            expected.emplace(number + offset, pixelsHash(picture));
-                        });
-        }
-        NumberedPictures made(file_, stream_, start_, rate_);
         const auto key = keys_.find(first);
         if (key == keys_.end()) fail("no key picture is in frame", first);
-        made.seek(key->second);
-        made.read(first, end, [&](std::int64_t frame, const AVFrame& picture) {
-            const auto copied = expected.find(frame);
-            const bool same = copied != expected.end() ? copied->second == pixelsHash(picture)
-                                                       : alike(drawn_.at(frame), brightnessOf(picture));
-            if (!same) fail("another picture shows in frame", frame);
-        });
+        NumberedPictures made(file_, stream_, start_, rate_, key->second);
+        for (const Stretch& stretch : plan_.stretches) {
+            const std::int64_t from = std::max(first, stretch.first);
+            const std::int64_t to = std::min(end, stretch.end());
+            if (from >= to) continue;
+            std::int64_t offset = 0;
+            std::optional<NumberedPictures> source;
+            if (stretch.part) {
+                const Part& part = plan_.film.parts[*stretch.part];
+                const CodedPictures& coded = *plan_.pictures[*stretch.part];
+                offset = part.start - part.first;
+                const auto entry = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
+                    return picture.entry && picture.number == from - offset;
+                });
+                source.emplace(part.input->name(), coded.stream, coded.start, rate_, entry->time);
+            }
+            for (std::int64_t frame = from; frame < to; ++frame) {
+                const av::Frame picture = made.picture(frame);
+                const bool same = source ? samePixels(*picture, *source->picture(frame - offset))
+                                         : alike(brightnessOf(*picture), drawn_.at(frame));
+                if (!same) fail("another picture shows in frame", frame);
+            }
+        }
     }
 
     const std::string& file_;
@@ -209,7 +237,6 @@ std::string faultOf(const std::string& file, const CopyPlan& plan,
     try {
         Verification verification(file, plan, drawn);
         verification.checkPackets();
-        verification.checkSound();
         verification.checkSeams(everything);
     } catch (const Fault& fault) {
         return fault.what();

@@ -71,6 +71,18 @@ av::Packet Demuxer::read(int stream) {
     std::deque<av::Packet>& queue = queues_.at(stream);
     while (queue.empty())
         if (!readOne()) return nullptr;
+    return taken(queue);
+}
+
+av::Packet Demuxer::read() {
+    for (;;) {
+        for (auto& [stream, queue] : queues_)
+            if (!queue.empty()) return taken(queue);
+        if (!readOne()) return nullptr;
+    }
+}
+
+av::Packet Demuxer::taken(std::deque<av::Packet>& queue) {
     av::Packet packet = std::move(queue.front());
     queue.pop_front();
     return packet;

@@ -39,6 +39,9 @@ class Demuxer {
     /// anew half way.
     av::Packet read(int stream);
 
+    /// The next packet of any stream that is in use, or null at the end.
+    av::Packet read();
+
     /// Goes to the last key packet of `stream` at or before `time`, in its time base; all streams go on from
     /// about there. False when the input cannot do that; it is then where it was, or anywhere.
     bool seek(int stream, std::int64_t time);
@@ -63,6 +66,7 @@ class Demuxer {
    private:
     [[noreturn]] void fail(const std::string& what) const;
     bool readOne();
+    static av::Packet taken(std::deque<av::Packet>& queue);
     void bridgeJump(AVPacket& packet);
     void passOverOthers();
     bool statesLength() const;
