@@ -33,9 +33,18 @@ for page in $(cd "$source" && echo README.md docs/*.md); do
         NF { spared = /<!-- not run: / }' "$source/$page"
 done
 run=0 failed=0
-export PATH=$build/bin:$PATH VANTLE=$build/bin/vantle
+export PATH=$build/bin:$PATH VANTLE=$build/bin/vantle FREI0R_PATH=$build/lib/frei0r-1
 for block in "$work"/blocks/*; do
-    [[ $block != *.spared ]] || continue
+    if [[ $block == *.spared ]]; then
+        # What it names is there at least.
+        for preset in $(grep -oE -- '--preset [a-z-]+' "$block" | cut -d ' ' -f 2); do
+            grep -q "\"name\": \"$preset\"" "$source/CMakePresets.json" || { echo "$block: $preset" && failed=$((failed + 1)); }
+        done
+        for path in $(grep -oE '(scripts|Bench|Tests)/[^ ]+' "$block"); do
+            [[ -e $source/$path ]] || { echo "$block: $path" && failed=$((failed + 1)); }
+        done
+        continue
+    fi
     run=$((run + 1))
     cp -r "$work/there" "$work/here"
     if ! (cd "$work/here" && HOME=$work/here bash -euo pipefail "$block" >"$work/log" 2>&1 </dev/null); then

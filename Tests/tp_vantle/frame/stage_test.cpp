@@ -41,3 +41,31 @@ TEST(Stage, ShowsTheSamePictureWhicheverRowIsStoredFirst) {
             }
     }
 }
+
+// Wherever in a line of memory rows begin, with padding and without, and in windows of which a row fills
+// several.
+TEST(Stage, IsDrawnTheSamePastTheCache) {
+    for (const Geometry& g : {Geometry{700, 40, 2812}, {1, 9, 4}, {301, 23, 1204}, {513, 17, 2064}}) {
+        const Bytes from = contentOf(g, 0), to = contentOf(g, 1), before = contentOf(g, 2);
+        std::uint32_t place = 0;
+        for (const auto& [function, draw] : effects)
+            for (const double position : {0.1, 0.25, 0.505, 0.75, 0.9, 1.0})
+                for (const bool keeps : {true, false}) {
+                    Bytes cached = before, room(before.size() + 128, 0xC3);
+                    std::uint8_t* const lines = room.data() + vantle::bytesToLine(room.data());
+                    std::uint8_t* const out = lines + (place += 4) % 64;
+                    std::ranges::copy(before, out);
+                    const Bytes around = room;
+                    const auto stage = [&](std::uint8_t* pixels) {
+                        const vantle::Stage all(g.width, g.height, g.pitch, pixels, from.data(), to.data());
+                        return keeps ? all : all.keeping(vantle::Source::from);
+                    };
+                    draw(stage(cached.data()), {1.0, position});
+                    draw(stage(out).streamed(), {1.0, position});
+                    EXPECT_TRUE(std::equal(cached.begin(), cached.end(), out))
+                        << function << " at " << position;
+                    std::ranges::copy(before, out);
+                    EXPECT_EQ(room, around) << function << " writes outside its frame";
+                }
+    }
+}

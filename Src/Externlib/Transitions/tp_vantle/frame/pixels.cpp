@@ -4,8 +4,10 @@
 #include <bit>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 #include "frame/multiversion.h"
+#include "frame/streaming.h"
 
 namespace vantle {
 
@@ -37,7 +39,7 @@ const std::uint8_t* fourthOf(const Run& run, Fourth fourth) {
 
 Run tail(const Run& run, std::int32_t first, std::int32_t count) {
     const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
-    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count};
+    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count, run.frameBytes};
 }
 
 /// Bytes 0 to 2 of one pixel and byte 3 of another. `out` may be either.
@@ -99,25 +101,104 @@ VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
     }
 }
 
+/// Draws a run past the cache: line by line with `loop(part, first)`, `first` being the pixel of the run that
+/// the part begins with.
+template <typename Loop>
+VANTLE_INLINE void drawLines(Run run, Loop loop) {
+    std::int32_t at = bytesToLine(run.out) / 4;
+    loop(tail(run, 0, at), 0);
+    for (; at + linePixels <= run.count; at += linePixels) {
+        alignas(lineBytes) std::uint8_t line[lineBytes];
+        Run part = tail(run, at, linePixels);
+        std::uint8_t* const out = std::exchange(part.out, line);
+        loop(part, at);
+        streamLine(out, line);
+    }
+    loop(tail(run, at, run.count - at), at);
+}
+
 }  // namespace
+
+bool streams(const Run& run, Fourth fourth, std::int32_t shortest) {
+    // What is drawn from what it is drawn over is at hand.
+    if (fourth == Fourth::kept && run.kept == run.out) return false;
+    return canStream && run.frameBytes >= (fourth == Fourth::kept ? streamedKept : streamedFrame) &&
+           run.count >= shortest && bytesToLine(run.out) % 4 == 0;
+}
+
+// Each loop that draws past the cache is a function of its own, so that the other one stays as it is.
+
+VANTLE_MULTIVERSION static void streamColours(const Run& run, Source colours, Fourth fourth) {
+    drawLines(run, [=](const Run& part, std::int32_t) {
+        mergeFourth(part.out, pixelsOf(part, colours), fourthOf(part, fourth), part.count);
+    });
+}
+
+VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
+    drawLines(run, [=](const Run& part, std::int32_t) { dim(part, fourth); });
+}
+
+template <Divisor divisor, typename WeightsFrom>
+VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
+    drawLines(run, [=](const Run& part, std::int32_t begin) {
+        mixTiles<divisor>(part, fourth, [=](std::int32_t first) { return weightsFrom(begin + first); });
+    });
+}
 
 VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
     const std::uint8_t* const pixels = pixelsOf(run, colours);
     const std::uint8_t* const other = fourthOf(run, fourth);
     if (pixels == other)  // as where a byte 3 is kept that is the same frame's
         std::memcpy(run.out, pixels, std::size_t{4} * static_cast<std::size_t>(run.count));
+    else if (streams(run, fourth))
+        streamColours(run, colours, fourth);
     else
         mergeFourth(run.out, pixels, other, run.count);
 }
 
+namespace {
+
+auto sameWeight(std::int32_t weight) {
+    return [=](std::int32_t) { return [=](std::int32_t) { return static_cast<std::uint16_t>(weight); }; };
+}
+
+auto weightForEach(const Weight* weights) {
+    return [=](std::int32_t first) {
+        return [each = halves(weights + first)](std::int32_t i) -> std::uint16_t { return each[i]; };
+    };
+}
+
+}  // namespace
+
+VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
+                                            std::int32_t weight) {
+    if (divisor == Divisor::by255)
+        mixLines<Divisor::by255>(run, fourth, sameWeight(weight));
+    else
+        mixLines<Divisor::by256>(run, fourth, sameWeight(weight));
+}
+
+VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
+                                            const Weight* weights) {
+    if (divisor == Divisor::by255)
+        mixLines<Divisor::by255>(run, fourth, weightForEach(weights));
+    else
+        mixLines<Divisor::by256>(run, fourth, weightForEach(weights));
+}
+
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
-        dim(run, fourth);
+        if (fourth != Fourth::mixed && streams(run, fourth))  // one frame alone is no faster so
+            streamDimmed(run, fourth);
+        else
+            dim(run, fourth);
         return;
     }
-    const auto same = [=](std::int32_t) {
-        return [=](std::int32_t) { return static_cast<std::uint16_t>(weight); };
-    };
+    if (streams(run, fourth)) {
+        streamMixed(run, divisor, fourth, weight);
+        return;
+    }
+    const auto same = sameWeight(weight);
     if (divisor == Divisor::by255)
         mixTiles<Divisor::by255>(run, fourth, same);
     else
@@ -125,9 +206,11 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights) {
-    const auto each = [=](std::int32_t first) {
-        return [each = halves(weights + first)](std::int32_t i) -> std::uint16_t { return each[i]; };
-    };
+    if (streams(run, fourth)) {
+        streamMixed(run, divisor, fourth, weights);
+        return;
+    }
+    const auto each = weightForEach(weights);
     if (divisor == Divisor::by255)
         mixTiles<Divisor::by255>(run, fourth, each);
     else
@@ -202,16 +285,41 @@ VANTLE_MULTIVERSION void fade(const Run& run, const Share* shares) {
     fadeBytes(run, [bytes = shares->bytes](std::int32_t i) { return bytes[i]; });
 }
 
-VANTLE_MULTIVERSION void blacken(const Run& run) { blackenWords(run); }
+VANTLE_MULTIVERSION static void streamBlack(const Run& run) {
+    drawLines(run, [](const Run& part, std::int32_t) { blackenWords(part); });
+}
+
+VANTLE_MULTIVERSION void blacken(const Run& run) {
+    if (streams(run, Fourth::kept))
+        streamBlack(run);
+    else
+        blackenWords(run);
+}
 
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
     chooseWords(run, ranks, end);
 }
 
-VANTLE_MULTIVERSION void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-                              const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
+namespace {
+
+VANTLE_INLINE void pickWords(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
+                             const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i)
         words(out)[i] = *words(pixels + std::ptrdiff_t{pitch} * rows[i] + std::ptrdiff_t{4} * columns[i]);
+}
+
+}  // namespace
+
+VANTLE_MULTIVERSION void streamPicked(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns,
+                                      const std::int32_t* rows, std::int32_t pitch) {
+    drawLines(run, [=](const Run& part, std::int32_t first) {
+        pickWords(part.out, pixels, columns + first, rows + first, pitch, part.count);
+    });
+}
+
+VANTLE_MULTIVERSION void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
+                              const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
+    pickWords(out, pixels, columns, rows, pitch, count);
 }
 
 VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns) {

@@ -29,6 +29,7 @@ struct Run {
     const std::uint8_t* to;
     const std::uint8_t* kept;  ///< where a byte 3 that is kept comes from: `out`, or an input
     std::int32_t count;        ///< pixels
+    std::int64_t frameBytes;   ///< of the frame that it is part of: large ones are written past the cache
 };
 
 /// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: twice, for the two
@@ -44,6 +45,17 @@ constexpr Weight mean(Weight a, Weight b) {
     a.halves = (a.halves + b.halves) >> 1 & 0x00FF00FFU;
     return a;
 }
+
+/// Bytes of a frame from which on it is written past the cache: two of this size and a third are more than
+/// what most processors keep at hand.
+constexpr std::int64_t streamedFrame = std::int64_t{16} << 20;
+
+/// The same for pixels whose byte 3 is that of another frame, which is one more to be read.
+constexpr std::int64_t streamedKept = std::int64_t{4} << 20;
+
+/// Whether a run of at least `shortest` pixels, which get this byte 3, is drawn past the cache. The ends of a
+/// run are not, so that a short one gains nothing.
+bool streams(const Run& run, Fourth fourth, std::int32_t shortest = 96);
 
 /// Bytes 0 to 2 of one frame; `fourth` must not be `mixed`.
 void copyColours(const Run& run, Source colours, Fourth fourth);
@@ -86,6 +98,10 @@ void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
 /// Whole pixels at `pixels` plus 4 bytes for each of `columns` and `pitch` bytes for each of `rows`.
 void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
           const std::int32_t* rows, std::int32_t pitch, std::int32_t count);
+
+/// The same past the cache, for a run that `streams`.
+void streamPicked(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns,
+                  const std::int32_t* rows, std::int32_t pitch);
 
 /// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 kept.
 void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "frame/pixels.h"
+#include "frame/streaming.h"
 
 namespace vantle {
 
@@ -20,8 +21,15 @@ class Row {
     struct Samples;
 
     Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
-        const std::uint8_t* to, const std::uint8_t* kept)
-        : y_(y), width_(width), pitch_(pitch), out_(out), from_(from), to_(to), kept_(kept) {}
+        const std::uint8_t* to, const std::uint8_t* kept, std::int64_t frameBytes)
+        : y_(y),
+          width_(width),
+          pitch_(pitch),
+          out_(out),
+          from_(from),
+          to_(to),
+          kept_(kept),
+          frameBytes_(frameBytes) {}
 
     std::int32_t y() const { return y_; }       ///< picture row, counted from the top
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
@@ -112,8 +120,11 @@ class Row {
     /// Whole pixels of an input frame: the next one from picture column `columns[0]` and row `rows[0]`.
     Row& picked(Source source, const std::int32_t* columns, const std::int32_t* rows, std::int32_t end) {
         const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // from here to picture row 0
-        if (const Run run = next(end); run.count > 0)
-            pick(run.out, (source == Source::to ? to_ : from_) + top, columns, rows, -pitch_, run.count);
+        const std::uint8_t* const pixels = (source == Source::to ? to_ : from_) + top;
+        if (const Run run = next(end); frameBytes_ >= streamedFrame && streams(run, Fourth::mixed, 16))
+            streamPicked(run, pixels, columns, rows, -pitch_);
+        else
+            pick(run.out, pixels, columns, rows, -pitch_, run.count);
         return *this;
     }
 
@@ -128,6 +139,7 @@ class Row {
         const std::int32_t start = at_;
         if (Run run = next(end); run.count > 0) {
             run.from = drawn.out_ + start;
+            run.frameBytes = 0;  // kept at hand: it may be what is repeated next
             copyColours(run, Source::from, Fourth::kept);
         }
         return *this;
@@ -153,7 +165,7 @@ class Row {
     Run next(std::int32_t end) {
         const std::int32_t start = at_;
         at_ = std::max(at_, 4 * std::clamp(end, 0, width_));
-        return {out_ + start, from_ + start, to_ + start, kept_ + start, (at_ - start) / 4};
+        return {out_ + start, from_ + start, to_ + start, kept_ + start, (at_ - start) / 4, frameBytes_};
     }
 
     std::int32_t y_;
@@ -164,6 +176,7 @@ class Row {
     const std::uint8_t* from_;
     const std::uint8_t* to_;
     const std::uint8_t* kept_;
+    std::int64_t frameBytes_;
 };
 
 struct Row::Samples {
@@ -199,13 +212,30 @@ class Stage {
     /// of.
     Stage(std::int32_t width, std::int32_t height, std::int32_t pitch, std::uint8_t* out,
           const std::uint8_t* from, const std::uint8_t* to)
-        : width_(width), height_(height), pitch_(pitch), out_(out), from_(from), to_(to), kept_(out) {}
+        : width_(width),
+          height_(height),
+          pitch_(pitch),
+          out_(out),
+          from_(from),
+          to_(to),
+          kept_(out),
+          frameBytes_(std::int64_t{std::abs(pitch)} * height) {}
+    Stage(const Stage&) = default;
+    Stage& operator=(const Stage&) = default;
+    ~Stage() { finishStreaming(); }
 
     /// The same frames for a host whose output holds nothing yet: a byte 3 that an effect keeps, as the
     /// output held it, is that of an input frame instead.
     Stage keeping(Source source) const {
         Stage stage = *this;
         stage.kept_ = source == Source::to ? to_ : from_;
+        return stage;
+    }
+
+    /// The same frames, written past the cache as large ones are.
+    Stage streamed() const {
+        Stage stage = *this;
+        stage.frameBytes_ = std::int64_t{1} << 31;
         return stage;
     }
 
@@ -221,7 +251,7 @@ class Stage {
     /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
     Row row(std::int32_t y) const {
         const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
-        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset, kept_ + offset};
+        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset, kept_ + offset, frameBytes_};
     }
 
    private:
@@ -235,6 +265,7 @@ class Stage {
     const std::uint8_t* from_;
     const std::uint8_t* to_;
     const std::uint8_t* kept_;
+    std::int64_t frameBytes_;
 };
 
 class Stage::RowIterator {
