@@ -53,6 +53,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"pipe.mp4 clip.mp4 -t 0 -o out.mp4", 1, "pipe.mp4: is not a regular file"},
         {"round.mp4 clip.mp4 -t 0 -o out.mp4", 1, "round.mp4: Too many levels"},
         {"still.png clip.mp4 -t 0 -o link.mp4", 1, "--force"},
+        {"still.png clip.mp4 -t 0 -o ./clip.mp4 --force", 1, "is an input"},
         {"clip.mp4 clip.mp4 -t 0 -o pipe.mp4 --force", 1, "pipe.mp4 is not a regular file"},
         {"lavfi:nullsrc=s=20000x2:d=1 clip.mp4 -t 0 -o out.mp4", 1, "20000x2"},
         {"lavfi:nonsense clip.mp4 -t 0 -o out.mp4", 1, "lavfi:nonsense: "},

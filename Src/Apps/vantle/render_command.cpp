@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <random>
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -65,6 +67,13 @@ struct RenderOptions {
     EncoderNames encoders;
     av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
 };
+
+/// Throws Error when OUT is what the film is made of, which even --force is not to replace.
+void checkSpared(const std::string& input, const std::string& output) {
+    std::error_code unknown;  // as of what is no file
+    if (std::filesystem::equivalent(input, output, unknown))
+        throw Error(output + " is an input of the film; OUT needs another name");
+}
 
 void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     const bool onePicture = kind.movie == nullptr && !kind.numbered;
@@ -308,6 +317,10 @@ void render(const RenderOptions& options) {
     if (options.sort) sortNaturally(sequence, options.operands);
     if (options.mute)
         for (Shot& shot : sequence.shots) shot.mute = true;
+    if (writes) {
+        for (const Shot& shot : sequence.shots) checkSpared(shot.file, asked.output);
+        checkSpared(options.music.file, asked.output);
+    }
     const Plugin plugin(asked.plugin);
     const auto transitions = transitionsFor(sequence, plugin, seedOf(options, sequence));
 
