@@ -103,11 +103,15 @@ void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* col
 void streamPicked(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns,
                   const std::int32_t* rows, std::int32_t pitch);
 
-/// Bytes 0 to 2 of pixels `columns[0]`, `columns[1]`, ... of a row of pixels; byte 3 kept.
+/// Whole pixels `columns[0]`, `columns[1]`, ... of a row of pixels.
+void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);
+
+/// Bytes 0 to 2 of such pixels; byte 3 kept.
 void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns);
 
-/// The same from two rows: bytes over * opacity + under * (1 - opacity) in single precision, truncated.
-void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* overColumns,
-                 const std::uint8_t* under, const std::int32_t* underColumns, float opacity);
+/// The same faded in over others: bytes over * opacity + under * (1 - opacity) in single precision,
+/// truncated.
+void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* columns,
+                 const std::uint32_t* under, float opacity);
 
 }  // namespace vantle

@@ -16,8 +16,7 @@ namespace vantle {
 /// passed writes nothing, so spans may be given as computed.
 class Row {
    public:
-    /// Pixels to be taken from another row of an input frame: column `first + i` from its column
-    /// `columns[i]`.
+    /// Pixels of an input frame's row: column `first + i` of what is drawn is its column `columns[i]`.
     struct Samples;
 
     Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
@@ -131,15 +130,14 @@ class Row {
     /// Bytes 0 to 2 of sampled pixels, byte 3 kept.
     Row& sampled(const Samples& samples, std::int32_t end);
 
-    /// The same with `opacity` 0 to 1, faded in over other samples.
-    Row& faded(const Samples& over, const Samples& under, float opacity, std::int32_t end);
+    /// The same with `opacity` 0 to 1, faded in over `under`, whose first pixel is that of the same column.
+    Row& faded(const Samples& samples, const std::uint32_t* under, float opacity, std::int32_t end);
 
-    /// Bytes 0 to 2 as another row of the output has them, in the same columns.
-    Row& repeated(const Row& drawn, std::int32_t end) {
-        const std::int32_t start = at_;
+    /// Bytes 0 to 2 of `pixels`, the first being that of column `first`; byte 3 kept.
+    Row& painted(const std::uint32_t* pixels, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
         if (Run run = next(end); run.count > 0) {
-            run.from = drawn.out_ + start;
-            run.frameBytes = 0;  // kept at hand: it may be what is repeated next
+            run.from = reinterpret_cast<const std::uint8_t*>(pixels + skipped);
             copyColours(run, Source::from, Fourth::kept);
         }
         return *this;
@@ -186,6 +184,11 @@ struct Row::Samples {
     std::int32_t first;
 
     const std::uint8_t* pixels() const { return source == Source::to ? row.to_ : row.from_; }
+
+    /// All of them, up to column `end`, whole.
+    void gather(std::uint32_t* gathered, std::int32_t end) const {
+        vantle::gather(gathered, pixels(), columns, end - first);
+    }
 };
 
 inline Row& Row::sampled(const Samples& samples, std::int32_t end) {
@@ -194,12 +197,10 @@ inline Row& Row::sampled(const Samples& samples, std::int32_t end) {
     return *this;
 }
 
-inline Row& Row::faded(const Samples& over, const Samples& under, float opacity, std::int32_t end) {
-    const std::int32_t overSkipped = x() - over.first;
-    const std::int32_t underSkipped = x() - under.first;
+inline Row& Row::faded(const Samples& samples, const std::uint32_t* under, float opacity, std::int32_t end) {
+    const std::int32_t skipped = x() - samples.first;
     if (const Run run = next(end); run.count > 0)
-        sampleFaded(run, over.pixels(), over.columns + overSkipped, under.pixels(),
-                    under.columns + underSkipped, opacity);
+        sampleFaded(run, samples.pixels(), samples.columns + skipped, under + skipped, opacity);
     return *this;
 }
 

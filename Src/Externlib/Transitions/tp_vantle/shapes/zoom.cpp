@@ -11,7 +11,7 @@ namespace vantle {
 namespace {
 
 /// Columns whose source columns are worked out at a time, to be used in every row.
-constexpr std::int32_t tileColumns = 4096;
+constexpr std::int32_t tileColumns = 3840;
 
 /// Where a coordinate lies in a frame that is shown `scale` times as large about `centre`.
 std::int32_t sourceOf(std::int32_t coordinate, std::int32_t centre, float scale) {
@@ -47,36 +47,25 @@ void zoom(const Stage& stage, const Progress& progress) {
         for (std::int32_t x = first; x < end; ++x)
             fromColumns[x - first] = sourceOf(x, centreColumn, magnification);
         for (std::int32_t x = left; x < right; ++x) toColumns[x - first] = sourceOf(x, centreColumn, s);
-        std::optional<Row> last;
-        std::int32_t lastSource = 0;
-        bool lastInRectangle = false;
+        std::uint32_t magnified[tileColumns];  // a row of imgFrom, which many rows show
+        std::optional<std::int32_t> magnifiedRow;
         for (Row row : stage.rows()) {
-            const Row whole = row;
             const std::int32_t sourceRow = sourceOf(row.y(), centreRow, magnification);
-            const Row source = stage.row(sourceRow);
-            const bool inRectangle = std::abs(row.y() - centreRow) < shownHeight / 2 && shownWidth >= 6;
-            // Magnified rows repeat: the one just drawn is at hand.
-            const bool repeats = last && sourceRow == lastSource && inRectangle == lastInRectangle;
-            const auto magnified = [&](std::int32_t to) {
-                if (repeats)
-                    row.repeated(*last, to);
-                else
-                    row.sampled({source, Source::from, fromColumns, first}, to);
-            };
-            row.skip(first);
-            if (inRectangle) {
-                const Row shown = stage.row(sourceOf(row.y(), centreRow, s));
-                magnified(left);
-                if (opacity < 1.0F)
-                    row.faded({shown, Source::to, toColumns, first},
-                              {source, Source::from, fromColumns, first}, opacity, right);
-                else
-                    row.sampled({shown, Source::to, toColumns, first}, right);
+            if (magnifiedRow != sourceRow) {
+                Row::Samples{stage.row(sourceRow), Source::from, fromColumns, first}.gather(magnified, end);
+                magnifiedRow = sourceRow;
             }
-            magnified(end);
-            last.emplace(whole);
-            lastSource = sourceRow;
-            lastInRectangle = inRectangle;
+            row.skip(first);
+            if (std::abs(row.y() - centreRow) < shownHeight / 2 && shownWidth >= 6) {
+                const Row shown = stage.row(sourceOf(row.y(), centreRow, s));
+                const Row::Samples reduced{shown, Source::to, toColumns, first};
+                row.painted(magnified, first, left);
+                if (opacity < 1.0F)
+                    row.faded(reduced, magnified, opacity, right);
+                else
+                    row.sampled(reduced, right);
+            }
+            row.painted(magnified, first, end);
         }
     }
 }
