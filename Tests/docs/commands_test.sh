@@ -1,13 +1,54 @@
 #!/usr/bin/env bash
-# Runs the commands of the README and of docs/: commands_test.sh SOURCE BUILD. They are the blocks of ```sh, each run in
-# a folder of its own with the files that the commands name; a line <!-- not run: why --> before a block spares it.
+# Runs the commands of the README and of docs/, which are the blocks of ```sh. commands_test.sh SOURCE BUILD runs each in
+# a folder of its own with the files that the commands name, but for those after a line
+#     <!-- in the checkout -->             which commands_test.sh SOURCE runs there: what builds, and what is built
+#     <!-- in the checkout: s/60/1/ -->    with what sed makes of them
+#     <!-- by SCRIPT -->                   which this script reads and runs
+#     <!-- all tests -->                   this one too
 set -euo pipefail
-source=$1 build=$2
+source=$1 build=${2-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
+# The blocks, in files PAGE:LINE, or PAGE:LINE.spared for those that are run otherwise, with that line before the rest.
+mkdir "$work/blocks"
+for page in $(cd "$source" && echo README.md docs/*.md); do
+    awk -v "to=$work/blocks/${page//\//-}" '
+        /^ *```/ && inside { inside = 0; close(file); next }
+        /^ *```sh$/ { inside = 1; file = sprintf("%s:%03d%s", to, NR, how == "" ? "" : ".spared"); printf "%s", how >file; next }
+        /^ *```/ { inside = 1; file = "/dev/null"; next }
+        inside { print >file }
+        NF { how = /^<!-- / ? $0 "\n" : "" }' "$source/$page"
+done
+run=0 failed=0
+fails() { failed=$((failed + 1)) && echo "$(basename "$1") fails:" && cat "${@}"; }
+
+if [[ -z $build ]]; then
+    cd "$source"
+    before=$(git status --porcelain)
+    # Only to see that they run.
+    export BENCHMARK_FILTER=TrColVantle BENCH_SHRINK=18 TMPDIR=$work
+    for block in "$work"/blocks/*.spared; do
+        how=$(head -1 "$block")
+        sed -i 1d "$block"
+        if [[ $how =~ ^'<!-- in the checkout'(: (.*))?' -->'$ ]]; then
+            sed -i "${BASH_REMATCH[2]}" "$block"
+            run=$((run + 1))
+            bash -euo pipefail "$block" >"$work/log" 2>&1 </dev/null || fails "$block" "$work/log"
+        elif [[ $how =~ ^'<!-- by '(.*)' -->'$ ]]; then
+            grep -qF "$(basename "${block%:*}" | sed 's|docs-||')" "${BASH_REMATCH[1]}" || fails "$block"
+        elif [[ $how != '<!-- all tests -->' || $(<"$block") != scripts/test* ]]; then
+            fails "$block"
+        fi
+    done
+    echo "$run blocks run in the checkout, $failed fail"
+    [[ $(git status --porcelain) == "$before" ]] || { git status --porcelain && exit 1; }
+    ((run > 4 && failed == 0))
+    exit
+fi
+
 # What a checkout has, with this build in place of one yet to be made.
-mkdir -p "$work/there/build" "$work/there/docs" "$work/blocks"
+mkdir -p "$work/there/build" "$work/there/docs"
 cd "$work/there"
 ln -s "$build" build/release
 cp -r "$source/scripts" "$source/examples" .
@@ -24,36 +65,14 @@ film c.mp4 testsrc2 3
 for still in one two photo b; do ffmpeg -v error -f lavfi -i "gradients=s=160x90" -frames:v 1 "$still.jpg"; done
 ffmpeg -v error -f lavfi -i sine -t 5 song.mp3
 
-for page in $(cd "$source" && echo README.md docs/*.md); do
-    awk -v "to=$work/blocks/${page//\//-}" '
-        /^ *```/ && inside { inside = 0; close(file); next }
-        /^ *```sh$/ { inside = 1; file = sprintf("%s:%03d%s", to, NR, spared ? ".spared" : ""); printf "" >file; next }
-        /^ *```/ { inside = 1; file = "/dev/null"; next }
-        inside { print >file }
-        NF { spared = /<!-- not run: / }' "$source/$page"
-done
-run=0 failed=0
 export PATH=$build/bin:$PATH VANTLE=$build/bin/vantle FREI0R_PATH=$build/lib/frei0r-1
-for block in "$work"/blocks/*; do
-    if [[ $block == *.spared ]]; then
-        # What it names is there at least.
-        for preset in $(grep -oE -- '--preset [a-z-]+' "$block" | cut -d ' ' -f 2); do
-            grep -q "\"name\": \"$preset\"" "$source/CMakePresets.json" || { echo "$block: $preset" && failed=$((failed + 1)); }
-        done
-        for path in $(grep -oE '(scripts|Bench|Tests)/[^ ]+' "$block"); do
-            [[ -e $source/$path ]] || { echo "$block: $path" && failed=$((failed + 1)); }
-        done
-        continue
-    fi
+for block in "$work"/blocks/*[0-9]; do
     run=$((run + 1))
     cp -r "$work/there" "$work/here"
-    if ! (cd "$work/here" && HOME=$work/here bash -euo pipefail "$block" >"$work/log" 2>&1 </dev/null); then
-        failed=$((failed + 1))
-        echo "$(basename "$block") fails:" && cat "$block" "$work/log"
-    fi
+    (cd "$work/here" && HOME=$work/here bash -euo pipefail "$block" >"$work/log" 2>&1 </dev/null) || fails "$block" "$work/log"
     rm -rf "$work/here"
 done
-echo "$run blocks run, $failed fail; spared: $(cd "$work/blocks" && echo *.spared)"
+echo "$run blocks run, $failed fail"
 ((run > 8 && failed == 0))
 
 # The page of all transitions says what the table does.
