@@ -1,8 +1,9 @@
 // What each transition costs, in milliseconds per frame and in copies: how many times as long as copying
 // the frame it takes. A copy is timed before every drawing, so that a busy machine slows both down alike,
 // and the median of the ratios is kept. With --against PLUGIN another build of the plug-in draws each frame
-// too, in turn, and a last column tells how many times as long as that one this one takes. With --modules
-// that is told of the modules for other editors and the plug-in, whose own copies are another column.
+// too, in turn, and a last column tells how many times as long as that one this one takes; with --read PLUGIN
+// drawing ends when the frame has been read as a host does it, converted to 4:2:0. With --modules it is told
+// of the modules for other editors and the plug-in, whose own copies are another column.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +20,7 @@
 
 #include "Host/image.h"
 #include "Host/plugin.h"
+#include "media/convert.h"
 #include "modules.h"
 
 namespace {
@@ -87,6 +90,18 @@ Draw drawing(const bench::Module& module, const Size& size) {
     return [instance = module.instance(size.width, size.height)](const Frames& frames, double position) {
         instance(position, DIGetBits(frames.inputs[0].get()), DIGetBits(frames.inputs[1].get()),
                  DIGetBits(frames.out.get()));
+    };
+}
+
+/// The same, and reads the frame.
+Draw readAfter(const Draw& draw, const Size& size) {
+    const vantle::PictureFormat format{
+        .pixels = AV_PIX_FMT_YUV420P, .space = AVCOL_SPC_BT709, .range = AVCOL_RANGE_MPEG};
+    const std::shared_ptr picture = vantle::blankPicture({size.width, size.height}, format);
+    return [draw, picture, converter = std::make_shared<vantle::Converter>(false)](const Frames& frames,
+                                                                                   double position) {
+        draw(frames, position);
+        converter->convert(vantle::viewOf(frames.out.get()), vantle::viewOf(*picture));
     };
 }
 
@@ -168,7 +183,8 @@ class Table : public benchmark::BenchmarkReporter {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    const bool compares = argc == 3 && argv[1] == std::string_view("--against");
+    const bool reads = argc == 3 && argv[1] == std::string_view("--read");
+    const bool compares = reads || (argc == 3 && argv[1] == std::string_view("--against"));
     const bool bridges = argc == 2 && argv[1] == std::string_view("--modules");
     if (!compares && !bridges && benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     const vantle::Plugin plugin(PLUGIN_PATH);
@@ -184,6 +200,8 @@ int main(int argc, char** argv) {
             for (const bench::Module& module : modules)
                 if (module.function == transition.function)
                     contenders.insert(contenders.begin(), drawing(module, size));
+            if (reads)
+                for (Draw& contender : contenders) contender = readAfter(contender, size);
             if (transition.draw != nullptr)
                 benchmark::RegisterBenchmark(
                     (transition.function + "/" + size.text()).c_str(),

@@ -20,23 +20,23 @@ class DistanceTable {
     DistanceTable(std::int32_t count, WeightAt weightAt) : last_(std::clamp(count, 1, size) - 1) {
         for (std::int32_t distance = 0; distance <= last_; ++distance)
             weights_[distance] = static_cast<std::uint8_t>(weightAt(distance));
-        std::fill_n(weights_ + last_ + 1, spare, std::uint8_t{0});
     }
     std::int32_t last() const { return last_; }
 
-    /// The weights, and a few bytes after them: any may be read as a word.
     const std::uint8_t* weights() const { return weights_; }
 
    private:
     static constexpr std::int32_t size = 1 << 15;
-    static constexpr std::int32_t spare = 3;
     std::int32_t last_;
-    std::uint8_t weights_[size + spare];
+    std::uint8_t weights_[size];
 };
 
 /// weights[i] = the table's weight for the whole distance of the point (dx + i, dy) from the origin.
 void weightsByDistance(Weight* weights, std::int32_t dx, std::int32_t dy, std::int32_t count,
                        DistanceRounding rounding, const DistanceTable& table);
+
+/// The weights 1 to `count` after `middle` in opposite order before it.
+void mirror(Weight* middle, std::int32_t count);
 
 /// The largest whole number whose square is at most `square`; -1 for a negative one.
 std::int32_t wholeRoot(std::int64_t square);
@@ -72,7 +72,7 @@ void drawDisc(const Stage& stage, const DistanceTable& table, HalfAt halfAt, Ins
         const std::int32_t side = std::min(half, centreColumn);
         if (side >= 0 && side < reach) {
             weightsByDistance(middle, 0, dy, side + 1, DistanceRounding::nearest, table);
-            for (std::int32_t i = 1; i <= side; ++i) middle[-i] = middle[i];
+            mirror(middle, side);
         }
         for (const std::int32_t y : {centreRow - dy, centreRow + dy}) {
             if (y < 0 || y >= stage.height()) continue;

@@ -49,41 +49,64 @@ VANTLE_INLINE void mergeFourth(std::uint8_t* out, const void* colours, const std
         words(out)[i] = (words(colours)[i] & 0x00FFFFFFU) | (words(fourth)[i] & 0xFF000000U);
 }
 
-/// `byte` times `weight`, both up to 255, divided.
-template <Divisor divisor>
-constexpr std::uint16_t share(std::uint16_t byte, std::uint16_t weight) {
-    const auto product = static_cast<std::uint16_t>(byte * weight);
-    return divisor == Divisor::by256 ? product >> 8 : product / 255;
+VANTLE_INLINE std::uint16_t upperHalf(std::uint16_t a, std::uint16_t b) {
+    return static_cast<std::uint16_t>(std::uint32_t{a} * b >> 16);
 }
 
-template <Divisor divisor, typename Weights>
-VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, Weights weightAt,
+/// One lane mixed: `weights` is the weight of imgTo, twice.
+template <Divisor divisor>
+VANTLE_INLINE std::uint16_t mixHalf(std::uint16_t from, std::uint16_t to, std::uint16_t weights) {
+    std::uint16_t low = 0, high = 0;
+    if constexpr (divisor == Divisor::by256) {
+        const std::uint16_t toWeight = weights & 255;
+        const std::uint16_t fromWeight = 255 - toWeight;
+        low = (static_cast<std::uint16_t>((from & 255) * fromWeight) >> 8) +
+              (static_cast<std::uint16_t>((to & 255) * toWeight) >> 8);
+        high = (static_cast<std::uint16_t>((from >> 8) * fromWeight) >> 8) +
+               (static_cast<std::uint16_t>((to >> 8) * toWeight) >> 8);
+    } else {
+        // For bytes v and w, v * w / 255 is v * (257 w + 1) / 65536, also when truncated. With w the weight
+        // of imgTo, the factors are `weights` + 1 and 65536 - `weights`: modulo 65536, which but for the
+        // weights 0 and 255 is what they are.
+        const auto toFactor = static_cast<std::uint16_t>(weights + 1);
+        const auto fromFactor = static_cast<std::uint16_t>(-weights);
+        low = upperHalf(from & 255, fromFactor) + upperHalf(to & 255, toFactor);
+        high = upperHalf(from >> 8, fromFactor) + upperHalf(to >> 8, toFactor);
+    }
+    return static_cast<std::uint16_t>(low | high << 8);
+}
+
+/// `weightsAt(i)`: the weight of lane i, twice. `whole`: whether some may be 0 or 255.
+template <Divisor divisor, bool whole, typename WeightsAt>
+VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, WeightsAt weightsAt,
                              std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) {
-        const std::uint16_t toWeight = weightAt(i);
-        const auto fromWeight = static_cast<std::uint16_t>(255 - toWeight);
+        const std::uint16_t weights = weightsAt(i);
         const std::uint16_t f = from[i];
         const std::uint16_t t = to[i];
-        const auto low = static_cast<std::uint16_t>(share<divisor>(f & 255, fromWeight) +
-                                                    share<divisor>(t & 255, toWeight));
-        const auto high =
-            static_cast<std::uint16_t>(share<divisor>(f >> 8, fromWeight) + share<divisor>(t >> 8, toWeight));
-        out[i] = static_cast<std::uint16_t>(low | high << 8);
+        std::uint16_t mixed = mixHalf<divisor>(f, t, weights);
+        // Their factors being 0 and 1, nothing has been mixed of these yet.
+        if constexpr (divisor == Divisor::by255 && whole) {
+            const auto allFrom = static_cast<std::uint16_t>(-static_cast<int>(weights == 0));
+            const auto allTo = static_cast<std::uint16_t>(-static_cast<int>(weights == 0xFFFF));
+            mixed = static_cast<std::uint16_t>(mixed | (f & allFrom) | (t & allTo));
+        }
+        out[i] = mixed;
     }
 }
 
 /// Mixes tile by tile, so that a fourth byte of another kind is put in while the tile is in the cache.
-template <Divisor divisor, typename WeightsFrom>
+template <Divisor divisor, bool whole, typename WeightsFrom>
 VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        const auto weightAt = weightsFrom(first);
+        const auto weightsAt = weightsFrom(first);
         if (fourth == Fourth::mixed) {
-            mixHalves<divisor>(halves(tile.out), halves(tile.from), halves(tile.to), weightAt,
-                               2 * tile.count);
+            mixHalves<divisor, whole>(halves(tile.out), halves(tile.from), halves(tile.to), weightsAt,
+                                      2 * tile.count);
         } else {
             Half mixed[2 * tilePixels];
-            mixHalves<divisor>(mixed, halves(tile.from), halves(tile.to), weightAt, 2 * tile.count);
+            mixHalves<divisor, whole>(mixed, halves(tile.from), halves(tile.to), weightsAt, 2 * tile.count);
             mergeFourth(tile.out, mixed, fourthOf(tile, fourth), tile.count);
         }
     }
@@ -99,6 +122,27 @@ VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
             out[i] = static_cast<std::uint8_t>(tile.to[i] - (tile.to[i] != 0 ? 1 : 0));
         if (fourth != Fourth::mixed) mergeFourth(tile.out, dimmed, fourthOf(tile, fourth), tile.count);
     }
+}
+
+/// Bytes of a frame from which on it is drawn past the cache: two of this size and a third are more than what
+/// most processors keep at hand.
+constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
+
+/// The same for pixels put together from two frames, which takes no time but memory's.
+constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
+
+/// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
+/// The ends of a run are not, and what else is written to its row draws its lines into the cache: a short one
+/// loses.
+bool streams(const Run& run, Fourth fourth, std::int64_t large, std::int32_t shortest = 256) {
+    // What is drawn from what it is drawn over is at hand.
+    if (fourth == Fourth::kept && run.kept == run.out) return false;
+    return canStream && run.frameBytes >= large && run.count >= shortest && bytesToLine(run.out) % 4 == 0;
+}
+
+/// The same for a run that is mixed: one that also gets its byte 3 from elsewhere waits for memory.
+bool streamsMixed(const Run& run, Fourth fourth) {
+    return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
 }
 
 /// Draws a run past the cache: line by line with `loop(part, first)`, `first` being the pixel of the run that
@@ -119,13 +163,6 @@ VANTLE_INLINE void drawLines(Run run, Loop loop) {
 
 }  // namespace
 
-bool streams(const Run& run, Fourth fourth, std::int32_t shortest) {
-    // What is drawn from what it is drawn over is at hand.
-    if (fourth == Fourth::kept && run.kept == run.out) return false;
-    return canStream && run.frameBytes >= (fourth == Fourth::kept ? streamedKept : streamedFrame) &&
-           run.count >= shortest && bytesToLine(run.out) % 4 == 0;
-}
-
 // Each loop that draws past the cache is a function of its own, so that the other one stays as it is.
 
 VANTLE_MULTIVERSION static void streamColours(const Run& run, Source colours, Fourth fourth) {
@@ -138,11 +175,18 @@ VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
     drawLines(run, [=](const Run& part, std::int32_t) { dim(part, fourth); });
 }
 
-template <Divisor divisor, typename WeightsFrom>
+template <Divisor divisor, bool whole, typename WeightsFrom>
 VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
     drawLines(run, [=](const Run& part, std::int32_t begin) {
-        mixTiles<divisor>(part, fourth, [=](std::int32_t first) { return weightsFrom(begin + first); });
+        mixTiles<divisor, whole>(part, fourth,
+                                 [=](std::int32_t first) { return weightsFrom(begin + first); });
     });
+}
+
+VANTLE_MULTIVERSION void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i)
+        means[i].bytes =
+            (weights[i].bytes & other.bytes) + ((weights[i].bytes ^ other.bytes) >> 1 & 0x7F7F7F7FU);
 }
 
 VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
@@ -150,7 +194,7 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
     const std::uint8_t* const other = fourthOf(run, fourth);
     if (pixels == other)  // as where a byte 3 is kept that is the same frame's
         std::memcpy(run.out, pixels, std::size_t{4} * static_cast<std::size_t>(run.count));
-    else if (streams(run, fourth))
+    else if (streams(run, fourth, largeMerge))
         streamColours(run, colours, fourth);
     else
         mergeFourth(run.out, pixels, other, run.count);
@@ -159,7 +203,8 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
 namespace {
 
 auto sameWeight(std::int32_t weight) {
-    return [=](std::int32_t) { return [=](std::int32_t) { return static_cast<std::uint16_t>(weight); }; };
+    return
+        [=](std::int32_t) { return [=](std::int32_t) { return static_cast<std::uint16_t>(257 * weight); }; };
 }
 
 auto weightForEach(const Weight* weights) {
@@ -173,65 +218,49 @@ auto weightForEach(const Weight* weights) {
 VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
                                             std::int32_t weight) {
     if (divisor == Divisor::by255)
-        mixLines<Divisor::by255>(run, fourth, sameWeight(weight));
+        mixLines<Divisor::by255, false>(run, fourth, sameWeight(weight));
     else
-        mixLines<Divisor::by256>(run, fourth, sameWeight(weight));
+        mixLines<Divisor::by256, false>(run, fourth, sameWeight(weight));
 }
 
 VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
                                             const Weight* weights) {
     if (divisor == Divisor::by255)
-        mixLines<Divisor::by255>(run, fourth, weightForEach(weights));
+        mixLines<Divisor::by255, true>(run, fourth, weightForEach(weights));
     else
-        mixLines<Divisor::by256>(run, fourth, weightForEach(weights));
+        mixLines<Divisor::by256, true>(run, fourth, weightForEach(weights));
+}
+
+/// All of one frame, as where all of the weight is its own.
+static void showWhole(const Run& run, Source source, Fourth fourth) {
+    if (fourth == Fourth::mixed) fourth = source == Source::to ? Fourth::ofTo : Fourth::ofFrom;
+    copyColours(run, source, fourth);
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
-        if (fourth != Fourth::mixed && streams(run, fourth))  // one frame alone is no faster so
+        if (fourth != Fourth::mixed && streamsMixed(run, fourth))  // one frame alone is no faster so
             streamDimmed(run, fourth);
         else
             dim(run, fourth);
-        return;
-    }
-    if (streams(run, fourth)) {
+    } else if (divisor == Divisor::by255 && weight % 255 == 0) {
+        showWhole(run, weight == 0 ? Source::from : Source::to, fourth);
+    } else if (streamsMixed(run, fourth)) {
         streamMixed(run, divisor, fourth, weight);
-        return;
+    } else if (divisor == Divisor::by255) {
+        mixTiles<Divisor::by255, false>(run, fourth, sameWeight(weight));
+    } else {
+        mixTiles<Divisor::by256, false>(run, fourth, sameWeight(weight));
     }
-    const auto same = sameWeight(weight);
-    if (divisor == Divisor::by255)
-        mixTiles<Divisor::by255>(run, fourth, same);
-    else
-        mixTiles<Divisor::by256>(run, fourth, same);
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights) {
-    if (streams(run, fourth)) {
+    if (streamsMixed(run, fourth))
         streamMixed(run, divisor, fourth, weights);
-        return;
-    }
-    const auto each = weightForEach(weights);
-    if (divisor == Divisor::by255)
-        mixTiles<Divisor::by255>(run, fourth, each);
+    else if (divisor == Divisor::by255)
+        mixTiles<Divisor::by255, true>(run, fourth, weightForEach(weights));
     else
-        mixTiles<Divisor::by256>(run, fourth, each);
-}
-
-VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
-    constexpr std::int32_t tile = 128;
-    for (std::int32_t first = 0; first < run.count; first += tile) {
-        const Run part = tail(run, first, std::min(tile, run.count - first));
-        std::uint32_t spread[tile];  // each weight four times over: one for each byte
-        for (std::int32_t i = 0; i < part.count; ++i)
-            spread[i] = weights[first + i].halves | weights[first + i].halves << 8;
-        const auto* const weightOf = reinterpret_cast<const std::uint8_t*>(spread);
-        for (std::int32_t i = 0; i < 4 * part.count; ++i) {
-            const auto weight = static_cast<float>(weightOf[i]);
-            const float to = static_cast<float>(part.to[i]) * weight / 255.0F;
-            const float from = static_cast<float>(part.from[i]) * (255.0F - weight) / 255.0F;
-            part.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(to + from));
-        }
-    }
+        mixTiles<Divisor::by256, true>(run, fourth, weightForEach(weights));
 }
 
 void lookUp(const Run& run, Source source, const ByteTable& table) {
@@ -258,6 +287,15 @@ VANTLE_INLINE void fadeBytes(Run run, ShareAt shareAt) {
     }
 }
 
+VANTLE_INLINE void mixBytes(Run run, const std::uint8_t* weights) {
+    for (std::int32_t i = 0; i < 4 * run.count; ++i) {
+        const auto weight = static_cast<float>(weights[i]);
+        const float to = static_cast<float>(run.to[i]) * weight / 255.0F;
+        const float from = static_cast<float>(run.from[i]) * (255.0F - weight) / 255.0F;
+        run.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(to + from));
+    }
+}
+
 VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_t end) {
     for (std::int32_t i = 0; i < run.count; ++i) {
         // No branch: the order of the ranks has no pattern to foretell.
@@ -270,17 +308,20 @@ VANTLE_INLINE void blackenWords(Run run) {
     for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] = words(run.kept)[i] & 0xFF000000U;
 }
 
+template <typename PixelAt, std::int32_t... i>
+VANTLE_INLINE void gatherLine(std::uint32_t* line, std::int32_t first, PixelAt pixelAt,
+                              std::integer_sequence<std::int32_t, i...>) {
+    ((line[i] = pixelAt(first + i)), ...);
+}
+
 /// Pixels from anywhere, sixteen at a time: read one by one, which is faster than the processor's own gather,
-/// and stored as one. `pixelAt(i)` is the pixel that `merge(gathered, i)` makes the output's.
+/// and stored as one. `merge(pixelAt(i), i)` is what the output gets.
 template <typename PixelAt, typename Merge>
 VANTLE_INLINE void gatherWords(std::uint8_t* out, std::int32_t count, PixelAt pixelAt, Merge merge) {
     std::int32_t first = 0;
     for (; first + linePixels <= count; first += linePixels) {
         std::uint32_t line[linePixels];
-        [&]<std::int32_t... i>(std::integer_sequence<std::int32_t, i...>) {
-            ((line[i] = pixelAt(first + i)), ...);
-        }
-        (std::make_integer_sequence<std::int32_t, linePixels>());
+        gatherLine(line, first, pixelAt, std::make_integer_sequence<std::int32_t, linePixels>());
         for (std::int32_t i = 0; i < linePixels; ++i) line[i] = merge(line[i], first + i);
         std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
     }
@@ -301,6 +342,10 @@ VANTLE_INLINE void sampleWords(Run run, const std::uint8_t* pixels, const std::i
 
 }  // namespace
 
+VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
+    mixBytes(run, reinterpret_cast<const std::uint8_t*>(weights));
+}
+
 VANTLE_MULTIVERSION void fade(const Run& run, float share) {
     fadeBytes(run, [=](std::int32_t) { return share; });
 }
@@ -314,7 +359,7 @@ VANTLE_MULTIVERSION static void streamBlack(const Run& run) {
 }
 
 VANTLE_MULTIVERSION void blacken(const Run& run) {
-    if (streams(run, Fourth::kept))
+    if (streams(run, Fourth::kept, largeMerge))
         streamBlack(run);
     else
         blackenWords(run);
@@ -324,30 +369,10 @@ VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std:
     chooseWords(run, ranks, end);
 }
 
-namespace {
-
-VANTLE_INLINE void pickWords(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-                             const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
+VANTLE_MULTIVERSION void pick(const Run& run, const std::uint8_t* pixels, const std::ptrdiff_t* offsets) {
     gatherWords(
-        out, count,
-        [=](std::int32_t i) -> std::uint32_t {
-            return *words(pixels + std::ptrdiff_t{pitch} * rows[i] + std::ptrdiff_t{4} * columns[i]);
-        },
+        run.out, run.count, [=](std::int32_t i) -> std::uint32_t { return *words(pixels + offsets[i]); },
         unchanged);
-}
-
-}  // namespace
-
-VANTLE_MULTIVERSION void streamPicked(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns,
-                                      const std::int32_t* rows, std::int32_t pitch) {
-    drawLines(run, [=](const Run& part, std::int32_t first) {
-        pickWords(part.out, pixels, columns + first, rows + first, pitch, part.count);
-    });
-}
-
-VANTLE_MULTIVERSION void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-                              const std::int32_t* rows, std::int32_t pitch, std::int32_t count) {
-    pickWords(out, pixels, columns, rows, pitch, count);
 }
 
 VANTLE_MULTIVERSION void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
@@ -361,7 +386,7 @@ VANTLE_MULTIVERSION static void streamSampled(const Run& run, const std::uint8_t
 }
 
 VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns) {
-    if (streams(run, Fourth::kept))
+    if (streams(run, Fourth::kept, largeMerge))
         streamSampled(run, pixels, columns);
     else
         sampleWords(run, pixels, columns);

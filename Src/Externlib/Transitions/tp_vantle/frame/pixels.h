@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace vantle {
@@ -32,30 +33,16 @@ struct Run {
     std::int64_t frameBytes;   ///< of the frame that it is part of: large ones are written past the cache
 };
 
-/// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: twice, for the two
-/// halves of a pixel.
+/// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: once for each byte.
 struct Weight {
     Weight() = default;
-    constexpr explicit Weight(std::int32_t weight) : halves(static_cast<std::uint32_t>(weight) * 0x10001U) {}
-    std::uint32_t halves;
+    constexpr explicit Weight(std::int32_t weight)
+        : bytes(static_cast<std::uint32_t>(weight) * 0x01010101U) {}
+    std::uint32_t bytes;
 };
 
-/// Half the sum of two weights, truncated.
-constexpr Weight mean(Weight a, Weight b) {
-    a.halves = (a.halves + b.halves) >> 1 & 0x00FF00FFU;
-    return a;
-}
-
-/// Bytes of a frame from which on it is written past the cache: two of this size and a third are more than
-/// what most processors keep at hand.
-constexpr std::int64_t streamedFrame = std::int64_t{16} << 20;
-
-/// The same for pixels whose byte 3 is that of another frame, which is one more to be read.
-constexpr std::int64_t streamedKept = std::int64_t{4} << 20;
-
-/// Whether a run of at least `shortest` pixels, which get this byte 3, is drawn past the cache. The ends of a
-/// run are not, so that a short one gains nothing.
-bool streams(const Run& run, Fourth fourth, std::int32_t shortest = 96);
+/// means[i] = half the sum of weights[i] and another, truncated.
+void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count);
 
 /// Bytes 0 to 2 of one frame; `fourth` must not be `mixed`.
 void copyColours(const Run& run, Source colours, Fourth fourth);
@@ -95,13 +82,8 @@ void blacken(const Run& run);
 /// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
 void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
 
-/// Whole pixels at `pixels` plus 4 bytes for each of `columns` and `pitch` bytes for each of `rows`.
-void pick(std::uint8_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-          const std::int32_t* rows, std::int32_t pitch, std::int32_t count);
-
-/// The same past the cache, for a run that `streams`.
-void streamPicked(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns,
-                  const std::int32_t* rows, std::int32_t pitch);
+/// Whole pixels that lie `offsets[0]`, `offsets[1]`, ... bytes from `pixels`.
+void pick(const Run& run, const std::uint8_t* pixels, const std::ptrdiff_t* offsets);
 
 /// Whole pixels `columns[0]`, `columns[1]`, ... of a row of pixels.
 void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);

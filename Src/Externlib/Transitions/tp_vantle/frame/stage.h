@@ -116,14 +116,12 @@ class Row {
         return *this;
     }
 
-    /// Whole pixels of an input frame: the next one from picture column `columns[0]` and row `rows[0]`.
-    Row& picked(Source source, const std::int32_t* columns, const std::int32_t* rows, std::int32_t end) {
+    /// Whole pixels of an input frame, which lie `offsets[0]`, `offsets[1]`, ... bytes from its picture's
+    /// first; see `Stage::rowBytes`.
+    Row& picked(Source source, const std::ptrdiff_t* offsets, std::int32_t end) {
         const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // from here to picture row 0
         const std::uint8_t* const pixels = (source == Source::to ? to_ : from_) + top;
-        if (const Run run = next(end); frameBytes_ >= streamedFrame && streams(run, Fourth::mixed, 16))
-            streamPicked(run, pixels, columns, rows, -pitch_);
-        else
-            pick(run.out, pixels, columns, rows, -pitch_, run.count);
+        if (const Run run = next(end); run.count > 0) pick(run, pixels, offsets);
         return *this;
     }
 
@@ -240,8 +238,9 @@ class Stage {
         return stage;
     }
 
-    std::int32_t width() const { return width_; }    ///< pixels
-    std::int32_t height() const { return height_; }  ///< rows
+    std::int32_t width() const { return width_; }      ///< pixels
+    std::int32_t height() const { return height_; }    ///< rows
+    std::int32_t rowBytes() const { return -pitch_; }  ///< from a row of the picture to the next in memory
 
     class RowIterator;
     struct Rows;

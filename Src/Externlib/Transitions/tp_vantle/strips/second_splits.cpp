@@ -84,8 +84,8 @@ void crossSplit2(const Stage& stage, const Progress& progress) {
             const std::int32_t left = wholeRow ? first : std::max(width / 2 - halfColumns + 1, first);
             const std::int32_t right = wholeRow ? end : std::min(width / 2 + halfColumns, end);
             Weight weights[tileColumns];
-            for (std::int32_t x = left; x < right; ++x)
-                weights[x - first] = mean(acrossRamp[x - first], downRamp);
+            if (left < right)
+                meanWeights(weights + (left - first), acrossRamp + (left - first), downRamp, right - left);
             row.skip(first)
                 .colours(outside, Fourth::kept, std::min(left, end))
                 .mix(Divisor::by255, Fourth::kept, weights, first, right)

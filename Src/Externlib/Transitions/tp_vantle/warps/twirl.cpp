@@ -65,13 +65,15 @@ Span columnsInside(std::int32_t width, const Extent& extent, bool rising, At at)
 
 }  // namespace
 
-/// The sources of `count` pixels from distance `dx` on.
-VANTLE_MULTIVERSION static void findSources(std::int32_t* columns, std::int32_t* rows, const Extent& across,
-                                            const Extent& down, const TurnedRow& turned, std::int32_t dx,
+/// Where in the frame, whose rows lie `rowBytes` apart, the sources of `count` pixels from distance `dx` on
+/// are.
+VANTLE_MULTIVERSION static void findSources(std::ptrdiff_t* offsets, const Extent& across, const Extent& down,
+                                            const TurnedRow& turned, std::int32_t rowBytes, std::int32_t dx,
                                             std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) {
-        columns[i] = across.sourceOf(across.clampedIn(turned.columnAt(dx + i)));
-        rows[i] = down.sourceOf(down.clampedIn(turned.rowAt(dx + i)));
+        const std::int32_t column = across.sourceOf(across.clampedIn(turned.columnAt(dx + i)));
+        const std::int32_t row = down.sourceOf(down.clampedIn(turned.rowAt(dx + i)));
+        offsets[i] = std::ptrdiff_t{rowBytes} * row + std::ptrdiff_t{4} * column;
     }
 }
 
@@ -85,8 +87,8 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
     const std::int32_t centreRow = stage.height() >> 1;
     const double cosine = std::cos(angle);
     const double sine = std::sin(angle);
-    constexpr std::int32_t blockRows = 16;
-    constexpr std::int32_t blockColumns = 64;
+    constexpr std::int32_t blockRows = 64;
+    constexpr std::int32_t blockColumns = 512;
     const Stage::Rows all = stage.rows();
     for (Stage::RowIterator next = all.begin(); next != all.end();) {
         std::optional<Line> lines[blockRows];
@@ -107,16 +109,23 @@ static void drawTurned(const Stage& stage, Source source, double angle, float sc
         }
         for (std::int32_t blockEnd = 0; blockEnd < width;) {
             blockEnd = std::min(blockEnd + blockColumns, width);
+            // Sources are found a line ahead: what has just been stored is slow to load in smaller parts.
+            std::ptrdiff_t offsets[2][blockColumns];
+            Row* found = nullptr;
+            std::int32_t foundEnd = 0;
+            std::int32_t turn = 0;
             for (std::int32_t i = 0; i < count; ++i) {
                 auto& [row, turned, lineEnd] = *lines[i];
                 const std::int32_t end = std::min(blockEnd, lineEnd);
                 if (row.x() >= end) continue;
-                std::int32_t sourceColumns[blockColumns];
-                std::int32_t sourceRows[blockColumns];
-                findSources(sourceColumns, sourceRows, across, down, turned, row.x() - centreColumn,
+                findSources(offsets[turn], across, down, turned, stage.rowBytes(), row.x() - centreColumn,
                             end - row.x());
-                row.picked(source, sourceColumns, sourceRows, end);
+                turn = 1 - turn;
+                if (found != nullptr) found->picked(source, offsets[turn], foundEnd);
+                found = &row;
+                foundEnd = end;
             }
+            if (found != nullptr) found->picked(source, offsets[1 - turn], foundEnd);
         }
         for (std::int32_t i = 0; i < count; ++i) lines[i]->row.black(width);
     }

@@ -1,0 +1,33 @@
+#include "frame/distance.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace vantle {
+namespace {
+
+// Single-precision roots come to lie on the wrong side of a distance only far out.
+TEST(Distance, IsRoundedRightlyWhereverTheRootLiesClose) {
+    const DistanceTable table(1 << 15, [](std::int32_t distance) { return distance % 251; });
+    const std::int32_t rows[] = {0, 1, 90, 127, 128, 1080, 9001, 23169};
+    for (const std::int32_t dy : rows)
+        for (const std::int32_t start : {-23169, -4106, -17, 0, 2040, 8000, 16384, 22913}) {
+            std::vector<Weight> nearest(257), truncated(257);
+            const auto count = static_cast<std::int32_t>(nearest.size());
+            weightsByDistance(nearest.data(), start, dy, count, DistanceRounding::nearest, table);
+            weightsByDistance(truncated.data(), start, dy, count, DistanceRounding::truncated, table);
+            for (std::int32_t i = 0; i < count; ++i) {
+                const std::int64_t dx = start + i;
+                const std::int64_t square = dx * dx + std::int64_t{dy} * dy;
+                const std::int32_t whole = wholeRoot(square);
+                const bool up = square > std::int64_t{whole} * whole + whole;
+                ASSERT_EQ(truncated[i].bytes, Weight(whole % 251).bytes) << dx << ", " << dy;
+                ASSERT_EQ(nearest[i].bytes, Weight((whole + (up ? 1 : 0)) % 251).bytes) << dx << ", " << dy;
+            }
+        }
+}
+
+}  // namespace
+}  // namespace vantle
