@@ -33,7 +33,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
     shell(
         in("for f in clip.mp4 still.jpg still.png; do head -c $(($(stat -c %s $f) / 2)) $f > half_$f; done;"
            " : > empty.mp4; echo text > text.mp4; mkdir folder; cp clip.mp4 there.mp4;"
-           " mkfifo pipe.mp4; ln -s none.mp4 link.mp4; ln -s round.mp4 round.mp4"));
+           " cp still.png 7.png; mkfifo pipe.mp4; ln -s none.mp4 link.mp4; ln -s round.mp4 round.mp4"));
     const std::set<std::string> before = files();
     struct Case {
         const char* arguments;
@@ -54,6 +54,8 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"round.mp4 clip.mp4 -t 0 -o out.mp4", 1, "round.mp4: Too many levels"},
         {"still.png clip.mp4 -t 0 -o link.mp4", 1, "--force"},
         {"still.png clip.mp4 -t 0 -o ./clip.mp4 --force", 1, "is an input"},
+        {"7.png still.png -t 0 -o %d.png --force", 1, "7.png is an input"},
+        {"still.png 7.png -t 0 --joins 7.png --force", 1, "7.png is an input"},
         {"clip.mp4 clip.mp4 -t 0 -o pipe.mp4 --force", 1, "pipe.mp4 is not a regular file"},
         {"lavfi:nullsrc=s=20000x2:d=1 clip.mp4 -t 0 -o out.mp4", 1, "20000x2"},
         {"lavfi:nonsense clip.mp4 -t 0 -o out.mp4", 1, "lavfi:nonsense: "},

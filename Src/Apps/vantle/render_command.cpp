@@ -25,6 +25,7 @@ extern "C" {
 #include "copying/copy_plan.h"
 #include "operands.h"
 #include "options.h"
+#include "output/picture_writer.h"
 #include "output/writer.h"
 #include "overview/joins.h"
 #include "plan.h"
@@ -67,13 +68,6 @@ struct RenderOptions {
     EncoderNames encoders;
     av::Options encoderOptions;  ///< for a video's encoder, as FFmpeg knows them
 };
-
-/// Throws Error when OUT is what the film is made of, which even --force is not to replace.
-void checkSpared(const std::string& input, const std::string& output) {
-    std::error_code unknown;  // as of what is no file
-    if (std::filesystem::equivalent(input, output, unknown))
-        throw Error(output + " is an input of the film; OUT needs another name");
-}
 
 void checkOptions(const RenderOptions& options, const OutputKind& kind) {
     const bool onePicture = kind.movie == nullptr && !kind.numbered;
@@ -321,6 +315,7 @@ void render(const RenderOptions& options) {
         for (const Shot& shot : sequence.shots) checkSpared(shot.file, asked.output);
         checkSpared(options.music.file, asked.output);
     }
+    for (const Shot& shot : sequence.shots) checkSpared(shot.file, options.joins);
     const Plugin plugin(asked.plugin);
     const auto transitions = transitionsFor(sequence, plugin, seedOf(options, sequence));
 
@@ -336,6 +331,8 @@ void render(const RenderOptions& options) {
         sequence, inputs, transitions, canvas,
         {asked.duration, options.hold.value_or(Time{pictures ? 0.0 : 1.0, false}), options.shrink, numbered},
         notes);
+    for (std::int64_t number = 0; writes && numbered && number <= film.frames(); ++number)
+        for (const Shot& shot : sequence.shots) checkSpared(shot.file, numberedName(asked.output, number));
     const CopyMode mode = copyMode(options, kind, canvas, inputs);
     const std::optional<CopyPlan> copies =
         options.joins.empty() ? planCopies(options, mode, film, notes) : std::nullopt;

@@ -28,6 +28,12 @@ void checkReplaceable(const std::string& name, bool overwrite) {
     if (name != "-" && numberedName(name, 0).empty()) const StagedFile probe(name, overwrite);
 }
 
+void checkSpared(const std::string& input, const std::string& output) {
+    std::error_code unknown;  // as of what is no file
+    if (std::filesystem::equivalent(input, output, unknown))
+        throw Error(output + " is an input; what is written needs another name");
+}
+
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options) {
     return kind.movie != nullptr ? makeMovieWriter(*kind.movie, options) : makePictureWriter(options);
 }

@@ -76,6 +76,9 @@ struct WriterOptions {
 /// Numbered pictures and standard output tell it themselves.
 void checkReplaceable(const std::string& name, bool overwrite);
 
+/// Throws Error when an output is also an input: it would replace what it is made of.
+void checkSpared(const std::string& input, const std::string& output);
+
 /// The writer for an output of a kind.
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options);
 

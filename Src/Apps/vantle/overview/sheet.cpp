@@ -2,11 +2,15 @@
 
 #include <cstdio>
 
+#include "output/writer.h"
+
 namespace vantle {
 
 void drawSheet(const SheetOptions& options) {
     const JoinOptions& asked = options.overview.join;
     checkSheetName(asked.output, asked.force);
+    for (const std::string& input : {options.overview.from, options.overview.to})
+        checkSpared(input, asked.output);
     const std::vector<double> positions = innerPositions(options.form.columns);
     const Overview overview(options.overview, positions, [](Size own) { return own; });
     std::vector<SheetRow> rows;

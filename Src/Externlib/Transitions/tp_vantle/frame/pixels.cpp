@@ -134,7 +134,8 @@ constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
 /// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
 /// The ends of a run are not, and what else is written to its row draws its lines into the cache: a short one
 /// loses.
-bool streams(const Run& run, Fourth fourth, std::int64_t large, std::int32_t shortest = 256) {
+bool streams(const Run& run, Fourth fourth, std::int64_t large) {
+    constexpr std::int32_t shortest = 256;  // pixels
     // What is drawn from what it is drawn over is at hand.
     if (fourth == Fourth::kept && run.kept == run.out) return false;
     return canStream && run.frameBytes >= large && run.count >= shortest && bytesToLine(run.out) % 4 == 0;
