@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <vector>
-
 namespace vantle {
 namespace {
 
@@ -14,10 +11,10 @@ TEST(Distance, IsRoundedRightlyWhereverTheRootLiesClose) {
     const std::int32_t rows[] = {0, 1, 90, 127, 128, 1080, 9001, 23169};
     for (const std::int32_t dy : rows)
         for (const std::int32_t start : {-23169, -4106, -17, 0, 2040, 8000, 16384, 22913}) {
-            std::vector<Weight> nearest(257), truncated(257);
-            const auto count = static_cast<std::int32_t>(nearest.size());
-            weightsByDistance(nearest.data(), start, dy, count, DistanceRounding::nearest, table);
-            weightsByDistance(truncated.data(), start, dy, count, DistanceRounding::truncated, table);
+            constexpr std::int32_t count = 257;
+            Weight nearest[count], truncated[count];
+            weightsByDistance(nearest, start, dy, count, DistanceRounding::nearest, table);
+            weightsByDistance(truncated, start, dy, count, DistanceRounding::truncated, table);
             for (std::int32_t i = 0; i < count; ++i) {
                 const std::int64_t dx = start + i;
                 const std::int64_t square = dx * dx + std::int64_t{dy} * dy;
