@@ -2,9 +2,9 @@
 import os, subprocess, sys, tempfile, time
 
 
-def seconds(full):
-    """How long to make what is `full` seconds long: so long, or by $BENCH_SHRINK shorter, where it is only to be seen
-    that the benchmark runs."""
+def shrunk(full):
+    """How many seconds, or clips: all, or $BENCH_SHRINK times fewer where it is only to be seen that a benchmark
+    runs."""
     return max(3, full // int(os.environ.get('BENCH_SHRINK', '1')))
 
 

@@ -3,7 +3,7 @@ and with vantle copying what does not change: copying.py VANTLE [FOLDER]. Prints
 how near the frames are to their sources outside the join."""
 import subprocess
 
-from clips import clip, run, seconds, show, start
+from clips import clip, run, show, shrunk, start
 
 vantle = start()
 
@@ -19,12 +19,12 @@ def longer(name, times):
     made = f'{times}x{name}'
     run('ffmpeg', '-v', 'error', '-y', '-i', name, '-an', '-c', 'copy', 'silent.mp4')
     run('ffmpeg', '-v', 'error', '-y', '-stream_loop', str(times - 1), '-i', 'silent.mp4', '-f', 'lavfi', '-i',
-        f'sine=f=400:r=48000:d={seconds(180) * times}', '-c:v', 'copy', '-c:a', 'aac', made)
+        f'sine=f=400:r=48000:d={shrunk(180) * times}', '-c:v', 'copy', '-c:a', 'aac', made)
     return made
 
 
 def joined(minutes, all_ways):
-    a, b = (clip(f'3min{i}.mp4', '1920x1080', seconds(180), i) for i in (0, 3))
+    a, b = (clip(f'3min{i}.mp4', '1920x1080', shrunk(180), i) for i in (0, 3))
     if minutes > 3:
         a, b = (longer(name, minutes // 3) for name in (a, b))
     film = [vantle, 'render', '-q', '-f', a, b, '-t', 'Linear Wipe Right', '--duration', '1']
@@ -37,7 +37,7 @@ def joined(minutes, all_ways):
         return
     show(f'all encoded, {length}', *run(*film, '--copy', 'never', '-o', 'encoded.mp4'), 'encoded.mp4')
     print('    PSNR', psnr('encoded.mp4', a), flush=True)
-    graph = f'[0:v][1:v]xfade=duration=1:offset={seconds(60 * minutes) - 1}[v];[0:a][1:a]acrossfade=d=1[a]'
+    graph = f'[0:v][1:v]xfade=duration=1:offset={shrunk(60 * minutes) - 1}[v];[0:a][1:a]acrossfade=d=1[a]'
     show(f'xfade, {length}',
          *run('ffmpeg', '-v', 'error', '-y', '-i', a, '-i', b, '-filter_complex', graph, '-map', '[v]', '-map', '[a]',
               '-c:v', 'libx264', '-crf', '18', '-c:a', 'aac', 'xfade.mp4'), 'xfade.mp4')

@@ -1,9 +1,9 @@
 """Joins the same clips with vantle and with FFmpeg's xfade and acrossfade, with the same encoder settings, and
 then with vantle ever more of them: films.py VANTLE [FOLDER]. Prints wall time and peak memory of each."""
-from clips import clip, run, seconds, show, start
+from clips import clip, run, show, shrunk, start
 
 vantle = start()
-length = seconds(10)
+length = shrunk(10)
 clips = [clip(f'clip{i}.mp4', '1920x1080', length, i) for i in range(10)]
 inputs, graph, video, sound = [], '', '0:v', '0:a'
 for i, name in enumerate(clips):
@@ -21,7 +21,7 @@ for turn in range(2):
               '--encoder-option', 'preset=ultrafast'), 'vantle.mp4')
 
 short = [clip(f'short{i}.mp4', '1280x720', 1, i) for i in range(10)]
-for count in (4, 20, seconds(200)):
+for count in (4, 20, shrunk(200)):
     show(f'vantle, {count} clips of 720p',
          *run(vantle, 'render', '-q', '-f', *(short * (count // 10 + 1))[:count], '-t', 'random', '--seed', '1',
               '--duration', '0.2', '-o', 'many.mp4', '--encoder-option', 'preset=ultrafast'), 'many.mp4')

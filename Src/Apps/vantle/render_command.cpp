@@ -311,11 +311,11 @@ void render(const RenderOptions& options) {
     if (options.sort) sortNaturally(sequence, options.operands);
     if (options.mute)
         for (Shot& shot : sequence.shots) shot.mute = true;
-    if (writes) {
-        for (const Shot& shot : sequence.shots) checkSpared(shot.file, asked.output);
-        checkSpared(options.music.file, asked.output);
-    }
-    for (const Shot& shot : sequence.shots) checkSpared(shot.file, options.joins);
+    const auto spareInputs = [&](const std::string& output) {
+        for (const Shot& shot : sequence.shots) checkSpared(shot.file, output);
+        checkSpared(options.music.file, output);
+    };
+    spareInputs(writes ? asked.output : options.joins);
     const Plugin plugin(asked.plugin);
     const auto transitions = transitionsFor(sequence, plugin, seedOf(options, sequence));
 
@@ -332,7 +332,8 @@ void render(const RenderOptions& options) {
         {asked.duration, options.hold.value_or(Time{pictures ? 0.0 : 1.0, false}), options.shrink, numbered},
         notes);
     for (std::int64_t number = 0; writes && numbered && number <= film.frames(); ++number)
-        for (const Shot& shot : sequence.shots) checkSpared(shot.file, numberedName(asked.output, number));
+        if (const std::string name = numberedName(asked.output, number); std::filesystem::exists(name))
+            spareInputs(name);
     const CopyMode mode = copyMode(options, kind, canvas, inputs);
     const std::optional<CopyPlan> copies =
         options.joins.empty() ? planCopies(options, mode, film, notes) : std::nullopt;
