@@ -53,7 +53,7 @@ TEST(Stage, IsDrawnTheSamePastTheCache) {
                 for (const bool keeps : {true, false}) {
                     Bytes cached = before, room(before.size() + 128, 0xC3);
                     std::uint8_t* const lines = room.data() + vantle::bytesToLine(room.data());
-                    std::uint8_t* const out = lines + (place += 4) % 64;
+                    std::uint8_t* const out = lines + (place += 7) % 64;
                     std::ranges::copy(before, out);
                     const Bytes around = room;
                     const auto stage = [&](std::uint8_t* pixels) {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
+#include "frame/load_each.h"
 #include "frame/multiversion.h"
 
 namespace vantle {
@@ -26,11 +26,6 @@ VANTLE_INLINE std::int32_t distanceOf(std::int32_t square) {
     return distance + (square > highest ? 1 : 0);
 }
 
-template <typename ByteAt, std::int32_t... i>
-VANTLE_INLINE void look(std::uint8_t* found, ByteAt byteAt, std::integer_sequence<std::int32_t, i...>) {
-    ((found[i] = byteAt(i)), ...);
-}
-
 template <DistanceRounding rounding>
 VANTLE_INLINE void look(Weight* weights, std::int32_t dx, std::int32_t dy, std::int32_t count,
                         const DistanceTable& table) {
@@ -45,16 +40,13 @@ VANTLE_INLINE void look(Weight* weights, std::int32_t dx, std::int32_t dy, std::
             const auto square = static_cast<std::int32_t>(std::min(across * across + down, beyond));
             distances[i] = std::min(distanceOf<rounding>(square), last);
         }
-        // Looked up one by one, which is faster than the processor's own gather.
         std::int32_t i = 0;
         for (; i + group <= pixels; i += group) {
-            std::uint8_t found[group];
-            look(
-                found, [&](std::int32_t of) { return weightAt[distances[i + of]]; },
-                std::make_integer_sequence<std::int32_t, group>());
-            for (std::int32_t of = 0; of < group; ++of) weights[first + i + of] = Weight(found[of]);
+            Weight found[group];
+            loadEach(found, [&](std::int32_t of) { return weightAt[distances[i + of]]; });
+            std::copy_n(found, group, weights + first + i);
         }
-        for (; i < pixels; ++i) weights[first + i] = Weight(weightAt[distances[i]]);
+        for (; i < pixels; ++i) weights[first + i] = weightAt[distances[i]];
     }
 }
 
@@ -69,8 +61,8 @@ VANTLE_MULTIVERSION void weightsByDistance(Weight* weights, std::int32_t dx, std
         look<DistanceRounding::truncated>(weights, dx, dy, count, table);
 }
 
-VANTLE_MULTIVERSION void mirror(Weight* middle, std::int32_t count) {
-    for (std::int32_t i = 1; i <= count; ++i) middle[-i] = middle[i];
+VANTLE_MULTIVERSION void mirror(Weight* mirrored, const Weight* weights, std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i) mirrored[i] = weights[count - 1 - i];
 }
 
 std::int32_t wholeRoot(std::int64_t square) {

@@ -7,8 +7,10 @@
 
 #if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define VANTLE_LEVELS 1
 #define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #else
+#define VANTLE_LEVELS 0
 #define VANTLE_MULTIVERSION
 #endif
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "frame/load_each.h"
 #include "frame/multiversion.h"
 #include "frame/streaming.h"
 
@@ -20,7 +21,7 @@ static_assert(std::endian::native == std::endian::little);
 using Word [[gnu::may_alias, gnu::aligned(1)]] = std::uint32_t;  // a pixel
 using Half [[gnu::may_alias, gnu::aligned(1)]] = std::uint16_t;  // two of its bytes: a lane for products
 
-constexpr std::int32_t tilePixels = 256;
+constexpr std::int32_t tilePixels = 128;
 
 // Not templates: the attributes that let these types look at any bytes do not survive as template arguments.
 const Word* words(const void* pixels) { return static_cast<const Word*>(pixels); }
@@ -95,17 +96,20 @@ VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, Weight
     }
 }
 
-/// Mixes tile by tile, so that a fourth byte of another kind is put in while the tile is in the cache.
-template <Divisor divisor, bool whole, typename WeightsFrom>
-VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
+/// Mixes tile by tile, so that weights are spread, and a fourth byte of another kind is put in, while the
+/// tile is in the cache. `lanes(spread, first, count)`: the weights of a tile's lanes, for which there is
+/// room in `spread`.
+template <Divisor divisor, bool whole, typename Lanes>
+VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, Lanes lanes) {
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        const auto weightsAt = weightsFrom(first);
+        alignas(lineBytes) Half spread[2 * tilePixels];
+        const auto weightsAt = lanes(spread, first, tile.count);
         if (fourth == Fourth::mixed) {
             mixHalves<divisor, whole>(halves(tile.out), halves(tile.from), halves(tile.to), weightsAt,
                                       2 * tile.count);
         } else {
-            Half mixed[2 * tilePixels];
+            alignas(lineBytes) Half mixed[2 * tilePixels];
             mixHalves<divisor, whole>(mixed, halves(tile.from), halves(tile.to), weightsAt, 2 * tile.count);
             mergeFourth(tile.out, mixed, fourthOf(tile, fourth), tile.count);
         }
@@ -113,32 +117,27 @@ VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, WeightsFrom weightsFr
 }
 
 /// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0.
-VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
-    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
-        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        std::uint8_t dimmed[4 * tilePixels];
-        std::uint8_t* const out = fourth == Fourth::mixed ? tile.out : dimmed;
-        for (std::int32_t i = 0; i < 4 * tile.count; ++i)
-            out[i] = static_cast<std::uint8_t>(tile.to[i] - (tile.to[i] != 0 ? 1 : 0));
-        if (fourth != Fourth::mixed) mergeFourth(tile.out, dimmed, fourthOf(tile, fourth), tile.count);
+VANTLE_INLINE void dim(Run run, Fourth fourth) {
+    const std::uint8_t* const other = fourth == Fourth::mixed ? run.out : fourthOf(run, fourth);
+    const std::uint32_t written = fourth == Fourth::mixed ? 0xFFFFFFFFU : 0x00FFFFFFU;
+    for (std::int32_t i = 0; i < run.count; ++i) {
+        const std::uint32_t pixel = words(run.to)[i];
+        // The top bit of each byte, whether it is more than 0.
+        const std::uint32_t some = pixel | ((pixel & 0x7F7F7F7FU) + 0x7F7F7F7FU);
+        const std::uint32_t dimmed = pixel - (some >> 7 & 0x01010101U);
+        words(run.out)[i] = (dimmed & written) | (words(other)[i] & ~written);
     }
 }
 
-/// Bytes of a frame from which on it is drawn past the cache: two of this size and a third are more than what
-/// most processors keep at hand.
-constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
-
-/// The same for pixels put together from two frames, which takes no time but memory's.
+/// Bytes of a frame from which on pixels put together from two frames are drawn past the cache, which takes
+/// no time but memory's.
 constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
 
 /// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
-/// The ends of a run are not, and what else is written to its row draws its lines into the cache: a short one
-/// loses.
 bool streams(const Run& run, Fourth fourth, std::int64_t large) {
-    constexpr std::int32_t shortest = 256;  // pixels
     // What is drawn from what it is drawn over is at hand.
     if (fourth == Fourth::kept && run.kept == run.out) return false;
-    return canStream && run.frameBytes >= large && run.count >= shortest && bytesToLine(run.out) % 4 == 0;
+    return canStream && run.frameBytes >= large && run.count >= shortestRun && bytesToLine(run.out) % 4 == 0;
 }
 
 /// The same for a run that is mixed: one that also gets its byte 3 from elsewhere waits for memory.
@@ -146,18 +145,22 @@ bool streamsMixed(const Run& run, Fourth fourth) {
     return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
 }
 
+/// Pixels that are drawn at a time before they are stored past the cache.
+constexpr std::int32_t windowPixels = 64;
+
 /// Draws a run past the cache: line by line with `loop(part, first)`, `first` being the pixel of the run that
 /// the part begins with.
 template <typename Loop>
 VANTLE_INLINE void drawLines(Run run, Loop loop) {
     std::int32_t at = bytesToLine(run.out) / 4;
     loop(tail(run, 0, at), 0);
-    for (; at + linePixels <= run.count; at += linePixels) {
-        alignas(lineBytes) std::uint8_t line[lineBytes];
-        Run part = tail(run, at, linePixels);
-        std::uint8_t* const out = std::exchange(part.out, line);
+    while (run.count - at >= linePixels) {
+        alignas(lineBytes) std::uint8_t lines[4 * windowPixels];
+        Run part = tail(run, at, std::min(windowPixels, (run.count - at) / linePixels * linePixels));
+        std::uint8_t* const out = std::exchange(part.out, lines);
         loop(part, at);
-        streamLine(out, line);
+        streamLines(out, lines, 4 * part.count);
+        at += part.count;
     }
     loop(tail(run, at, run.count - at), at);
 }
@@ -176,41 +179,48 @@ VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
     drawLines(run, [=](const Run& part, std::int32_t) { dim(part, fourth); });
 }
 
-template <Divisor divisor, bool whole, typename WeightsFrom>
-VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, WeightsFrom weightsFrom) {
+template <Divisor divisor, bool whole, typename Lanes>
+VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, Lanes lanes) {
     drawLines(run, [=](const Run& part, std::int32_t begin) {
-        mixTiles<divisor, whole>(part, fourth,
-                                 [=](std::int32_t first) { return weightsFrom(begin + first); });
+        mixTiles<divisor, whole>(part, fourth, [=](Half* spread, std::int32_t first, std::int32_t count) {
+            return lanes(spread, begin + first, count);
+        });
     });
 }
 
 VANTLE_MULTIVERSION void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i)
-        means[i].bytes =
-            (weights[i].bytes & other.bytes) + ((weights[i].bytes ^ other.bytes) >> 1 & 0x7F7F7F7FU);
+    for (std::int32_t i = 0; i < count; ++i) means[i] = static_cast<Weight>((weights[i] + other) >> 1);
 }
 
 VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth fourth) {
     const std::uint8_t* const pixels = pixelsOf(run, colours);
     const std::uint8_t* const other = fourthOf(run, fourth);
     if (pixels == other)  // as where a byte 3 is kept that is the same frame's
-        std::memcpy(run.out, pixels, std::size_t{4} * static_cast<std::size_t>(run.count));
+        copyBytes(run.out, pixels, 4 * run.count, run.frameBytes);
     else if (streams(run, fourth, largeMerge))
         streamColours(run, colours, fourth);
-    else
-        mergeFourth(run.out, pixels, other, run.count);
+    else {
+        const std::int32_t head = run.count < shortestRun ? 0 : bytesToLine(run.out) / 4;
+        mergeFourth(run.out, pixels, other, head);
+        mergeFourth(run.out + 4 * head, pixels + 4 * head, other + 4 * head, run.count - head);
+    }
 }
 
 namespace {
 
+/// A weight once for each of a pixel's bytes.
+VANTLE_INLINE std::uint32_t spreadWeight(Weight weight) { return weight * 0x01010101U; }
+
 auto sameWeight(std::int32_t weight) {
-    return
-        [=](std::int32_t) { return [=](std::int32_t) { return static_cast<std::uint16_t>(257 * weight); }; };
+    return [=](const Half*, std::int32_t, std::int32_t) {
+        return [=](std::int32_t) { return static_cast<std::uint16_t>(257 * weight); };
+    };
 }
 
 auto weightForEach(const Weight* weights) {
-    return [=](std::int32_t first) {
-        return [each = halves(weights + first)](std::int32_t i) -> std::uint16_t { return each[i]; };
+    return [=](Half* spread, std::int32_t first, std::int32_t count) {
+        for (std::int32_t i = 0; i < count; ++i) words(spread)[i] = spreadWeight(weights[first + i]);
+        return [each = static_cast<const Half*>(spread)](std::int32_t i) -> std::uint16_t { return each[i]; };
     };
 }
 
@@ -309,20 +319,13 @@ VANTLE_INLINE void blackenWords(Run run) {
     for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] = words(run.kept)[i] & 0xFF000000U;
 }
 
-template <typename PixelAt, std::int32_t... i>
-VANTLE_INLINE void gatherLine(std::uint32_t* line, std::int32_t first, PixelAt pixelAt,
-                              std::integer_sequence<std::int32_t, i...>) {
-    ((line[i] = pixelAt(first + i)), ...);
-}
-
-/// Pixels from anywhere, sixteen at a time: read one by one, which is faster than the processor's own gather,
-/// and stored as one. `merge(pixelAt(i), i)` is what the output gets.
+/// Pixels from anywhere, sixteen at a time. `merge(pixelAt(i), i)` is what the output gets.
 template <typename PixelAt, typename Merge>
 VANTLE_INLINE void gatherWords(std::uint8_t* out, std::int32_t count, PixelAt pixelAt, Merge merge) {
     std::int32_t first = 0;
     for (; first + linePixels <= count; first += linePixels) {
-        std::uint32_t line[linePixels];
-        gatherLine(line, first, pixelAt, std::make_integer_sequence<std::int32_t, linePixels>());
+        alignas(lineBytes) std::uint32_t line[linePixels];
+        loadEach(line, [=](std::int32_t i) { return pixelAt(first + i); });
         for (std::int32_t i = 0; i < linePixels; ++i) line[i] = merge(line[i], first + i);
         std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
     }
@@ -344,7 +347,12 @@ VANTLE_INLINE void sampleWords(Run run, const std::uint8_t* pixels, const std::i
 }  // namespace
 
 VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
-    mixBytes(run, reinterpret_cast<const std::uint8_t*>(weights));
+    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
+        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
+        alignas(lineBytes) Half spread[2 * tilePixels];
+        for (std::int32_t i = 0; i < tile.count; ++i) words(spread)[i] = spreadWeight(weights[first + i]);
+        mixBytes(tile, reinterpret_cast<const std::uint8_t*>(spread));
+    }
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, float share) {
@@ -398,7 +406,7 @@ VANTLE_MULTIVERSION void sampleFaded(const Run& run, const std::uint8_t* over, c
     const float rest = 1.0F - opacity;
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        std::uint8_t line[4 * tilePixels];
+        alignas(lineBytes) std::uint8_t line[4 * tilePixels];
         gatherWords(line, tile.count, wholePixel(over, columns + first), unchanged);
         const auto* const below = reinterpret_cast<const std::uint8_t*>(under + first);
         for (std::int32_t i = 0; i < 4 * tile.count; ++i) {

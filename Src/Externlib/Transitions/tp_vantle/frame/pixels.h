@@ -33,13 +33,8 @@ struct Run {
     std::int64_t frameBytes;   ///< of the frame that it is part of: large ones are written past the cache
 };
 
-/// The weight of imgTo in one pixel, 0 to 255, in the form in which the loops read it: once for each byte.
-struct Weight {
-    Weight() = default;
-    constexpr explicit Weight(std::int32_t weight)
-        : bytes(static_cast<std::uint32_t>(weight) * 0x01010101U) {}
-    std::uint32_t bytes;
-};
+/// The weight of imgTo in one pixel, 0 to 255.
+using Weight = std::uint8_t;
 
 /// means[i] = half the sum of weights[i] and another, truncated.
 void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count);

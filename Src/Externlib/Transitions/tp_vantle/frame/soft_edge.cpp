@@ -30,7 +30,7 @@ VANTLE_MULTIVERSION bool takeWholeParts(Weight* weights, const double* shares, d
     std::int32_t opens = 0;
     for (std::int32_t i = 0; i < count; ++i) {
         const double share = shares[i];
-        weights[i] = Weight(wholePart(share));
+        weights[i] = static_cast<Weight>(wholePart(share));
         opens += isOpen(share, open) ? 1 : 0;
     }
     return opens > 0;

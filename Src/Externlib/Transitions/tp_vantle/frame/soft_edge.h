@@ -27,19 +27,22 @@ enum class Zone : std::uint8_t { kept, soft, full };
 /// ray, to within 2e-10 radians of the true angle. Not a number at the pivot itself.
 void estimateShares(double* shares, const Ray& ray, std::int32_t x, std::int32_t y, std::int32_t count);
 
-/// The whole parts of shares as weights, 0 for one outside 0 to 256; those that are less than `open` from
-/// another whole part are open. Returns whether any is.
-bool takeWholeParts(Weight* weights, const double* shares, double open, std::int32_t count);
+// Both conditions of these are asked for always: a branch between them would keep loops from vectors.
 
+/// The whole part of a share; 0 of one outside 0 to 256.
 constexpr std::int32_t wholePart(double share) {
     return static_cast<std::int32_t>(static_cast<int>(share >= 0.0) & static_cast<int>(share < 256.0) ? share
                                                                                                       : 0.0);
 }
 
+/// Whether a share is so near a whole number, within `open`, that its whole part may be another.
 constexpr bool isOpen(double share, double open) {
     const double part = share - wholePart(share);
     return (static_cast<int>(part > open) & static_cast<int>(part < 1.0 - open)) == 0;
 }
+
+/// The whole parts of shares, as weights. Returns whether any is open.
+bool takeWholeParts(Weight* weights, const double* shares, double open, std::int32_t count);
 
 /// The whole part of each pixel's exact share, as weights. The exact share, `shareAt(x)`, takes an
 /// arctangent: it is asked for only where the estimate leaves the whole part open.
@@ -54,8 +57,7 @@ void softEdgeWeights(Weight* weights, const Ray& ray, std::int32_t x, std::int32
         estimateShares(shares, ray, x + first, y, pixels);
         if (!takeWholeParts(weights + first, shares, open, pixels)) continue;
         for (std::int32_t i = 0; i < pixels; ++i)
-            if (isOpen(shares[i], open))
-                weights[first + i] = Weight(static_cast<std::int32_t>(shareAt(x + first + i)));
+            if (isOpen(shares[i], open)) weights[first + i] = static_cast<Weight>(shareAt(x + first + i));
     }
 }
 

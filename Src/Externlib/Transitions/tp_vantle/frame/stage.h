@@ -112,7 +112,7 @@ class Row {
     Row& moved(const Row& other, Source source, std::int32_t first, std::int32_t end) {
         const std::uint8_t* const pixels = source == Source::to ? other.to_ : other.from_;
         if (const Run run = next(end); run.count > 0)
-            std::memcpy(run.out, pixels + std::ptrdiff_t{4} * first, static_cast<std::size_t>(4 * run.count));
+            copyBytes(run.out, pixels + std::ptrdiff_t{4} * first, 4 * run.count, frameBytes_);
         return *this;
     }
 
@@ -151,7 +151,7 @@ class Row {
     Row& copy(Source source, std::int32_t endByte) {
         if (endByte > at_) {
             const std::uint8_t* const pixels = source == Source::to ? to_ : from_;
-            std::memcpy(out_ + at_, pixels + at_, static_cast<std::size_t>(endByte - at_));
+            copyBytes(out_ + at_, pixels + at_, endByte - at_, frameBytes_);
             at_ = endByte;
         }
         return *this;
@@ -248,6 +248,9 @@ class Stage {
     /// All rows of the picture, each once, in the order in which memory holds them.
     Rows rows() const;
 
+    /// Rows `first` to `end` - 1 of the picture, as far as it has them, in that order.
+    Rows rows(std::int32_t first, std::int32_t end) const;
+
     /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
     Row row(std::int32_t y) const {
         const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
@@ -285,10 +288,17 @@ class Stage::RowIterator {
 
 struct Stage::Rows {
     const Stage& stage;
-    RowIterator begin() const { return {stage, 0}; }
-    RowIterator end() const { return {stage, stage.height()}; }
+    std::int32_t firstPlace, endPlace;
+    RowIterator begin() const { return {stage, firstPlace}; }
+    RowIterator end() const { return {stage, endPlace}; }
 };
 
-inline Stage::Rows Stage::rows() const { return {*this}; }
+inline Stage::Rows Stage::rows() const { return rows(0, height_); }
+
+inline Stage::Rows Stage::rows(std::int32_t first, std::int32_t end) const {
+    const std::int32_t firstRow = std::clamp(first, 0, height_);
+    const std::int32_t endRow = std::clamp(end, firstRow, height_);
+    return pitch_ < 0 ? Rows{*this, firstRow, endRow} : Rows{*this, height_ - endRow, height_ - firstRow};
+}
 
 }  // namespace vantle

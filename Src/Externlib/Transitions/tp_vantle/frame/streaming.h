@@ -2,9 +2,9 @@
 /// frames are larger than the cache that is a third of the time that two of them take to become one.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VANTLE_STREAMS 1
@@ -12,8 +12,6 @@
 #else
 #define VANTLE_STREAMS 0
 #endif
-
-#include "frame/multiversion.h"
 
 namespace vantle {
 
@@ -29,15 +27,27 @@ inline std::int32_t bytesToLine(const std::uint8_t* address) {
     return static_cast<std::int32_t>(-reinterpret_cast<std::uintptr_t>(address) % lineBytes);
 }
 
-/// Stores a line where one begins.
-VANTLE_INLINE void streamLine(std::uint8_t* out, const std::uint8_t* line) {
-#if VANTLE_STREAMS
-    for (std::size_t at = 0; at < lineBytes; at += sizeof(__m128i))
-        _mm_stream_si128(reinterpret_cast<__m128i*>(out + at),
-                         _mm_load_si128(reinterpret_cast<const __m128i*>(line + at)));
-#else
-    std::copy_n(line, lineBytes, out);
-#endif
+/// Bytes of a frame from which on it is drawn past the cache: two of this size and a third are more than what
+/// most processors keep at hand.
+constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
+
+/// Pixels of the shortest run that is drawn so. The ends of a run are not, and what else is written to its
+/// row draws its lines into the cache: a shorter one loses.
+constexpr std::int32_t shortestRun = 256;
+
+/// Stores lines past the cache, `bytes` in all, from where one begins.
+void streamLines(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes);
+
+/// Copies bytes past the cache, but for the ends that are no whole lines.
+void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
+
+/// Copies bytes of a frame of `frameBytes`, past the cache where that is faster.
+inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count,
+                      std::int64_t frameBytes) {
+    if (canStream && frameBytes >= largeFrame && count >= 4 * shortestRun)
+        streamBytes(out, in, count);
+    else
+        std::memcpy(out, in, static_cast<std::size_t>(count));
 }
 
 /// Has whoever is told of what is stored from here on see what has been streamed.

@@ -54,7 +54,7 @@ void colSplit2(const Stage& stage, const Progress& progress) {
             const bool onLeft = x < width / 2;
             const std::int64_t distance = onLeft ? x : x - width / 2;
             const auto share = static_cast<std::int32_t>(510 * distance / width);
-            weights[x - first] = Weight(onLeft ? 255 - share : share);
+            weights[x - first] = static_cast<Weight>(onLeft ? 255 - share : share);
         }
         for (Row row : stage.rows()) row.skip(first).mix(Divisor::by256, fourth, weights, first, end);
     }
@@ -76,10 +76,10 @@ void crossSplit2(const Stage& stage, const Progress& progress) {
         const std::int32_t end = std::min(first + tileColumns, width);
         Weight acrossRamp[tileColumns];
         for (std::int32_t x = first; x < end; ++x)
-            acrossRamp[x - first] = Weight(ramp(std::abs(x - width / 2), width));
+            acrossRamp[x - first] = static_cast<Weight>(ramp(std::abs(x - width / 2), width));
         for (Row row : stage.rows()) {
             const std::int32_t distance = std::abs(row.y() - height / 2);
-            const Weight downRamp(ramp(distance, height));
+            const auto downRamp = static_cast<Weight>(ramp(distance, height));
             const bool wholeRow = distance < halfRows;
             const std::int32_t left = wholeRow ? first : std::max(width / 2 - halfColumns + 1, first);
             const std::int32_t right = wholeRow ? end : std::min(width / 2 + halfColumns, end);

@@ -27,7 +27,7 @@ struct Profile {
     template <typename WeightAt>
     Profile(Zone innerZone, Zone outerZone, std::int32_t first, std::int32_t end, WeightAt weightAt)
         : inner(innerZone), outer(outerZone), start(std::max(first, 0)), length(std::max(end - start, 0)) {
-        for (std::int32_t i = 0; i < length; ++i) weights[i] = Weight(weightAt(start + i));
+        for (std::int32_t i = 0; i < length; ++i) weights[i] = static_cast<Weight>(weightAt(start + i));
     }
 };
 
