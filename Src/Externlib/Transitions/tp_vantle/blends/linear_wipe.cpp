@@ -53,8 +53,8 @@ void linearWipeLeftRight(const Stage& stage, const Progress& progress) {
     std::int32_t first = gone;
     do {
         const std::int32_t end = std::min(first + tile, kept);
-        Share shares[tile];
-        for (std::int32_t x = first; x < end; ++x) shares[x - first] = Share(ramp.shareAt(x));
+        float shares[tile];
+        for (std::int32_t x = first; x < end; ++x) shares[x - first] = ramp.shareAt(x);
         for (Row row : stage.rows()) {
             if (first == gone)
                 row.to(gone);

@@ -274,37 +274,82 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, con
         mixTiles<Divisor::by256, true>(run, fourth, weightForEach(weights));
 }
 
-void lookUp(const Run& run, Source source, const ByteTable& table) {
-    const std::uint8_t* in = pixelsOf(run, source);
-    std::uint8_t* out = run.out;
-    for (std::int32_t i = 0; i < run.count; ++i, in += 4, out += 4) {
-        out[0] = table[in[0]];
-        out[1] = table[in[1]];
-        out[2] = table[in[2]];
-        out[3] = in[3];
-    }
-}
-
 namespace {
 
 // These take their run by value: what is written might else be the run itself, for all the compiler knows.
 
-template <typename ShareAt>
-VANTLE_INLINE void fadeBytes(Run run, ShareAt shareAt) {
-    for (std::int32_t i = 0; i < 4 * run.count; ++i) {
-        const auto difference = static_cast<float>(run.from[i] - run.to[i]);
-        const float faded = difference * shareAt(i) + static_cast<float>(run.to[i]);
-        run.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(faded));
-    }
+/// Bytes 0 and 1 of a word in single precision above 2^23, as which bits are put below it; the second 256 times
+/// as large, which spares a shift and rounds as it would without.
+VANTLE_INLINE float firstRaised(std::uint32_t word) {
+    return std::bit_cast<float>((word & 0x000000FFU) | 0x4B000000U);
+}
+VANTLE_INLINE float secondRaised(std::uint32_t word) {
+    return std::bit_cast<float>((word & 0x0000FF00U) | 0x4B000000U);
+}
+VANTLE_INLINE float lowered(float raised) { return raised - 0x1p23F; }
+
+/// `blend(a, b)` of each byte of two pixels, given raised: linear, 0 to 255 and truncated.
+template <typename Blend>
+VANTLE_INLINE std::uint32_t blendPixel(std::uint32_t a, std::uint32_t b, Blend blend) {
+    const auto two = [=](std::uint32_t x, std::uint32_t y) {
+        const auto first = static_cast<std::int32_t>(blend(firstRaised(x), firstRaised(y)));
+        const auto second = static_cast<std::int32_t>(blend(secondRaised(x), secondRaised(y)));
+        return static_cast<std::uint32_t>(first | (second & 0xFF00));
+    };
+    return two(a, b) | two(a >> 16, b >> 16) << 16;
 }
 
-VANTLE_INLINE void mixBytes(Run run, const std::uint8_t* weights) {
-    for (std::int32_t i = 0; i < 4 * run.count; ++i) {
-        const auto weight = static_cast<float>(weights[i]);
-        const float to = static_cast<float>(run.to[i]) * weight / 255.0F;
-        const float from = static_cast<float>(run.from[i]) * (255.0F - weight) / 255.0F;
-        run.out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(to + from));
-    }
+template <typename PixelAt>
+VANTLE_INLINE void drawPixels(std::uint8_t* out, std::int32_t first, std::int32_t count, PixelAt pixelAt) {
+    alignas(lineBytes) std::uint32_t line[linePixels];
+    for (std::int32_t i = 0; i < count; ++i) line[i] = pixelAt(first + i);
+    std::memcpy(out + std::ptrdiff_t{4} * first, line, 4 * static_cast<std::size_t>(count));
+}
+
+/// out[i] = pixelAt(i), in lines of sixteen. The last overlaps the one before, so that nothing is left to be drawn
+/// pixel by pixel but runs that are shorter.
+template <typename PixelAt>
+VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt pixelAt) {
+    if (count < linePixels) return drawPixels(out, 0, count, pixelAt);
+    for (std::int32_t first = 0; first + linePixels <= count; first += linePixels)
+        drawPixels(out, first, linePixels, pixelAt);
+    if (count % linePixels != 0) drawPixels(out, count - linePixels, linePixels, pixelAt);
+}
+
+template <typename ShareAt>
+VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
+    drawLinewise(run.out, run.count, [=](std::int32_t i) {
+        return blendPixel(words(run.from)[i], words(run.to)[i], [share = shareAt(i)](float from, float to) {
+            return (from - to) * share + lowered(to);
+        });
+    });
+}
+
+/// A weight of 255ths in two parts: a byte times the first is exact, so that the sum of both products, once
+/// rounded, is what the division gives.
+struct Parts {
+    float first, second;
+    constexpr explicit Parts(float weight) : first(weight * 0x1.01p-8F), second(weight * (0x1p-16F / 255.0F)) {}
+    constexpr float of(float byte) const { return byte * first + byte * second; }
+};
+
+constexpr bool divideAs255ths() {
+    for (std::int32_t weight = 0; weight < 256; ++weight)
+        for (std::int32_t byte = 0; byte < 256; ++byte)
+            if (Parts(static_cast<float>(weight)).of(static_cast<float>(byte)) !=
+                static_cast<float>(byte * weight) / 255.0F)
+                return false;
+    return true;
+}
+static_assert(divideAs255ths());
+
+VANTLE_INLINE void mixWords(Run run, const float* weights) {
+    drawLinewise(run.out, run.count, [=](std::int32_t i) {
+        const Parts ofTo(weights[i]), ofFrom(255.0F - weights[i]);
+        return blendPixel(words(run.from)[i], words(run.to)[i], [=](float from, float to) {
+            return ofTo.of(lowered(to)) + ofFrom.of(lowered(from));
+        });
+    });
 }
 
 VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_t end) {
@@ -349,18 +394,18 @@ VANTLE_INLINE void sampleWords(Run run, const std::uint8_t* pixels, const std::i
 VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        alignas(lineBytes) Half spread[2 * tilePixels];
-        for (std::int32_t i = 0; i < tile.count; ++i) words(spread)[i] = spreadWeight(weights[first + i]);
-        mixBytes(tile, reinterpret_cast<const std::uint8_t*>(spread));
+        float spread[tilePixels];
+        for (std::int32_t i = 0; i < tile.count; ++i) spread[i] = weights[first + i];
+        mixWords(tile, spread);
     }
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, float share) {
-    fadeBytes(run, [=](std::int32_t) { return share; });
+    fadeWords(run, [=](std::int32_t) { return share; });
 }
 
-VANTLE_MULTIVERSION void fade(const Run& run, const Share* shares) {
-    fadeBytes(run, [bytes = shares->bytes](std::int32_t i) { return bytes[i]; });
+VANTLE_MULTIVERSION void fade(const Run& run, const float* shares) {
+    fadeWords(run, [=](std::int32_t i) { return shares[i]; });
 }
 
 VANTLE_MULTIVERSION static void streamBlack(const Run& run) {
@@ -372,6 +417,28 @@ VANTLE_MULTIVERSION void blacken(const Run& run) {
         streamBlack(run);
     else
         blackenWords(run);
+}
+
+VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade) {
+    const std::uint16_t digits = shade.digits, a = shade.less[0], b = shade.less[1], c = shade.less[2];
+    const auto shaded = [=](std::uint16_t byte) {
+        const int lower = (byte == a ? 1 : 0) + (byte == b ? 1 : 0) + (byte == c ? 1 : 0);
+        return static_cast<std::uint16_t>(upperHalf(byte, digits) - lower);
+    };
+    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
+        Run tile = tail(run, first, std::min(tilePixels, run.count - first));
+        tile.kept = pixelsOf(tile, source);
+        if (digits == 0) {
+            blackenWords(tile);
+            continue;
+        }
+        alignas(lineBytes) Half line[2 * tilePixels];
+        for (std::int32_t i = 0; i < 2 * tile.count; ++i) {
+            const std::uint16_t lane = halves(tile.kept)[i];
+            line[i] = static_cast<std::uint16_t>(shaded(lane & 255) | shaded(lane >> 8) << 8);
+        }
+        mergeFourth(tile.out, line, tile.kept, tile.count);
+    }
 }
 
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
@@ -404,17 +471,12 @@ VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, cons
 VANTLE_MULTIVERSION void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* columns,
                                      const std::uint32_t* under, float opacity) {
     const float rest = 1.0F - opacity;
-    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
-        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        alignas(lineBytes) std::uint8_t line[4 * tilePixels];
-        gatherWords(line, tile.count, wholePixel(over, columns + first), unchanged);
-        const auto* const below = reinterpret_cast<const std::uint8_t*>(under + first);
-        for (std::int32_t i = 0; i < 4 * tile.count; ++i) {
-            const float sum = static_cast<float>(line[i]) * opacity + static_cast<float>(below[i]) * rest;
-            line[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(sum));
-        }
-        mergeFourth(tile.out, line, tile.kept, tile.count);
-    }
+    gatherWords(run.out, run.count, wholePixel(over, columns),
+                [=, kept = run.kept](std::uint32_t pixel, std::int32_t i) {
+                    const std::uint32_t faded = blendPixel(
+                        pixel, under[i], [=](float a, float b) { return lowered(a) * opacity + lowered(b) * rest; });
+                    return (faded & 0x00FFFFFFU) | (words(kept)[i] & 0xFF000000U);
+                });
 }
 
 }  // namespace vantle

@@ -52,24 +52,31 @@ void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights);
 /// divided on its own and their sum truncated.
 void mixSingle(const Run& run, const Weight* weights);
 
-/// What becomes of each of bytes 0 to 2.
-using ByteTable = std::array<std::uint8_t, 256>;
-
-/// Bytes 0 to 2 of one frame looked up in a table; byte 3 of the same frame.
-void lookUp(const Run& run, Source source, const ByteTable& table);
-
-/// The share of imgFrom in one pixel, 0 to 1, once for each of its bytes.
-struct Share {
-    Share() = default;
-    explicit Share(float share) : bytes{share, share, share, share} {}
-    float bytes[4];
+/// A factor 0 to 1 for bytes, whose products are truncated.
+struct Shade {
+    /// No integer alone gives what double precision does, in which 0.7 * 90 is less than 63. A factor that
+    /// differs from it in more bytes than there is room for does not compile.
+    constexpr explicit Shade(double factor) {
+        digits = static_cast<std::uint16_t>(factor * 65536.0);
+        if (digits < factor * 65536.0) ++digits;
+        std::size_t lower = 0;
+        for (std::uint32_t byte = 0; byte < 256; ++byte)
+            if ((byte * digits) >> 16 != static_cast<std::uint32_t>(byte * factor))
+                less.at(lower++) = static_cast<std::uint16_t>(byte);
+    }
+    std::uint16_t digits;  ///< of the factor, in 65536ths
+    std::array<std::uint16_t, 3> less{256, 256, 256};  ///< bytes whose product is one less
 };
 
-/// All four bytes (from - to) * share + to in single precision, truncated, with one share for the whole run.
+/// Bytes 0 to 2 of one frame times a factor; byte 3 of the same frame.
+void shade(const Run& run, Source source, const Shade& shade);
+
+/// All four bytes (from - to) * share + to in single precision, truncated, with one share 0 to 1 of imgFrom for
+/// the whole run.
 void fade(const Run& run, float share);
 
 /// The same with a share for each pixel.
-void fade(const Run& run, const Share* shares);
+void fade(const Run& run, const float* shares);
 
 /// Bytes 0 to 2 black; byte 3 kept.
 void blacken(const Run& run);

@@ -75,9 +75,9 @@ class Row {
         return *this;
     }
 
-    /// Bytes 0 to 2 of one input frame looked up in a table, byte 3 as it is.
-    Row& lookedUp(Source source, const ByteTable& table, std::int32_t end) {
-        if (const Run run = next(end); run.count > 0) lookUp(run, source, table);
+    /// Bytes 0 to 2 of one input frame times a factor, byte 3 as it is.
+    Row& shaded(Source source, const Shade& factor, std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) shade(run, source, factor);
         return *this;
     }
 
@@ -88,7 +88,7 @@ class Row {
     }
 
     /// The same with a share for each column; `shares[0]` is that of column `first`.
-    Row& fade(const Share* shares, std::int32_t first, std::int32_t end) {
+    Row& fade(const float* shares, std::int32_t first, std::int32_t end) {
         const std::int32_t skipped = x() - first;
         if (const Run run = next(end); run.count > 0) vantle::fade(run, shares + skipped);
         return *this;

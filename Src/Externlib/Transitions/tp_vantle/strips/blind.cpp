@@ -9,20 +9,11 @@ namespace vantle {
 
 namespace {
 
-constexpr double shades[] = {0.9, 0.8, 0.7, 0.6, 0.6, 0.7, 0.8, 0.9};
+constexpr double factors[] = {0.9, 0.8, 0.7, 0.6, 0.6, 0.7, 0.8, 0.9};
+constexpr Shade shades[] = {Shade{factors[0]}, Shade{factors[1]}, Shade{factors[2]}, Shade{factors[3]},
+                            Shade{factors[4]}, Shade{factors[5]}, Shade{factors[6]}, Shade{factors[7]}};
 
-/// Every byte times a factor, truncated: looked up because no integer arithmetic gives 0.7 * 90 = 62.
-constexpr ByteTable shadedBy(double factor) {
-    ByteTable table{};
-    for (std::size_t value = 0; value < table.size(); ++value)
-        table[value] = static_cast<std::uint8_t>(static_cast<double>(value) * factor);
-    return table;
-}
-
-constexpr ByteTable shadeTables[] = {shadedBy(shades[0]), shadedBy(shades[1]), shadedBy(shades[2]),
-                                     shadedBy(shades[3]), shadedBy(shades[4]), shadedBy(shades[5]),
-                                     shadedBy(shades[6]), shadedBy(shades[7])};
-constexpr ByteTable black{};
+constexpr Shade black{0.0};
 
 }  // namespace
 
@@ -36,19 +27,19 @@ void blind(const Stage& stage, const Progress& progress) {
         row.to(start);
         // On the left of the edge each slat ends in a black gap, on the right it starts with one.
         for (std::int32_t i = 0; i < 4; ++i) {
-            const auto gap = static_cast<std::int32_t>(std::ceil(shades[i] * slat));
-            row.lookedUp(Source::to, shadeTables[i], start + i * slat + gap);
-            row.lookedUp(Source::to, black, start + (i + 1) * slat);
+            const auto gap = static_cast<std::int32_t>(std::ceil(factors[i] * slat));
+            row.shaded(Source::to, shades[i], start + i * slat + gap);
+            row.shaded(Source::to, black, start + (i + 1) * slat);
         }
         // The first column on the right still belongs to the incoming frame.
         if (slat > 0)
-            row.lookedUp(Source::to, black, middle + 1);
+            row.shaded(Source::to, black, middle + 1);
         else
             row.to(middle + 1);
         for (std::int32_t i = 4; i < 8; ++i) {
-            const auto gap = static_cast<std::int32_t>(std::floor(slat - shades[i] * slat)) + 1;
-            row.lookedUp(Source::from, black, start + i * slat + gap);
-            row.lookedUp(Source::from, shadeTables[i], start + (i + 1) * slat);
+            const auto gap = static_cast<std::int32_t>(std::floor(slat - factors[i] * slat)) + 1;
+            row.shaded(Source::from, black, start + i * slat + gap);
+            row.shaded(Source::from, shades[i], start + (i + 1) * slat);
         }
         row.from(width);
     }
