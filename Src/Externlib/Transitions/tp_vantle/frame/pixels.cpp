@@ -278,8 +278,8 @@ namespace {
 
 // These take their run by value: what is written might else be the run itself, for all the compiler knows.
 
-/// Bytes 0 and 1 of a word in single precision above 2^23, as which bits are put below it; the second 256 times
-/// as large, which spares a shift and rounds as it would without.
+/// Bytes 0 and 1 of a word in single precision above 2^23, as which bits are put below it; the second 256
+/// times as large, which spares a shift and rounds as it would without.
 VANTLE_INLINE float firstRaised(std::uint32_t word) {
     return std::bit_cast<float>((word & 0x000000FFU) | 0x4B000000U);
 }
@@ -306,8 +306,8 @@ VANTLE_INLINE void drawPixels(std::uint8_t* out, std::int32_t first, std::int32_
     std::memcpy(out + std::ptrdiff_t{4} * first, line, 4 * static_cast<std::size_t>(count));
 }
 
-/// out[i] = pixelAt(i), in lines of sixteen. The last overlaps the one before, so that nothing is left to be drawn
-/// pixel by pixel but runs that are shorter.
+/// out[i] = pixelAt(i), in lines of sixteen. The last overlaps the one before, so that nothing is left to be
+/// drawn pixel by pixel but runs that are shorter.
 template <typename PixelAt>
 VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt pixelAt) {
     if (count < linePixels) return drawPixels(out, 0, count, pixelAt);
@@ -329,7 +329,8 @@ VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
 /// rounded, is what the division gives.
 struct Parts {
     float first, second;
-    constexpr explicit Parts(float weight) : first(weight * 0x1.01p-8F), second(weight * (0x1p-16F / 255.0F)) {}
+    constexpr explicit Parts(float weight)
+        : first(weight * 0x1.01p-8F), second(weight * (0x1p-16F / 255.0F)) {}
     constexpr float of(float byte) const { return byte * first + byte * second; }
 };
 
@@ -357,6 +358,13 @@ VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_
         // No branch: the order of the ranks has no pattern to foretell.
         const std::uint32_t chosen = ranks[i] < end ? 0xFFFFFFFFU : 0U;
         words(run.out)[i] = (words(run.to)[i] & chosen) | (words(run.from)[i] & ~chosen);
+    }
+}
+
+VANTLE_INLINE void weaveWords(Run run, std::uint32_t woven, const Weight* weights) {
+    for (std::int32_t i = 0; i < run.count; ++i) {
+        const std::uint32_t shown = woven & static_cast<std::uint32_t>(static_cast<std::int8_t>(weights[i]));
+        words(run.out)[i] = (words(run.to)[i] & shown) | (words(run.from)[i] & ~shown);
     }
 }
 
@@ -441,6 +449,18 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
     }
 }
 
+VANTLE_MULTIVERSION static void streamWoven(const Run& run, std::uint32_t woven, const Weight* weights) {
+    drawLines(run, [=](const Run& part, std::int32_t first) { weaveWords(part, woven, weights + first); });
+}
+
+VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weights) {
+    const std::uint32_t woven = fourth == Fourth::mixed ? 0xFFFFFFFFU : 0x00FFFFFFU;
+    if (streams(run, fourth, largeMerge))
+        streamWoven(run, woven, weights);
+    else
+        weaveWords(run, woven, weights);
+}
+
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
     chooseWords(run, ranks, end);
 }
@@ -473,8 +493,9 @@ VANTLE_MULTIVERSION void sampleFaded(const Run& run, const std::uint8_t* over, c
     const float rest = 1.0F - opacity;
     gatherWords(run.out, run.count, wholePixel(over, columns),
                 [=, kept = run.kept](std::uint32_t pixel, std::int32_t i) {
-                    const std::uint32_t faded = blendPixel(
-                        pixel, under[i], [=](float a, float b) { return lowered(a) * opacity + lowered(b) * rest; });
+                    const std::uint32_t faded = blendPixel(pixel, under[i], [=](float a, float b) {
+                        return lowered(a) * opacity + lowered(b) * rest;
+                    });
                     return (faded & 0x00FFFFFFU) | (words(kept)[i] & 0xFF000000U);
                 });
 }

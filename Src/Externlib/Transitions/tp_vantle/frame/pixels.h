@@ -64,15 +64,15 @@ struct Shade {
             if ((byte * digits) >> 16 != static_cast<std::uint32_t>(byte * factor))
                 less.at(lower++) = static_cast<std::uint16_t>(byte);
     }
-    std::uint16_t digits;  ///< of the factor, in 65536ths
+    std::uint16_t digits;                              ///< of the factor, in 65536ths
     std::array<std::uint16_t, 3> less{256, 256, 256};  ///< bytes whose product is one less
 };
 
 /// Bytes 0 to 2 of one frame times a factor; byte 3 of the same frame.
 void shade(const Run& run, Source source, const Shade& shade);
 
-/// All four bytes (from - to) * share + to in single precision, truncated, with one share 0 to 1 of imgFrom for
-/// the whole run.
+/// All four bytes (from - to) * share + to in single precision, truncated, with one share 0 to 1 of imgFrom
+/// for the whole run.
 void fade(const Run& run, float share);
 
 /// The same with a share for each pixel.
@@ -80,6 +80,10 @@ void fade(const Run& run, const float* shares);
 
 /// Bytes 0 to 2 black; byte 3 kept.
 void blacken(const Run& run);
+
+/// Pixels of both frames: of imgTo where its weight is 255, of imgFrom where it is 0; there are no others.
+/// Byte 3 is treated like the other three (`mixed`) or that of imgFrom (`ofFrom`).
+void weave(const Run& run, Fourth fourth, const Weight* weights);
 
 /// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
 void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "frame/pixels.h"
 #include "frame/streaming.h"
@@ -91,6 +92,23 @@ class Row {
     Row& fade(const float* shares, std::int32_t first, std::int32_t end) {
         const std::int32_t skipped = x() - first;
         if (const Run run = next(end); run.count > 0) vantle::fade(run, shares + skipped);
+        return *this;
+    }
+
+    /// Whole pixels, of `shown` where the weight is 255 and of the other frame where it is 0, which is faster
+    /// than short runs; `weights[0]` is that of column `first`.
+    Row& woven(Source shown, const Weight* weights, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
+        Run run = next(end);
+        if (shown == Source::from) std::swap(run.from, run.to);
+        if (run.count > 0) weave(run, Fourth::mixed, weights + skipped);
+        return *this;
+    }
+
+    /// The same of bytes 0 to 2 of imgTo; byte 3 of imgFrom.
+    Row& wovenColours(const Weight* weights, std::int32_t first, std::int32_t end) {
+        const std::int32_t skipped = x() - first;
+        if (const Run run = next(end); run.count > 0) weave(run, Fourth::ofFrom, weights + skipped);
         return *this;
     }
 

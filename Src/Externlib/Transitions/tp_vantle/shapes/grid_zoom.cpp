@@ -1,5 +1,6 @@
 // Grid zooms: in every cell of a grid a centred square grows or shrinks, linearly and by two pixels at a
 // time. Cells start at the left column and the bottom row of the picture.
+#include "frame/columns.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
@@ -22,10 +23,8 @@ struct Squares {
     Squares(std::int32_t cellSide, std::int32_t side)
         : cell(cellSide), first((cellSide - side) / 2), last(first + side) {}
 
-    bool crosses(const Stage& stage, const Row& row) const {
-        const std::int32_t phase = (stage.height() - 1 - row.y()) % cell;
-        return phase >= first && phase <= last;
-    }
+    bool has(std::int32_t place) const { return place % cell >= first && place % cell <= last; }
+    bool crosses(const Stage& stage, const Row& row) const { return has(stage.height() - 1 - row.y()); }
 };
 
 }  // namespace
@@ -36,12 +35,15 @@ void gridZoomIn(const Stage& stage, const Progress& progress) {
     const std::int32_t cell = cellSize(stage);
     const std::int32_t side = truncated(t * cell);
     const Squares squares(cell, side + side % 2);
-    for (Row row : stage.rows()) {
-        if (t >= 0.001 && squares.crosses(stage, row))
-            for (std::int32_t start = 0; start < stage.width(); start += cell)
-                row.from(start + squares.first).toColours(start + squares.last + 1);
-        row.fromRest();
-    }
+    drawColumns(
+        stage, 0, stage.width(), [=](std::int32_t x) { return squares.has(x) ? 255 : 0; },
+        [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            if (t >= 0.001 && squares.crosses(stage, row))
+                row.wovenColours(weights, first, end);
+            else
+                row.from(end);
+            if (end == stage.width()) row.fromRest();
+        });
 }
 
 /// The outgoing frame shrinks into squares, to a pixel each; byte 3 stays but at the very end.
@@ -49,16 +51,19 @@ void gridZoomOut(const Stage& stage, const Progress& progress) {
     const std::int32_t cell = cellSize(stage);
     const std::int32_t side = truncated(cell * progress.linearLeft());
     const Squares squares(cell, side - side % 2);
-    for (Row row : stage.rows()) {
-        if (progress.linear() > 0.999) {
-            row.toRest();
-            continue;
-        }
-        if (squares.crosses(stage, row))
-            for (std::int32_t start = 0; start < stage.width(); start += cell)
-                row.toColours(start + squares.first).from(start + squares.last + 1);
-        row.toColours(stage.width()).fromRest();
+    if (progress.linear() > 0.999) {
+        for (Row row : stage.rows()) row.toRest();
+        return;
     }
+    drawColumns(
+        stage, 0, stage.width(), [=](std::int32_t x) { return squares.has(x) ? 0 : 255; },
+        [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            if (squares.crosses(stage, row))
+                row.wovenColours(weights, first, end);
+            else
+                row.toColours(end);
+            if (end == stage.width()) row.fromRest();
+        });
 }
 
 }  // namespace vantle

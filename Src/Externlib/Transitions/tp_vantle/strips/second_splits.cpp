@@ -3,6 +3,7 @@
 // three have a shape in common and hardly a rule.
 #include <cstdlib>
 
+#include "frame/columns.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
@@ -10,9 +11,6 @@
 namespace vantle {
 
 namespace {
-
-/// Columns whose weights are worked out at a time, to be used in every row.
-constexpr std::int32_t tileColumns = 4096;
 
 /// 0 on the centre line to 255 at half of `size` from it.
 std::int32_t ramp(std::int32_t distance, std::int32_t size) {
@@ -45,19 +43,18 @@ void colSplit2(const Stage& stage, const Progress& progress) {
     const std::int32_t half = truncated(width * (eased < 0.5 ? eased : 1.0 - eased));
     const std::int32_t left = width / 2 - half;
     const std::int32_t right = width / 2 + half;
-    // Columns outside the band first, so that the tiles are those of the band.
     for (Row row : stage.rows()) row.show(outside, left).skip(right).showRest(outside);
-    for (std::int32_t first = left; first < right; first += tileColumns) {
-        const std::int32_t end = std::min(first + tileColumns, right);
-        Weight weights[tileColumns];
-        for (std::int32_t x = first; x < end; ++x) {
+    drawColumns(
+        stage, left, right,
+        [=](std::int32_t x) {
             const bool onLeft = x < width / 2;
             const std::int64_t distance = onLeft ? x : x - width / 2;
             const auto share = static_cast<std::int32_t>(510 * distance / width);
-            weights[x - first] = static_cast<Weight>(onLeft ? 255 - share : share);
-        }
-        for (Row row : stage.rows()) row.skip(first).mix(Divisor::by256, fourth, weights, first, end);
-    }
+            return onLeft ? 255 - share : share;
+        },
+        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            row.mix(Divisor::by256, fourth, weights, first, end);
+        });
 }
 
 /// A cross, growing linearly: the mean of a ramp along the rows and one along the columns. Byte 3 and the
@@ -72,26 +69,21 @@ void crossSplit2(const Stage& stage, const Progress& progress) {
     };
     const std::int32_t halfRows = half(height);
     const std::int32_t halfColumns = half(width);
-    for (std::int32_t first = 0; first < width; first += tileColumns) {
-        const std::int32_t end = std::min(first + tileColumns, width);
-        Weight acrossRamp[tileColumns];
-        for (std::int32_t x = first; x < end; ++x)
-            acrossRamp[x - first] = static_cast<Weight>(ramp(std::abs(x - width / 2), width));
-        for (Row row : stage.rows()) {
+    drawColumns(
+        stage, 0, width, [=](std::int32_t x) { return ramp(std::abs(x - width / 2), width); },
+        [=](Row& row, const Weight* acrossRamp, std::int32_t first, std::int32_t end) {
             const std::int32_t distance = std::abs(row.y() - height / 2);
-            const auto downRamp = static_cast<Weight>(ramp(distance, height));
             const bool wholeRow = distance < halfRows;
             const std::int32_t left = wholeRow ? first : std::max(width / 2 - halfColumns + 1, first);
             const std::int32_t right = wholeRow ? end : std::min(width / 2 + halfColumns, end);
             Weight weights[tileColumns];
             if (left < right)
-                meanWeights(weights + (left - first), acrossRamp + (left - first), downRamp, right - left);
-            row.skip(first)
-                .colours(outside, Fourth::kept, std::min(left, end))
-                .mix(Divisor::by255, Fourth::kept, weights, first, right)
+                meanWeights(weights, acrossRamp + (left - first), static_cast<Weight>(ramp(distance, height)),
+                            right - left);
+            row.colours(outside, Fourth::kept, std::min(left, end))
+                .mix(Divisor::by255, Fourth::kept, weights, left, right)
                 .colours(outside, Fourth::kept, end);
-        }
-    }
+        });
 }
 
 }  // namespace vantle

@@ -1,4 +1,5 @@
 // Shutters: the incoming frame opens through slats that all widen at the same time, linearly.
+#include "frame/columns.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
@@ -27,23 +28,18 @@ Slats evenSlats(std::int32_t height, const Progress& progress) {
     return {size, truncated(progress.linear() * size) & ~1};
 }
 
-/// Runs of the incoming frame at the start of every period, of the outgoing one between them.
-void crossSlats(Row& row, const Slats& slats, std::int32_t width) {
-    for (std::int32_t start = 0; start < width; start += slats.period)
-        row.to(start + slats.open).from(start + slats.period);
-}
-
 }  // namespace
 
 /// Vertical slats. Byte 3 stays that of the outgoing frame.
 void verShutter(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const Slats slats = wideSlats(30.0 * width / 640.0, progress);
-    for (Row row : stage.rows()) {
-        for (std::int32_t start = 0; start < width; start += slats.period)
-            row.toColours(start + slats.open).from(start + slats.period);
-        row.fromRest();
-    }
+    drawColumns(
+        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            row.wovenColours(weights, first, end);
+            if (end == width) row.fromRest();
+        });
 }
 
 /// Horizontal slats. Byte 3 stays that of the outgoing frame.
@@ -57,23 +53,32 @@ void horShutter(const Stage& stage, const Progress& progress) {
 
 /// Slats in both directions: whole pixels of the incoming frame in either.
 void crossShutter1(const Stage& stage, const Progress& progress) {
+    const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
-    for (Row row : stage.rows()) {
-        if (slats.opens(row.y()))
-            row.to(stage.width());
-        else
-            crossSlats(row, slats, stage.width());
-        row.fromRest();
-    }
+    drawColumns(
+        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            if (slats.opens(row.y()))
+                row.to(end);
+            else
+                row.woven(Source::to, weights, first, end);
+            if (end == width) row.fromRest();
+        });
 }
 
 /// Growing squares: whole pixels of the incoming frame where slats in both directions meet.
 void crossShutter2(const Stage& stage, const Progress& progress) {
+    const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
-    for (Row row : stage.rows()) {
-        if (slats.opens(row.y())) crossSlats(row, slats, stage.width());
-        row.fromRest();
-    }
+    drawColumns(
+        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
+            if (slats.opens(row.y()))
+                row.woven(Source::to, weights, first, end);
+            else
+                row.from(end);
+            if (end == width) row.fromRest();
+        });
 }
 
 }  // namespace vantle

@@ -1,23 +1,10 @@
 // Vantles: the incoming frame appears in place in interleaved bands, which grow from opposite edges in turn.
+#include "frame/columns.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
 
 namespace vantle {
-
-namespace {
-
-/// Bands of `size` columns, showing `even` and `odd` in turn, from where the row stands up to column `end`.
-void columnBands(Row& row, std::int32_t size, Source even, Source odd, std::int32_t end) {
-    if (even == odd) {
-        row.show(even, end);
-        return;
-    }
-    for (std::int32_t band = row.x() / size; row.x() < end; ++band)
-        row.show(band % 2 == 0 ? even : odd, std::min((band + 1) * size, end));
-}
-
-}  // namespace
 
 /// Bands of rows: even ones open from the left edge, odd ones from the right.
 void rowVantle(const Stage& stage, const Progress& progress) {
@@ -37,11 +24,16 @@ void colVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t opened = rounded(easeCubic(progress.linear()) * height);
     const auto tenWidths = static_cast<float>(std::int64_t{10} * stage.width());
     const std::int32_t band = std::max(truncated(tenWidths / 640.0F), 1);
-    for (Row row : stage.rows()) {
-        const Source even = row.y() < opened ? Source::to : Source::from;
-        const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
-        columnBands(row, band, even, odd, stage.width());
-    }
+    drawColumns(
+        stage, 0, stage.width(), [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
+        [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
+            const Source even = row.y() < opened ? Source::to : Source::from;
+            const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
+            if (even == odd)
+                row.show(even, end);
+            else
+                row.woven(even, evenBands, first, end);
+        });
 }
 
 /// Both at once, in bands of ten pixels: a pixel that either pattern has reached shows the incoming frame.
@@ -51,15 +43,23 @@ void crossVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
     const std::int32_t openedColumns = progress.easedSize(width);
     const std::int32_t openedRows = progress.easedSize(height);
-    for (Row row : stage.rows()) {
-        const Source even = row.y() < openedRows ? Source::to : Source::from;
-        const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
-        const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
-        columnBands(row, band, even, odd, left);
-        row.to(left + openedColumns);
-        columnBands(row, band, even, odd, width);
-        row.fromRest();
-    }
+    drawColumns(
+        stage, 0, width, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
+        [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
+            const Source even = row.y() < openedRows ? Source::to : Source::from;
+            const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
+            const auto bands = [&](std::int32_t bandsEnd) {
+                if (even == odd)
+                    row.show(even, bandsEnd);
+                else
+                    row.woven(even, evenBands, first, bandsEnd);
+            };
+            const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
+            bands(std::min(left, end));
+            row.to(std::min(left + openedColumns, end));
+            bands(end);
+            if (end == width) row.fromRest();
+        });
 }
 
 }  // namespace vantle
