@@ -250,7 +250,7 @@ static void showWhole(const Run& run, Source source, Fourth fourth) {
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
-        if (fourth != Fourth::mixed && streamsMixed(run, fourth))  // one frame alone is no faster so
+        if (streamsMixed(run, fourth))
             streamDimmed(run, fourth);
         else
             dim(run, fourth);
@@ -461,8 +461,15 @@ VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weig
         weaveWords(run, woven, weights);
 }
 
+VANTLE_MULTIVERSION static void streamChosen(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
+    drawLines(run, [=](const Run& part, std::int32_t first) { chooseWords(part, ranks + first, end); });
+}
+
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
-    chooseWords(run, ranks, end);
+    if (streams(run, Fourth::mixed, largeMerge))
+        streamChosen(run, ranks, end);
+    else
+        chooseWords(run, ranks, end);
 }
 
 VANTLE_MULTIVERSION void pick(const Run& run, const std::uint8_t* pixels, const std::ptrdiff_t* offsets) {
