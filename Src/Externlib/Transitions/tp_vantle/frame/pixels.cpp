@@ -8,6 +8,7 @@
 
 #include "frame/load_each.h"
 #include "frame/multiversion.h"
+#include "frame/single_precision.h"
 #include "frame/streaming.h"
 
 namespace vantle {
@@ -129,8 +130,8 @@ VANTLE_INLINE void dim(Run run, Fourth fourth) {
     }
 }
 
-/// Bytes of a frame from which on pixels put together from two frames are drawn past the cache, which takes
-/// no time but memory's.
+/// Bytes of a frame from which on pixels of two frames that are not mixed are drawn past the cache: that
+/// takes no time but memory's.
 constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
 
 /// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
@@ -146,10 +147,10 @@ bool streamsMixed(const Run& run, Fourth fourth) {
 }
 
 /// Pixels that are drawn at a time before they are stored past the cache.
-constexpr std::int32_t windowPixels = 64;
+constexpr std::int32_t windowPixels = 128;
 
-/// Draws a run past the cache: line by line with `loop(part, first)`, `first` being the pixel of the run that
-/// the part begins with.
+/// Draws a run past the cache: the window's lines with `loop(part, first)`, `first` being the pixel of the
+/// run that the part begins with, and its ends in place.
 template <typename Loop>
 VANTLE_INLINE void drawLines(Run run, Loop loop) {
     std::int32_t at = bytesToLine(run.out) / 4;
@@ -250,7 +251,7 @@ static void showWhole(const Run& run, Source source, Fourth fourth) {
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
-        if (streamsMixed(run, fourth))
+        if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
             streamDimmed(run, fourth);
         else
             dim(run, fourth);
@@ -278,27 +279,6 @@ namespace {
 
 // These take their run by value: what is written might else be the run itself, for all the compiler knows.
 
-/// Bytes 0 and 1 of a word in single precision above 2^23, as which bits are put below it; the second 256
-/// times as large, which spares a shift and rounds as it would without.
-VANTLE_INLINE float firstRaised(std::uint32_t word) {
-    return std::bit_cast<float>((word & 0x000000FFU) | 0x4B000000U);
-}
-VANTLE_INLINE float secondRaised(std::uint32_t word) {
-    return std::bit_cast<float>((word & 0x0000FF00U) | 0x4B000000U);
-}
-VANTLE_INLINE float lowered(float raised) { return raised - 0x1p23F; }
-
-/// `blend(a, b)` of each byte of two pixels, given raised: linear, 0 to 255 and truncated.
-template <typename Blend>
-VANTLE_INLINE std::uint32_t blendPixel(std::uint32_t a, std::uint32_t b, Blend blend) {
-    const auto two = [=](std::uint32_t x, std::uint32_t y) {
-        const auto first = static_cast<std::int32_t>(blend(firstRaised(x), firstRaised(y)));
-        const auto second = static_cast<std::int32_t>(blend(secondRaised(x), secondRaised(y)));
-        return static_cast<std::uint32_t>(first | (second & 0xFF00));
-    };
-    return two(a, b) | two(a >> 16, b >> 16) << 16;
-}
-
 template <typename PixelAt>
 VANTLE_INLINE void drawPixels(std::uint8_t* out, std::int32_t first, std::int32_t count, PixelAt pixelAt) {
     alignas(lineBytes) std::uint32_t line[linePixels];
@@ -324,25 +304,6 @@ VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
         });
     });
 }
-
-/// A weight of 255ths in two parts: a byte times the first is exact, so that the sum of both products, once
-/// rounded, is what the division gives.
-struct Parts {
-    float first, second;
-    constexpr explicit Parts(float weight)
-        : first(weight * 0x1.01p-8F), second(weight * (0x1p-16F / 255.0F)) {}
-    constexpr float of(float byte) const { return byte * first + byte * second; }
-};
-
-constexpr bool divideAs255ths() {
-    for (std::int32_t weight = 0; weight < 256; ++weight)
-        for (std::int32_t byte = 0; byte < 256; ++byte)
-            if (Parts(static_cast<float>(weight)).of(static_cast<float>(byte)) !=
-                static_cast<float>(byte * weight) / 255.0F)
-                return false;
-    return true;
-}
-static_assert(divideAs255ths());
 
 VANTLE_INLINE void mixWords(Run run, const float* weights) {
     drawLinewise(run.out, run.count, [=](std::int32_t i) {
