@@ -5,13 +5,16 @@
 
 #include <cstdlib>  // any header of the C library tells whether it is glibc
 
+// VANTLE_BASE_LEVEL: for the one of functions of a name that is written for each level by hand.
 #if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VANTLE_LEVELS 1
 #define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
+#define VANTLE_BASE_LEVEL __attribute__((target("default")))
 #else
 #define VANTLE_LEVELS 0
 #define VANTLE_MULTIVERSION
+#define VANTLE_BASE_LEVEL
 #endif
 
 /// For what such a function is made of: a helper that is not compiled into it would be one for any processor.

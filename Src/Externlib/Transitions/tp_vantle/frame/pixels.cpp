@@ -119,14 +119,18 @@ VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, Lanes lanes) {
 
 /// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0.
 VANTLE_INLINE void dim(Run run, Fourth fourth) {
-    const std::uint8_t* const other = fourth == Fourth::mixed ? run.out : fourthOf(run, fourth);
-    const std::uint32_t written = fourth == Fourth::mixed ? 0xFFFFFFFFU : 0x00FFFFFFU;
+    if (fourth == Fourth::mixed) {
+        for (std::int32_t i = 0; i < 4 * run.count; ++i)
+            run.out[i] = static_cast<std::uint8_t>(run.to[i] - (run.to[i] != 0 ? 1 : 0));
+        return;
+    }
+    const std::uint8_t* const other = fourthOf(run, fourth);
     for (std::int32_t i = 0; i < run.count; ++i) {
         const std::uint32_t pixel = words(run.to)[i];
         // The top bit of each byte, whether it is more than 0.
         const std::uint32_t some = pixel | ((pixel & 0x7F7F7F7FU) + 0x7F7F7F7FU);
         const std::uint32_t dimmed = pixel - (some >> 7 & 0x01010101U);
-        words(run.out)[i] = (dimmed & written) | (words(other)[i] & ~written);
+        words(run.out)[i] = (dimmed & 0x00FFFFFFU) | (words(other)[i] & 0xFF000000U);
     }
 }
 
@@ -170,10 +174,16 @@ VANTLE_INLINE void drawLines(Run run, Loop loop) {
 
 // Each loop that draws past the cache is a function of its own, so that the other one stays as it is.
 
-VANTLE_MULTIVERSION static void streamColours(const Run& run, Source colours, Fourth fourth) {
-    drawLines(run, [=](const Run& part, std::int32_t) {
+static void streamColours(const Run& run, Source colours, Fourth fourth) {
+    const std::int32_t first = bytesToLine(run.out) / 4;
+    const std::int32_t end = first + (run.count - first) / linePixels * linePixels;
+    const auto merge = [&](const Run& part) {
         mergeFourth(part.out, pixelsOf(part, colours), fourthOf(part, fourth), part.count);
-    });
+    };
+    merge(tail(run, 0, first));
+    const Run lines = tail(run, first, end - first);
+    streamMerged(lines.out, pixelsOf(lines, colours), fourthOf(lines, fourth), 4 * lines.count);
+    merge(tail(run, end, run.count - end));
 }
 
 VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {

@@ -12,36 +12,70 @@ namespace vantle {
 
 namespace {
 
-#if VANTLE_STREAMS
+constexpr std::int32_t colourBits = 0x00FFFFFF;
+
+#if VANTLE_LEVELS
 
 // By wide stores where there are any: narrow ones fill the processor's queue of stores, and what is to be
 // loaded after them waits.
 
-#if VANTLE_LEVELS
-__attribute__((target("arch=x86-64-v3"))) void store(std::uint8_t* out, const std::uint8_t* in,
-                                                     std::int32_t bytes) {
-    for (std::size_t at = 0; at < static_cast<std::size_t>(bytes); at += sizeof(__m256i))
-        _mm256_stream_si256(reinterpret_cast<__m256i*>(out + at),
-                            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + at)));
+__attribute__((target("arch=x86-64-v3"))) __m256i wide(const std::uint8_t* in) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
 }
 
-__attribute__((target("default")))
+__attribute__((target("arch=x86-64-v3"))) void store(std::uint8_t* out, const std::uint8_t* in,
+                                                     std::int32_t bytes) {
+    for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m256i))
+        _mm256_stream_si256(reinterpret_cast<__m256i*>(out + at), wide(in + at));
+}
+
+__attribute__((target("arch=x86-64-v3"))) void merge(std::uint8_t* out, const std::uint8_t* colours,
+                                                     const std::uint8_t* fourth, std::int32_t bytes) {
+    const __m256i mask = _mm256_set1_epi32(colourBits);
+    for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m256i))
+        _mm256_stream_si256(reinterpret_cast<__m256i*>(out + at),
+                            _mm256_or_si256(_mm256_and_si256(mask, wide(colours + at)),
+                                            _mm256_andnot_si256(mask, wide(fourth + at))));
+}
+
 #endif
-void store(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes) {
-    for (std::size_t at = 0; at < static_cast<std::size_t>(bytes); at += sizeof(__m128i))
+
+#if VANTLE_STREAMS
+
+__m128i narrow(const std::uint8_t* in) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(in)); }
+
+VANTLE_BASE_LEVEL void store(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes) {
+    for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m128i))
+        _mm_stream_si128(reinterpret_cast<__m128i*>(out + at), narrow(in + at));
+}
+
+VANTLE_BASE_LEVEL void merge(std::uint8_t* out, const std::uint8_t* colours, const std::uint8_t* fourth,
+                             std::int32_t bytes) {
+    const __m128i mask = _mm_set1_epi32(colourBits);
+    for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m128i))
         _mm_stream_si128(reinterpret_cast<__m128i*>(out + at),
-                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at)));
+                         _mm_or_si128(_mm_and_si128(mask, narrow(colours + at)),
+                                      _mm_andnot_si128(mask, narrow(fourth + at))));
 }
 
 #else
 
 void store(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes) { std::copy_n(in, bytes, out); }
 
+void merge(std::uint8_t* out, const std::uint8_t* colours, const std::uint8_t* fourth, std::int32_t bytes) {
+    for (std::int32_t i = 0; i < bytes; ++i) out[i] = i % 4 == 3 ? fourth[i] : colours[i];
+}
+
 #endif
 
 }  // namespace
 
 void streamLines(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes) { store(out, in, bytes); }
+
+void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uint8_t* fourth,
+                  std::int32_t bytes) {
+    merge(out, colours, fourth, bytes);
+}
 
 void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
     const std::int32_t before = std::min(bytesToLine(out), count);

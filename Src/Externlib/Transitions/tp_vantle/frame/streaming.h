@@ -38,6 +38,10 @@ constexpr std::int32_t shortestRun = 256;
 /// Stores lines past the cache, `bytes` in all, from where one begins.
 void streamLines(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes);
 
+/// The same of bytes 0 to 2 of one pixel and byte 3 of another.
+void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uint8_t* fourth,
+                  std::int32_t bytes);
+
 /// Copies bytes past the cache, but for the ends that are no whole lines.
 void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
 
