@@ -1,6 +1,8 @@
 // Effects drawn without a host, on frames in either order of rows.
 #include "frame/stage.h"
 
+#include <string_view>
+
 #include "blends/dissolve.h"
 #include "catalogue/effects.h"
 #include "frames.h"
@@ -68,4 +70,26 @@ TEST(Stage, IsDrawnTheSamePastTheCache) {
                     EXPECT_EQ(room, around) << function << " writes outside its frame";
                 }
     }
+}
+
+// As some hosts have it. What moves pixels cannot be.
+TEST(Stage, MayBeDrawnOverAnInput) {
+    const auto moves = [](std::string_view function) {
+        return function == "TrRowCosSlide" || function == "TrTopple" || function == "TrTwrl" ||
+               function == "TrZoom";
+    };
+    for (const Geometry& g : {Geometry{301, 23, 1204}, {700, 40, 2812}})
+        for (const auto& [function, draw] : effects)
+            for (const double position : {0.1, 0.505, 0.9})
+                for (const bool overTo : {false, true}) {
+                    if (moves(function)) continue;
+                    const Bytes from = contentOf(g, 0), to = contentOf(g, 1);
+                    Bytes beside = overTo ? to : from, over = beside;
+                    draw({g.width, g.height, g.pitch, beside.data(), from.data(), to.data()},
+                         {1.0, position});
+                    draw({g.width, g.height, g.pitch, over.data(), overTo ? from.data() : over.data(),
+                          overTo ? over.data() : to.data()},
+                         {1.0, position});
+                    EXPECT_EQ(over, beside) << function << " at " << position;
+                }
 }

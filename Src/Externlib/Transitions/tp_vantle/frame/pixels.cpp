@@ -211,6 +211,7 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
     else if (streams(run, fourth, largeMerge))
         streamColours(run, colours, fourth);
     else {
+        // Loads and stores that lie across two lines each take twice as long.
         const std::int32_t head = run.count < shortestRun ? 0 : bytesToLine(run.out) / 4;
         mergeFourth(run.out, pixels, other, head);
         mergeFourth(run.out + 4 * head, pixels + 4 * head, other + 4 * head, run.count - head);
@@ -261,6 +262,7 @@ static void showWhole(const Run& run, Source source, Fourth fourth) {
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
+        // With another frame's byte 3 it is put together from two, more than it is mixed.
         if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
             streamDimmed(run, fourth);
         else
@@ -289,21 +291,24 @@ namespace {
 
 // These take their run by value: what is written might else be the run itself, for all the compiler knows.
 
-template <typename PixelAt>
-VANTLE_INLINE void drawPixels(std::uint8_t* out, std::int32_t first, std::int32_t count, PixelAt pixelAt) {
-    alignas(lineBytes) std::uint32_t line[linePixels];
-    for (std::int32_t i = 0; i < count; ++i) line[i] = pixelAt(first + i);
-    std::memcpy(out + std::ptrdiff_t{4} * first, line, 4 * static_cast<std::size_t>(count));
-}
-
-/// out[i] = pixelAt(i), in lines of sixteen. The last overlaps the one before, so that nothing is left to be
-/// drawn pixel by pixel but runs that are shorter.
+/// out[i] = pixelAt(i), in lines of sixteen: nothing is left to be drawn pixel by pixel but runs that are
+/// shorter. The last line overlaps the one before, and is worked out before any is stored: a host may have a
+/// frame drawn over one of its inputs.
 template <typename PixelAt>
 VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt pixelAt) {
-    if (count < linePixels) return drawPixels(out, 0, count, pixelAt);
-    for (std::int32_t first = 0; first + linePixels <= count; first += linePixels)
-        drawPixels(out, first, linePixels, pixelAt);
-    if (count % linePixels != 0) drawPixels(out, count - linePixels, linePixels, pixelAt);
+    if (count < linePixels) {
+        for (std::int32_t i = 0; i < count; ++i) words(out)[i] = pixelAt(i);
+        return;
+    }
+    const std::int32_t last = count - linePixels;
+    alignas(lineBytes) std::uint32_t lastLine[linePixels];
+    for (std::int32_t i = 0; i < linePixels; ++i) lastLine[i] = pixelAt(last + i);
+    for (std::int32_t first = 0; first < last; first += linePixels) {
+        alignas(lineBytes) std::uint32_t line[linePixels];
+        for (std::int32_t i = 0; i < linePixels; ++i) line[i] = pixelAt(first + i);
+        std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
+    }
+    std::memcpy(out + std::ptrdiff_t{4} * last, lastLine, sizeof lastLine);
 }
 
 template <typename ShareAt>

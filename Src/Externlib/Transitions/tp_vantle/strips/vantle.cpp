@@ -6,6 +6,19 @@
 
 namespace vantle {
 
+namespace {
+
+/// Bands of columns that show `even` and `odd` in turn, up to column `end`.
+void showBands(Row& row, Source even, Source odd, const Weight* evenBands, std::int32_t first,
+               std::int32_t end) {
+    if (even == odd)
+        row.show(even, end);
+    else
+        row.woven(even, evenBands, first, end);
+}
+
+}  // namespace
+
 /// Bands of rows: even ones open from the left edge, odd ones from the right.
 void rowVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t opened = progress.easedSize(stage.width());
@@ -29,10 +42,7 @@ void colVantle(const Stage& stage, const Progress& progress) {
         [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
             const Source even = row.y() < opened ? Source::to : Source::from;
             const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
-            if (even == odd)
-                row.show(even, end);
-            else
-                row.woven(even, evenBands, first, end);
+            showBands(row, even, odd, evenBands, first, end);
         });
 }
 
@@ -48,16 +58,10 @@ void crossVantle(const Stage& stage, const Progress& progress) {
         [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
             const Source even = row.y() < openedRows ? Source::to : Source::from;
             const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
-            const auto bands = [&](std::int32_t bandsEnd) {
-                if (even == odd)
-                    row.show(even, bandsEnd);
-                else
-                    row.woven(even, evenBands, first, bandsEnd);
-            };
             const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
-            bands(std::min(left, end));
+            showBands(row, even, odd, evenBands, first, std::min(left, end));
             row.to(std::min(left + openedColumns, end));
-            bands(end);
+            showBands(row, even, odd, evenBands, first, end);
             if (end == width) row.fromRest();
         });
 }
