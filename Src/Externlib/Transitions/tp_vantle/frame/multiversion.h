@@ -19,3 +19,5 @@
 
 /// For what such a function is made of: a helper that is not compiled into it would be one for any processor.
 #define VANTLE_INLINE [[gnu::always_inline]] inline
+/// The same for a lambda, where it stands behind the parameters.
+#define VANTLE_INLINED __attribute__((always_inline))

@@ -34,14 +34,27 @@ const std::uint8_t* pixelsOf(const Run& run, Source source) {
     return source == Source::to ? run.to : run.from;
 }
 
-const std::uint8_t* fourthOf(const Run& run, Fourth fourth) {
-    if (fourth == Fourth::kept) return run.kept;
-    return fourth == Fourth::ofTo ? run.to : run.from;
+/// The frame that a byte 3 comes from.
+auto frameOf(Fourth fourth) {
+    if (fourth == Fourth::kept) return &Run::kept;
+    return fourth == Fourth::ofTo ? &Run::to : &Run::from;
 }
+
+const std::uint8_t* fourthOf(const Run& run, Fourth fourth) { return run.*frameOf(fourth); }
 
 Run tail(const Run& run, std::int32_t first, std::int32_t count) {
     const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
-    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count, run.frameBytes};
+    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count,
+            run.ahead,        run.frameBytes};
+}
+
+/// While a tile is computed, has the same one of the next row brought into the cache, of frames such as
+/// `&Run::from`. What takes no time but memory's gains nothing by it, nor do parts of tiles.
+template <typename... Frame>
+VANTLE_INLINE void fetchNext(const Run& tile, Frame... frame) {
+    if (tile.ahead == 0) return;
+    for (std::ptrdiff_t at = tile.ahead; at < tile.ahead + 4 * tile.count; at += lineBytes)
+        (fetchLine(tile.*frame + at), ...);
 }
 
 /// Bytes 0 to 2 of one pixel and byte 3 of another. `out` may be either.
@@ -78,8 +91,8 @@ VANTLE_INLINE std::uint16_t mixHalf(std::uint16_t from, std::uint16_t to, std::u
     return static_cast<std::uint16_t>(low | high << 8);
 }
 
-/// `weightsAt(i)`: the weight of lane i, twice. `whole`: whether some may be 0 or 255.
-template <Divisor divisor, bool whole, typename WeightsAt>
+/// `weightsAt(i)`: the weight of lane i, twice. `each`: whether they differ, and some may be 0 or 255.
+template <Divisor divisor, bool each, typename WeightsAt>
 VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, WeightsAt weightsAt,
                              std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) {
@@ -88,7 +101,7 @@ VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, Weight
         const std::uint16_t t = to[i];
         std::uint16_t mixed = mixHalf<divisor>(f, t, weights);
         // Their factors being 0 and 1, nothing has been mixed of these yet.
-        if constexpr (divisor == Divisor::by255 && whole) {
+        if constexpr (divisor == Divisor::by255 && each) {
             const auto allFrom = static_cast<std::uint16_t>(-static_cast<int>(weights == 0));
             const auto allTo = static_cast<std::uint16_t>(-static_cast<int>(weights == 0xFFFF));
             mixed = static_cast<std::uint16_t>(mixed | (f & allFrom) | (t & allTo));
@@ -97,21 +110,37 @@ VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, Weight
     }
 }
 
+/// Draws a run in place, tile by tile where `frames` of the next row are fetched. `loop(part, first)` draws
+/// part of it, `first` being the pixel of the run that the part begins with.
+template <typename Loop, typename... Frame>
+VANTLE_INLINE void drawTiles(Run run, Loop loop, Frame... frames) {
+    const std::int32_t step = run.ahead == 0 ? run.count : tilePixels;
+    for (std::int32_t first = 0; first < run.count; first += step) {
+        const Run tile = tail(run, first, std::min(step, run.count - first));
+        fetchNext(tile, frames...);
+        loop(tile, first);
+    }
+}
+
 /// Mixes tile by tile, so that weights are spread, and a fourth byte of another kind is put in, while the
 /// tile is in the cache. `lanes(spread, first, count)`: the weights of a tile's lanes, for which there is
 /// room in `spread`.
-template <Divisor divisor, bool whole, typename Lanes>
+template <Divisor divisor, bool each, typename Lanes>
 VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, Lanes lanes) {
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
+        if (each && run.count >= tilePixels) {
+            fetchNext(tile, &Run::from, &Run::to);
+            if (fourth == Fourth::kept) fetchNext(tile, &Run::kept);
+        }
         alignas(lineBytes) Half spread[2 * tilePixels];
         const auto weightsAt = lanes(spread, first, tile.count);
         if (fourth == Fourth::mixed) {
-            mixHalves<divisor, whole>(halves(tile.out), halves(tile.from), halves(tile.to), weightsAt,
-                                      2 * tile.count);
+            mixHalves<divisor, each>(halves(tile.out), halves(tile.from), halves(tile.to), weightsAt,
+                                     2 * tile.count);
         } else {
             alignas(lineBytes) Half mixed[2 * tilePixels];
-            mixHalves<divisor, whole>(mixed, halves(tile.from), halves(tile.to), weightsAt, 2 * tile.count);
+            mixHalves<divisor, each>(mixed, halves(tile.from), halves(tile.to), weightsAt, 2 * tile.count);
             mergeFourth(tile.out, mixed, fourthOf(tile, fourth), tile.count);
         }
     }
@@ -150,18 +179,16 @@ bool streamsMixed(const Run& run, Fourth fourth) {
     return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
 }
 
-/// Pixels that are drawn at a time before they are stored past the cache.
-constexpr std::int32_t windowPixels = 128;
-
-/// Draws a run past the cache: the window's lines with `loop(part, first)`, `first` being the pixel of the
-/// run that the part begins with, and its ends in place.
-template <typename Loop>
-VANTLE_INLINE void drawLines(Run run, Loop loop) {
+/// The same past the cache: a tile of whole lines is drawn and then stored. The run's ends are drawn in
+/// place.
+template <typename Loop, typename... Frame>
+VANTLE_INLINE void drawLines(Run run, Loop loop, Frame... frames) {
     std::int32_t at = bytesToLine(run.out) / 4;
     loop(tail(run, 0, at), 0);
     while (run.count - at >= linePixels) {
-        alignas(lineBytes) std::uint8_t lines[4 * windowPixels];
-        Run part = tail(run, at, std::min(windowPixels, (run.count - at) / linePixels * linePixels));
+        alignas(lineBytes) std::uint8_t lines[4 * tilePixels];
+        Run part = tail(run, at, std::min(tilePixels, (run.count - at) / linePixels * linePixels));
+        fetchNext(part, frames...);
         std::uint8_t* const out = std::exchange(part.out, lines);
         loop(part, at);
         streamLines(out, lines, 4 * part.count);
@@ -187,15 +214,18 @@ static void streamColours(const Run& run, Source colours, Fourth fourth) {
 }
 
 VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
-    drawLines(run, [=](const Run& part, std::int32_t) { dim(part, fourth); });
+    drawLines(
+        run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); }, &Run::to,
+        frameOf(fourth));
 }
 
-template <Divisor divisor, bool whole, typename Lanes>
+template <Divisor divisor, bool each, typename Lanes>
 VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, Lanes lanes) {
-    drawLines(run, [=](const Run& part, std::int32_t begin) {
-        mixTiles<divisor, whole>(part, fourth, [=](Half* spread, std::int32_t first, std::int32_t count) {
+    drawLines(run, [=](const Run& part, std::int32_t begin) VANTLE_INLINED {
+        const auto partLanes = [=](Half* spread, std::int32_t first, std::int32_t count) {
             return lanes(spread, begin + first, count);
-        });
+        };
+        mixTiles<divisor, each>(part, fourth, partLanes);
     });
 }
 
@@ -266,7 +296,9 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
         if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
             streamDimmed(run, fourth);
         else
-            dim(run, fourth);
+            drawTiles(
+                run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); }, &Run::to,
+                &Run::out);
     } else if (divisor == Divisor::by255 && weight % 255 == 0) {
         showWhole(run, weight == 0 ? Source::from : Source::to, fourth);
     } else if (streamsMixed(run, fourth)) {
@@ -295,7 +327,9 @@ namespace {
 /// shorter. The last line overlaps the one before, and is worked out before any is stored: a host may have a
 /// frame drawn over one of its inputs.
 template <typename PixelAt>
-VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt pixelAt) {
+VANTLE_INLINE void drawLinewise(Run run, PixelAt pixelAt) {
+    std::uint8_t* const out = run.out;
+    const std::int32_t count = run.count;
     if (count < linePixels) {
         for (std::int32_t i = 0; i < count; ++i) words(out)[i] = pixelAt(i);
         return;
@@ -304,6 +338,8 @@ VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt p
     alignas(lineBytes) std::uint32_t lastLine[linePixels];
     for (std::int32_t i = 0; i < linePixels; ++i) lastLine[i] = pixelAt(last + i);
     for (std::int32_t first = 0; first < last; first += linePixels) {
+        if (first % tilePixels == 0)
+            fetchNext(tail(run, first, std::min(tilePixels, count - first)), &Run::from, &Run::to, &Run::out);
         alignas(lineBytes) std::uint32_t line[linePixels];
         for (std::int32_t i = 0; i < linePixels; ++i) line[i] = pixelAt(first + i);
         std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
@@ -313,7 +349,7 @@ VANTLE_INLINE void drawLinewise(std::uint8_t* out, std::int32_t count, PixelAt p
 
 template <typename ShareAt>
 VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
-    drawLinewise(run.out, run.count, [=](std::int32_t i) {
+    drawLinewise(run, [=](std::int32_t i) {
         return blendPixel(words(run.from)[i], words(run.to)[i], [share = shareAt(i)](float from, float to) {
             return (from - to) * share + lowered(to);
         });
@@ -321,7 +357,7 @@ VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
 }
 
 VANTLE_INLINE void mixWords(Run run, const float* weights) {
-    drawLinewise(run.out, run.count, [=](std::int32_t i) {
+    drawLinewise(run, [=](std::int32_t i) {
         const Parts ofTo(weights[i]), ofFrom(255.0F - weights[i]);
         return blendPixel(words(run.from)[i], words(run.to)[i], [=](float from, float to) {
             return ofTo.of(lowered(to)) + ofFrom.of(lowered(from));
@@ -393,14 +429,16 @@ VANTLE_MULTIVERSION void fade(const Run& run, const float* shares) {
 }
 
 VANTLE_MULTIVERSION static void streamBlack(const Run& run) {
-    drawLines(run, [](const Run& part, std::int32_t) { blackenWords(part); });
+    drawLines(
+        run, [](const Run& part, std::int32_t) VANTLE_INLINED { blackenWords(part); }, &Run::kept);
 }
 
 VANTLE_MULTIVERSION void blacken(const Run& run) {
     if (streams(run, Fourth::kept, largeMerge))
         streamBlack(run);
     else
-        blackenWords(run);
+        drawTiles(
+            run, [](const Run& part, std::int32_t) VANTLE_INLINED { blackenWords(part); }, &Run::kept);
 }
 
 VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade) {
@@ -412,6 +450,7 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         Run tile = tail(run, first, std::min(tilePixels, run.count - first));
         tile.kept = pixelsOf(tile, source);
+        fetchNext(tile, &Run::kept, &Run::out);
         if (digits == 0) {
             blackenWords(tile);
             continue;
@@ -426,7 +465,8 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
 }
 
 VANTLE_MULTIVERSION static void streamWoven(const Run& run, std::uint32_t woven, const Weight* weights) {
-    drawLines(run, [=](const Run& part, std::int32_t first) { weaveWords(part, woven, weights + first); });
+    drawLines(run, [=](const Run& part, std::int32_t first)
+                       VANTLE_INLINED { weaveWords(part, woven, weights + first); });
 }
 
 VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weights) {
@@ -438,7 +478,8 @@ VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weig
 }
 
 VANTLE_MULTIVERSION static void streamChosen(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
-    drawLines(run, [=](const Run& part, std::int32_t first) { chooseWords(part, ranks + first, end); });
+    drawLines(run, [=](const Run& part, std::int32_t first)
+                       VANTLE_INLINED { chooseWords(part, ranks + first, end); });
 }
 
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
@@ -461,7 +502,8 @@ VANTLE_MULTIVERSION void gather(std::uint32_t* out, const std::uint8_t* pixels, 
 
 VANTLE_MULTIVERSION static void streamSampled(const Run& run, const std::uint8_t* pixels,
                                               const std::int32_t* columns) {
-    drawLines(run, [=](const Run& part, std::int32_t first) { sampleWords(part, pixels, columns + first); });
+    drawLines(run, [=](const Run& part, std::int32_t first)
+                       VANTLE_INLINED { sampleWords(part, pixels, columns + first); });
 }
 
 VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns) {

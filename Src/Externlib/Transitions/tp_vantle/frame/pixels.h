@@ -30,6 +30,7 @@ struct Run {
     const std::uint8_t* to;
     const std::uint8_t* kept;  ///< where a byte 3 that is kept comes from: `out`, or an input
     std::int32_t count;        ///< pixels
+    std::ptrdiff_t ahead;      ///< bytes to the next row, if that is to be fetched meanwhile; else 0
     std::int64_t frameBytes;   ///< of the frame that it is part of: large ones are written past the cache
 };
 

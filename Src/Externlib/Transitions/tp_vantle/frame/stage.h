@@ -20,11 +20,12 @@ class Row {
     /// Pixels of an input frame's row: column `first + i` of what is drawn is its column `columns[i]`.
     struct Samples;
 
-    Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::uint8_t* out, const std::uint8_t* from,
-        const std::uint8_t* to, const std::uint8_t* kept, std::int64_t frameBytes)
+    Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::ptrdiff_t ahead, std::uint8_t* out,
+        const std::uint8_t* from, const std::uint8_t* to, const std::uint8_t* kept, std::int64_t frameBytes)
         : y_(y),
           width_(width),
           pitch_(pitch),
+          ahead_(ahead),
           out_(out),
           from_(from),
           to_(to),
@@ -179,12 +180,14 @@ class Row {
     Run next(std::int32_t end) {
         const std::int32_t start = at_;
         at_ = std::max(at_, 4 * std::clamp(end, 0, width_));
-        return {out_ + start, from_ + start, to_ + start, kept_ + start, (at_ - start) / 4, frameBytes_};
+        return {out_ + start,      from_ + start, to_ + start, kept_ + start,
+                (at_ - start) / 4, ahead_,        frameBytes_};
     }
 
     std::int32_t y_;
     std::int32_t width_;
     std::int32_t pitch_;
+    std::ptrdiff_t ahead_;
     std::int32_t at_ = 0;  // byte of the row that the next run starts with
     std::uint8_t* out_;
     const std::uint8_t* from_;
@@ -272,7 +275,11 @@ class Stage {
     /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
     Row row(std::int32_t y) const {
         const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
-        return {y, width_, pitch_, out_ + offset, from_ + offset, to_ + offset, kept_ + offset, frameBytes_};
+        const std::ptrdiff_t ahead =
+            frameBytes_ >= fetchedFrame && placeOf(y) < height_ - 1 ? std::ptrdiff_t{std::abs(pitch_)} : 0;
+        return {
+            y,          width_, pitch_, ahead, out_ + offset, from_ + offset, to_ + offset, kept_ + offset,
+            frameBytes_};
     }
 
    private:

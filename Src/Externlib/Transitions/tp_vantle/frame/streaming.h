@@ -31,6 +31,9 @@ inline std::int32_t bytesToLine(const std::uint8_t* address) {
 /// most processors keep at hand.
 constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
 
+/// Bytes of a frame from which on the next row is fetched while one is computed: smaller ones are at hand.
+constexpr std::int64_t fetchedFrame = std::int64_t{4} << 20;
+
 /// Pixels of the shortest run that is drawn so. The ends of a run are not, and what else is written to its
 /// row draws its lines into the cache: a shorter one loses.
 constexpr std::int32_t shortestRun = 256;
@@ -52,6 +55,12 @@ inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t co
         streamBytes(out, in, count);
     else
         std::memcpy(out, in, static_cast<std::size_t>(count));
+}
+
+/// Has the line of memory that `address` lies in brought into the cache, and does not wait for it.
+inline void fetchLine(const std::uint8_t* address) {
+    __builtin_prefetch(address);
+    asm volatile("");  // a function that does no more would be taken for one that does nothing, and left out
 }
 
 /// Has whoever is told of what is stored from here on see what has been streamed.
