@@ -1,5 +1,5 @@
 // Pictures of the warps worked out by hand.
-#include "frames.h"
+#include "plain_rules.h"
 
 using namespace tests;
 
@@ -47,4 +47,18 @@ TEST(Twirl, TurnsClockwiseAndShrinksAndHasEndedWhereverBothTimesAreAlike) {
     EXPECT_EQ(weights("TrTwrl", 80, 80, 0.125, 72, {38}), " 0");
     for (const double same : {0.0, -1.0})
         EXPECT_EQ(scene.draw(transition("TrTwrl"), same, same).out, scene.to);
+}
+
+// The picture is put together part by part, whose corners are needed at some angles only. After quarters of a
+// turn rounding decides which row is shown.
+TEST(Twirl, ShowsEveryPixelAsItsPlainRuleDoes) {
+    const auto expectPlain = [](const Geometry& g, double position) {
+        Scene scene(g);
+        ASSERT_TRUE(scene.draw(transition("TrTwrl"), position).out ==
+                    plainRuleOf("TrTwrl")->draw(scene, position, 1.0))
+            << g.width << "x" << g.height << " at " << position;
+    };
+    for (int i = 1; i < 100; ++i) expectPlain({333, 217, 1332}, i / 100.0);
+    for (int i = 1; i < 16; ++i)
+        for (const Geometry& g : {Geometry{2100, 90, 8400}, {130, 1300, 523}}) expectPlain(g, i / 16.0);
 }

@@ -387,14 +387,19 @@ VANTLE_INLINE void blackenWords(Run run) {
 /// Pixels from anywhere, sixteen at a time. `merge(pixelAt(i), i)` is what the output gets.
 template <typename PixelAt, typename Merge>
 VANTLE_INLINE void gatherWords(std::uint8_t* out, std::int32_t count, PixelAt pixelAt, Merge merge) {
-    std::int32_t first = 0;
-    for (; first + linePixels <= count; first += linePixels) {
+    const auto drawLine = [=](std::int32_t first) VANTLE_INLINED {
         alignas(lineBytes) std::uint32_t line[linePixels];
         loadEach(line, [=](std::int32_t i) { return pixelAt(first + i); });
         for (std::int32_t i = 0; i < linePixels; ++i) line[i] = merge(line[i], first + i);
         std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
+    };
+    if (count < linePixels) {
+        for (std::int32_t i = 0; i < count; ++i) words(out)[i] = merge(pixelAt(i), i);
+        return;
     }
-    for (; first < count; ++first) words(out)[first] = merge(pixelAt(first), first);
+    std::int32_t first = 0;
+    for (; first + linePixels <= count; first += linePixels) drawLine(first);
+    if (first < count) drawLine(count - linePixels);  // once more in part
 }
 
 auto wholePixel(const std::uint8_t* pixels, const std::int32_t* columns) {
@@ -489,10 +494,10 @@ VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std:
         chooseWords(run, ranks, end);
 }
 
-VANTLE_MULTIVERSION void pick(const Run& run, const std::uint8_t* pixels, const std::ptrdiff_t* offsets) {
-    gatherWords(
-        run.out, run.count, [=](std::int32_t i) -> std::uint32_t { return *words(pixels + offsets[i]); },
-        unchanged);
+VANTLE_MULTIVERSION void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin,
+                              const std::int32_t* places) {
+    const auto pixelAt = [places, from = pixels + origin](std::int32_t i) { return from[places[i]]; };
+    gatherWords(run.out, run.count, pixelAt, unchanged);
 }
 
 VANTLE_MULTIVERSION void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns,

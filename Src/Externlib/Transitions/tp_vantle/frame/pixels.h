@@ -89,8 +89,8 @@ void weave(const Run& run, Fourth fourth, const Weight* weights);
 /// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
 void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
 
-/// Whole pixels that lie `offsets[0]`, `offsets[1]`, ... bytes from `pixels`.
-void pick(const Run& run, const std::uint8_t* pixels, const std::ptrdiff_t* offsets);
+/// Whole pixels `pixels[origin + places[0]]`, `pixels[origin + places[1]]`, ...
+void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin, const std::int32_t* places);
 
 /// Whole pixels `columns[0]`, `columns[1]`, ... of a row of pixels.
 void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);

@@ -135,12 +135,10 @@ class Row {
         return *this;
     }
 
-    /// Whole pixels of an input frame, which lie `offsets[0]`, `offsets[1]`, ... bytes from its picture's
-    /// first; see `Stage::rowBytes`.
-    Row& picked(Source source, const std::ptrdiff_t* offsets, std::int32_t end) {
-        const std::ptrdiff_t top = std::ptrdiff_t{y_} * pitch_;  // from here to picture row 0
-        const std::uint8_t* const pixels = (source == Source::to ? to_ : from_) + top;
-        if (const Run run = next(end); run.count > 0) pick(run, pixels, offsets);
+    /// Whole pixels of a picture in the making: `places[0]`, `places[1]`, ... pixels from its pixel `origin`.
+    Row& picked(const std::uint32_t* pixels, std::ptrdiff_t origin, const std::int32_t* places,
+                std::int32_t end) {
+        if (const Run run = next(end); run.count > 0) pick(run, pixels, origin, places);
         return *this;
     }
 
@@ -204,6 +202,13 @@ struct Row::Samples {
 
     const std::uint8_t* pixels() const { return source == Source::to ? row.to_ : row.from_; }
 
+    /// Has them, up to column `end`, brought into the cache: of columns that only rise.
+    void fetch(std::int32_t end) const {
+        const std::ptrdiff_t last = columns[end - first - 1];
+        for (std::ptrdiff_t column = columns[0]; column <= last; column += linePixels)
+            fetchLine(pixels() + 4 * column);
+    }
+
     /// All of them, up to column `end`, whole.
     void gather(std::uint32_t* gathered, std::int32_t end) const {
         vantle::gather(gathered, pixels(), columns, end - first);
@@ -259,9 +264,8 @@ class Stage {
         return stage;
     }
 
-    std::int32_t width() const { return width_; }      ///< pixels
-    std::int32_t height() const { return height_; }    ///< rows
-    std::int32_t rowBytes() const { return -pitch_; }  ///< from a row of the picture to the next in memory
+    std::int32_t width() const { return width_; }    ///< pixels
+    std::int32_t height() const { return height_; }  ///< rows
 
     class RowIterator;
     struct Rows;

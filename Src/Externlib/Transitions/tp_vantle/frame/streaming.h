@@ -57,9 +57,12 @@ inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t co
         std::memcpy(out, in, static_cast<std::size_t>(count));
 }
 
-/// Has the line of memory that `address` lies in brought into the cache, and does not wait for it.
+/// Has the line of memory that `address` lies in brought into the second cache, and does not wait for it. The
+/// nearest one is too small for a row of three frames ahead of what is being drawn.
 inline void fetchLine(const std::uint8_t* address) {
-    __builtin_prefetch(address);
+    constexpr int toRead = 0;
+    constexpr int secondCache = 2;
+    __builtin_prefetch(address, toRead, secondCache);
     asm volatile("");  // a function that does no more would be taken for one that does nothing, and left out
 }
 

@@ -1,55 +1,23 @@
 // Twirl: the outgoing frame turns once clockwise about the centre while it shrinks, on black, to a twentieth;
 // then the incoming one turns once more and grows from there.
+#include <algorithm>
 #include <cmath>
-#include <optional>
+#include <span>
 
 #include "frame/crossing.h"
-#include "frame/multiversion.h"
 #include "frame/progress.h"
-#include "frame/rounding.h"
 #include "frame/stage.h"
+#include "warps/turn.h"
 
 namespace vantle {
 
 namespace {
 
-/// One dimension of the shrunken picture, upright and centred in the frame.
-struct Extent {
-    std::int32_t size, first, end;
-    float scale;
-    Extent(std::int32_t frameSize, float shownScale)
-        : size(frameSize),
-          first((size - truncated(static_cast<float>(size) * shownScale)) >> 1),
-          end(first + truncated(static_cast<float>(size) * shownScale)),
-          scale(shownScale) {}
-
-    std::int32_t clampedIn(double at) const { return std::clamp(static_cast<std::int32_t>(at), 0, size - 1); }
-
-    /// The frame's own row or column that is shown at `at`, which lies inside.
-    std::int32_t sourceOf(std::int32_t at) const {
-        return std::min(static_cast<std::int32_t>(static_cast<float>(at - first) / scale), size - 1);
-    }
-};
-
-/// Where the pixels of one row lie before the turn, by their distance from the centre column.
-struct TurnedRow {
-    double cosine, sine;
-    double column, row;  // of the pixel in the centre column; the row without the centre's
-    double centreRow;
-
-    double columnAt(double dx) const { return cosine * dx + column; }
-    double rowAt(double dx) const { return row - sine * dx + centreRow; }
-};
-
-struct Span {
-    std::int32_t first, end;
-};
-
-/// A row in the making, whose picture ends before column `end`.
+/// A row of the output.
 struct Line {
-    Row row;
-    TurnedRow turned;
-    std::int32_t end;
+    std::int32_t y;
+    std::ptrdiff_t place;  ///< of its pixel in the centre column, from the frame's first
+    Span shown;            ///< the columns that show the picture
 };
 
 /// The columns 0 to `width` - 1 whose coordinate `at(x)`, which only rises or only falls, lies inside.
@@ -63,73 +31,110 @@ Span columnsInside(std::int32_t width, const Extent& extent, bool rising, At at)
     return rising ? Span{above, below} : Span{below, above};
 }
 
-}  // namespace
+/// A turned picture on black, drawn in square blocks. While one is drawn, what the next one shows is fetched.
+class Twirl {
+   public:
+    Twirl(const Stage& stage, Source source, const Turn& turn, float scale)
+        : stage_(stage),
+          source_(source),
+          turn_(turn),
+          across_(stage.width(), scale),
+          down_(stage.height(), scale),
+          size_(blockSize(turn)) {}
 
-/// Where in the frame, whose rows lie `rowBytes` apart, the sources of `count` pixels from distance `dx` on
-/// are.
-VANTLE_MULTIVERSION static void findSources(std::ptrdiff_t* offsets, const Extent& across, const Extent& down,
-                                            const TurnedRow& turned, std::int32_t rowBytes, std::int32_t dx,
-                                            std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i) {
-        const std::int32_t column = across.sourceOf(across.clampedIn(turned.columnAt(dx + i)));
-        const std::int32_t row = down.sourceOf(down.clampedIn(turned.rowAt(dx + i)));
-        offsets[i] = std::ptrdiff_t{rowBytes} * row + std::ptrdiff_t{4} * column;
-    }
-}
-
-/// The picture of `source` turned clockwise by `angle` and scaled, on black. A turned row crosses the memory
-/// of its source; drawn in blocks of rows and columns, neighbours find what they need still at hand.
-static void drawTurned(const Stage& stage, Source source, double angle, float scale) {
-    const std::int32_t width = stage.width();
-    const Extent across(width, scale);
-    const Extent down(stage.height(), scale);
-    const std::int32_t centreColumn = width >> 1;
-    const std::int32_t centreRow = stage.height() >> 1;
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-    constexpr std::int32_t blockRows = 64;
-    constexpr std::int32_t blockColumns = 512;
-    const Stage::Rows all = stage.rows();
-    for (Stage::RowIterator next = all.begin(); next != all.end();) {
-        std::optional<Line> lines[blockRows];
-        std::int32_t count = 0;
-        for (; count < blockRows && next != all.end(); ++next) {
-            Row row = *next;
-            const double dy = row.y() - centreRow;
-            const TurnedRow turned{cosine, sine, static_cast<double>(truncated(sine * dy + centreColumn)),
-                                   static_cast<double>(truncated(cosine * dy)),
-                                   static_cast<double>(centreRow)};
-            const Span columns = columnsInside(width, across, cosine >= 0.0, [&](std::int32_t x) {
-                return turned.columnAt(x - centreColumn);
-            });
-            const Span rows = columnsInside(width, down, sine <= 0.0,
-                                            [&](std::int32_t x) { return turned.rowAt(x - centreColumn); });
-            row.black(std::max(columns.first, rows.first));
-            lines[count++].emplace(Line{row, turned, std::min(columns.end, rows.end)});
-        }
-        for (std::int32_t blockEnd = 0; blockEnd < width;) {
-            blockEnd = std::min(blockEnd + blockColumns, width);
-            // Sources are found a line ahead: what has just been stored is slow to load in smaller parts.
-            std::ptrdiff_t offsets[2][blockColumns];
-            Row* found = nullptr;
-            std::int32_t foundEnd = 0;
-            std::int32_t turn = 0;
-            for (std::int32_t i = 0; i < count; ++i) {
-                auto& [row, turned, lineEnd] = *lines[i];
-                const std::int32_t end = std::min(blockEnd, lineEnd);
-                if (row.x() >= end) continue;
-                findSources(offsets[turn], across, down, turned, stage.rowBytes(), row.x() - centreColumn,
-                            end - row.x());
-                turn = 1 - turn;
-                if (found != nullptr) found->picked(source, offsets[turn], foundEnd);
-                found = &row;
-                foundEnd = end;
+    void draw() const {
+        for (std::int32_t top = 0; top < stage_.height(); top += size_) {
+            Line lines[patchSide];
+            std::int32_t count = 0;
+            Span shown{stage_.width(), 0};
+            for (Row row : stage_.rows(top, top + size_)) {
+                const Line& line = lines[count++] = lineOf(row.y());
+                row.black(line.shown.first).skip(line.shown.end).black(stage_.width());
+                if (line.shown.empty()) continue;
+                shown = {std::min(shown.first, line.shown.first), std::max(shown.end, line.shown.end)};
             }
-            if (found != nullptr) found->picked(source, offsets[1 - turn], foundEnd);
+            drawBlocks({lines, static_cast<std::size_t>(count)}, top, shown);
         }
-        for (std::int32_t i = 0; i < count; ++i) lines[i]->row.black(width);
     }
-}
+
+   private:
+    Line lineOf(std::int32_t y) const {
+        const TurnedRow turned = turn_.row(y);
+        const auto inside = [&](const Extent& extent, bool rising, auto at) {
+            return columnsInside(stage_.width(), extent, rising,
+                                 [&](std::int32_t x) { return at(x - turn_.centreColumn); });
+        };
+        const Span columns =
+            inside(across_, turn_.cosine >= 0.0, [&](double dx) { return turned.columnAt(dx); });
+        const Span rows = inside(down_, turn_.sine <= 0.0, [&](double dx) { return turned.rowAt(dx); });
+        return {y,
+                placeOf(static_cast<std::int32_t>(turned.column),
+                        static_cast<std::int32_t>(turned.row + turned.centreRow)),
+                {std::max(columns.first, rows.first), std::min(columns.end, rows.end)}};
+    }
+
+    /// Blocks beside each other, as far as they show anything. They begin where lines of the output do.
+    void drawBlocks(std::span<const Line> lines, std::int32_t top, const Span& shown) const {
+        std::int32_t left = shown.first / linePixels * linePixels;
+        Part parts[2];
+        if (left < shown.end) findPart(parts[0], across_, down_, turn_, left, top, size_);
+        for (std::int32_t which = 0; left < shown.end; left += size_, which = 1 - which) {
+            Part& next = parts[1 - which];
+            findPart(next, across_, down_, turn_, left + size_, top, size_);
+            drawBlock(lines, left, parts[which], next);
+        }
+    }
+
+    void drawBlock(std::span<const Line> lines, std::int32_t left, const Part& part, const Part& next) const {
+        std::uint32_t patch[patchSide * patchSide];
+        for (std::int32_t row = 0; row < part.rowCount(); ++row)
+            withSamples(part, row, [&](const Row::Samples& samples, std::ptrdiff_t place) {
+                samples.gather(patch + place, part.end[row]);
+            });
+        Steps steps;
+        findSteps(steps, turn_, left - turn_.centreColumn, size_);
+        const std::int32_t rowsPerLine = next.rowCount() / static_cast<std::int32_t>(lines.size()) + 1;
+        std::int32_t fetched = 0;
+        for (const auto& [y, place, shown] : lines) {
+            const std::int32_t fetchedEnd = std::min(fetched + rowsPerLine, next.rowCount());
+            for (; fetched < fetchedEnd; ++fetched)
+                withSamples(next, fetched, [&](const Row::Samples& samples, std::ptrdiff_t) {
+                    samples.fetch(next.end[fetched]);
+                });
+            const std::int32_t first = std::max(shown.first, left);
+            const std::int32_t end = std::min(shown.end, left + size_);
+            if (first >= end) continue;
+            Row row = stage_.row(y).skip(first);
+            if (steps.exact) {
+                const std::ptrdiff_t leftmost = place + steps.first - part.place();
+                row.picked(patch, leftmost, steps.each + (first - left), end);
+            } else {
+                std::int32_t places[patchSide];
+                findPlaces(places, part, turn_.row(y), first - turn_.centreColumn, end - first);
+                row.picked(patch, 0, places, end);
+            }
+        }
+    }
+
+    /// Calls `use(samples, place)` with those of a part's row that are needed, if any, and the place of the
+    /// first in a patch.
+    template <typename Use>
+    void withSamples(const Part& part, std::int32_t row, Use use) const {
+        const std::int32_t first = part.first[row];
+        const std::int32_t skipped = first - part.columns.first;
+        if (first < part.end[row])
+            use(Row::Samples{stage_.row(part.sourceRows[row]), source_, part.sourceColumns + skipped, first},
+                placeOf(skipped, row));
+    }
+
+    const Stage& stage_;
+    Source source_;
+    Turn turn_;
+    Extent across_, down_;
+    std::int32_t size_;
+};
+
+}  // namespace
 
 /// Whole pixels on black, whose byte 3 is not written, nor is the padding but at the very end.
 void twirl(const Stage& stage, const Progress& progress) {
@@ -151,7 +156,8 @@ void twirl(const Stage& stage, const Progress& progress) {
     const double angle = (passed / half + passed / half) * pi;
     const double grown = firstHalf ? half - position : passed;
     const auto scale = static_cast<float>(grown * rest / half + shrunk);
-    drawTurned(stage, firstHalf ? Source::from : Source::to, angle, scale);
+    const Turn turn{std::cos(angle), std::sin(angle), stage.width() >> 1, stage.height() >> 1};
+    Twirl(stage, firstHalf ? Source::from : Source::to, turn, scale).draw();
 }
 
 }  // namespace vantle
