@@ -129,7 +129,8 @@ template <Divisor divisor, bool each, typename Lanes>
 VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, Lanes lanes) {
     for (std::int32_t first = 0; first < run.count; first += tilePixels) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        if (each && run.count >= tilePixels) {
+        // By 256 it takes no time but memory's.
+        if (each && divisor == Divisor::by255 && run.count >= tilePixels) {
             fetchNext(tile, &Run::from, &Run::to);
             if (fourth == Fourth::kept) fetchNext(tile, &Run::kept);
         }
@@ -295,9 +296,7 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
         if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
             streamDimmed(run, fourth);
         else
-            drawTiles(
-                run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); }, &Run::to,
-                &Run::out);
+            dim(run, fourth);
     } else if (divisor == Divisor::by255 && weight % 255 == 0) {
         showWhole(run, weight == 0 ? Source::from : Source::to, fourth);
     } else if (streamsMixed(run, fourth)) {
@@ -425,7 +424,9 @@ VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, float share) {
-    fadeWords(run, [=](std::int32_t) { return share; });
+    Run unfetched = run;  // one share for all takes no time but memory's
+    unfetched.ahead = 0;
+    fadeWords(unfetched, [=](std::int32_t) { return share; });
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, const float* shares) {
