@@ -215,8 +215,7 @@ static void streamColours(const Run& run, Source colours, Fourth fourth) {
 }
 
 VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
-    drawLines(
-        run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); });
+    drawLines(run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); });
 }
 
 template <Divisor divisor, bool each, typename Lanes>
