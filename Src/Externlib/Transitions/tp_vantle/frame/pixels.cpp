@@ -423,9 +423,7 @@ VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, float share) {
-    Run unfetched = run;  // one share for all takes no time but memory's
-    unfetched.ahead = 0;
-    fadeWords(unfetched, [=](std::int32_t) { return share; });
+    fadeWords(run, [=](std::int32_t) { return share; });
 }
 
 VANTLE_MULTIVERSION void fade(const Run& run, const float* shares) {
