@@ -1,12 +1,10 @@
 #include "frame/pixels.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstring>
-#include <utility>
 
-#include "frame/load_each.h"
+#include "frame/loops.h"
 #include "frame/multiversion.h"
 #include "frame/single_precision.h"
 #include "frame/streaming.h"
@@ -15,61 +13,12 @@ namespace vantle {
 
 namespace {
 
-// The loops take byte 0 of a pixel for the lowest of a word, and byte 3 for the highest.
-static_assert(std::endian::native == std::endian::little);
-
-// Pixels as the loops see them; rows may start at any byte.
-using Word [[gnu::may_alias, gnu::aligned(1)]] = std::uint32_t;  // a pixel
-using Half [[gnu::may_alias, gnu::aligned(1)]] = std::uint16_t;  // two of its bytes: a lane for products
-
-constexpr std::int32_t tilePixels = 128;
-
-// Not templates: the attributes that let these types look at any bytes do not survive as template arguments.
-const Word* words(const void* pixels) { return static_cast<const Word*>(pixels); }
-Word* words(void* pixels) { return static_cast<Word*>(pixels); }
-const Half* halves(const void* pixels) { return static_cast<const Half*>(pixels); }
-Half* halves(void* pixels) { return static_cast<Half*>(pixels); }
-
-const std::uint8_t* pixelsOf(const Run& run, Source source) {
-    return source == Source::to ? run.to : run.from;
-}
-
-/// The frame that a byte 3 comes from.
-auto frameOf(Fourth fourth) {
-    if (fourth == Fourth::kept) return &Run::kept;
-    return fourth == Fourth::ofTo ? &Run::to : &Run::from;
-}
-
-const std::uint8_t* fourthOf(const Run& run, Fourth fourth) { return run.*frameOf(fourth); }
-
-Run tail(const Run& run, std::int32_t first, std::int32_t count) {
-    const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
-    return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count,
-            run.ahead,        run.frameBytes};
-}
-
-/// While a tile is computed, has the same one of the next row brought into the cache, of frames such as
-/// `&Run::from`. What takes no time but memory's gains nothing by it, nor do parts of tiles.
-template <typename... Frame>
-VANTLE_INLINE void fetchNext(const Run& tile, Frame... frame) {
-    if (tile.ahead == 0) return;
-    for (std::ptrdiff_t at = tile.ahead; at < tile.ahead + 4 * tile.count; at += lineBytes)
-        (fetchLine(tile.*frame + at), ...);
-}
-
-/// Bytes 0 to 2 of one pixel and byte 3 of another. `out` may be either.
-VANTLE_INLINE void mergeFourth(std::uint8_t* out, const void* colours, const std::uint8_t* fourth,
-                               std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i)
-        words(out)[i] = (words(colours)[i] & 0x00FFFFFFU) | (words(fourth)[i] & 0xFF000000U);
-}
-
 VANTLE_INLINE std::uint16_t upperHalf(std::uint16_t a, std::uint16_t b) {
     return static_cast<std::uint16_t>(std::uint32_t{a} * b >> 16);
 }
 
-/// One lane mixed: `weights` is the weight of imgTo, twice.
-template <Divisor divisor>
+/// One lane mixed: `weights` is the weight of imgTo, twice. `any`: whether it may be 0 or 255.
+template <Divisor divisor, bool any>
 VANTLE_INLINE std::uint16_t mixHalf(std::uint16_t from, std::uint16_t to, std::uint16_t weights) {
     std::uint16_t low = 0, high = 0;
     if constexpr (divisor == Divisor::by256) {
@@ -87,64 +36,59 @@ VANTLE_INLINE std::uint16_t mixHalf(std::uint16_t from, std::uint16_t to, std::u
         const auto fromFactor = static_cast<std::uint16_t>(-weights);
         low = upperHalf(from & 255, fromFactor) + upperHalf(to & 255, toFactor);
         high = upperHalf(from >> 8, fromFactor) + upperHalf(to >> 8, toFactor);
+        if constexpr (any) {
+            // Their factors being 0 and 1, nothing has been mixed of these yet.
+            const auto allFrom = static_cast<std::uint16_t>(-static_cast<int>(weights == 0));
+            const auto allTo = static_cast<std::uint16_t>(-static_cast<int>(weights == 0xFFFF));
+            low = static_cast<std::uint16_t>(low | (from & allFrom) | (to & allTo));
+        }
     }
     return static_cast<std::uint16_t>(low | high << 8);
 }
 
-/// `weightsAt(i)`: the weight of lane i, twice. `each`: whether they differ, and some may be 0 or 255.
-template <Divisor divisor, bool each, typename WeightsAt>
-VANTLE_INLINE void mixHalves(Half* out, const Half* from, const Half* to, WeightsAt weightsAt,
-                             std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i) {
-        const std::uint16_t weights = weightsAt(i);
-        const std::uint16_t f = from[i];
-        const std::uint16_t t = to[i];
-        std::uint16_t mixed = mixHalf<divisor>(f, t, weights);
-        // Their factors being 0 and 1, nothing has been mixed of these yet.
-        if constexpr (divisor == Divisor::by255 && each) {
-            const auto allFrom = static_cast<std::uint16_t>(-static_cast<int>(weights == 0));
-            const auto allTo = static_cast<std::uint16_t>(-static_cast<int>(weights == 0xFFFF));
-            mixed = static_cast<std::uint16_t>(mixed | (f & allFrom) | (t & allTo));
-        }
-        out[i] = mixed;
-    }
+/// The weight of imgTo in a pixel, once for each of its bytes.
+VANTLE_INLINE std::uint32_t spreadWeight(Weight weight) { return weight * 0x01010101U; }
+
+/// The same weight for each pixel, where there might be an array of them.
+struct SameWeight {
+    Weight weight;
+    SameWeight operator+(std::int32_t) const { return *this; }
+    Weight operator[](std::int32_t) const { return weight; }
+};
+
+/// Mixes a run by weights, `each` pixel having its own, which may be 0 or 255, or all the same one, which is
+/// neither. Byte 3 is mixed too, or that of `fourth`.
+template <Divisor divisor, bool each, bool fourthMixed, typename Weights>
+VANTLE_INLINE void mixLinewise(Run run, Fourth fourth, Weights runWeights) {
+    const auto drawLine = [=, other = fourthOf(run, fourth)](std::uint32_t* line, std::int32_t first,
+                                                             std::int32_t count) VANTLE_INLINED {
+        const Run part = tail(run, first, count);
+        const Weights weights = runWeights + first;
+        std::uint32_t spread[linePixels];
+        for (std::int32_t i = 0; i < count; ++i) spread[i] = spreadWeight(weights[i]);
+        std::uint16_t lanes[2 * linePixels], mixed[2 * linePixels];
+        std::memcpy(lanes, spread, sizeof(Word) * static_cast<std::size_t>(count));
+        for (std::int32_t i = 0; i < 2 * count; ++i)
+            mixed[i] = mixHalf<divisor, each>(halves(part.from)[i], halves(part.to)[i], lanes[i]);
+        std::memcpy(line, mixed, sizeof(Word) * static_cast<std::size_t>(count));
+        if (fourthMixed) return;
+        for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(other)[first + i]);
+    };
+    // By 256, and by one weight, it takes no time but memory's.
+    if constexpr (!each)
+        drawLinewise(run, drawLine);
+    else if (fourth == Fourth::kept)
+        drawLinewise(run, drawLine, &Run::from, &Run::to, &Run::kept);
+    else
+        drawLinewise(run, drawLine, &Run::from, &Run::to);
 }
 
-/// Draws a run in place, tile by tile where `frames` of the next row are fetched. `loop(part, first)` draws
-/// part of it, `first` being the pixel of the run that the part begins with.
-template <typename Loop, typename... Frame>
-VANTLE_INLINE void drawTiles(Run run, Loop loop, Frame... frames) {
-    const std::int32_t step = run.ahead == 0 ? run.count : tilePixels;
-    for (std::int32_t first = 0; first < run.count; first += step) {
-        const Run tile = tail(run, first, std::min(step, run.count - first));
-        fetchNext(tile, frames...);
-        loop(tile, first);
-    }
-}
-
-/// Mixes tile by tile, so that weights are spread, and a fourth byte of another kind is put in, while the
-/// tile is in the cache. `lanes(spread, first, count)`: the weights of a tile's lanes, for which there is
-/// room in `spread`.
-template <Divisor divisor, bool each, typename Lanes>
-VANTLE_INLINE void mixTiles(const Run& run, Fourth fourth, Lanes lanes) {
-    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
-        const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        // By 256 it takes no time but memory's.
-        if (each && divisor == Divisor::by255 && run.count >= tilePixels) {
-            fetchNext(tile, &Run::from, &Run::to);
-            if (fourth == Fourth::kept) fetchNext(tile, &Run::kept);
-        }
-        alignas(lineBytes) Half spread[2 * tilePixels];
-        const auto weightsAt = lanes(spread, first, tile.count);
-        if (fourth == Fourth::mixed) {
-            mixHalves<divisor, each>(halves(tile.out), halves(tile.from), halves(tile.to), weightsAt,
-                                     2 * tile.count);
-        } else {
-            alignas(lineBytes) Half mixed[2 * tilePixels];
-            mixHalves<divisor, each>(mixed, halves(tile.from), halves(tile.to), weightsAt, 2 * tile.count);
-            mergeFourth(tile.out, mixed, fourthOf(tile, fourth), tile.count);
-        }
-    }
+template <Divisor divisor, bool each, typename Weights>
+VANTLE_INLINE void mixWords(const Run& run, Fourth fourth, Weights weights) {
+    if (fourth == Fourth::mixed)
+        mixLinewise<divisor, each, true>(run, fourth, weights);
+    else
+        mixLinewise<divisor, each, false>(run, fourth, weights);
 }
 
 /// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0.
@@ -160,42 +104,13 @@ VANTLE_INLINE void dim(Run run, Fourth fourth) {
         // The top bit of each byte, whether it is more than 0.
         const std::uint32_t some = pixel | ((pixel & 0x7F7F7F7FU) + 0x7F7F7F7FU);
         const std::uint32_t dimmed = pixel - (some >> 7 & 0x01010101U);
-        words(run.out)[i] = (dimmed & 0x00FFFFFFU) | (words(other)[i] & 0xFF000000U);
+        words(run.out)[i] = withFourth(dimmed, words(other)[i]);
     }
-}
-
-/// Bytes of a frame from which on pixels of two frames that are not mixed are drawn past the cache: that
-/// takes no time but memory's.
-constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
-
-/// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
-bool streams(const Run& run, Fourth fourth, std::int64_t large) {
-    // What is drawn from what it is drawn over is at hand.
-    if (fourth == Fourth::kept && run.kept == run.out) return false;
-    return canStream && run.frameBytes >= large && run.count >= shortestRun && bytesToLine(run.out) % 4 == 0;
 }
 
 /// The same for a run that is mixed: one that also gets its byte 3 from elsewhere waits for memory.
 bool streamsMixed(const Run& run, Fourth fourth) {
     return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
-}
-
-/// The same past the cache: a tile of whole lines is drawn and then stored. The run's ends are drawn in
-/// place.
-template <typename Loop, typename... Frame>
-VANTLE_INLINE void drawLines(Run run, Loop loop, Frame... frames) {
-    std::int32_t at = bytesToLine(run.out) / 4;
-    loop(tail(run, 0, at), 0);
-    while (run.count - at >= linePixels) {
-        alignas(lineBytes) std::uint8_t lines[4 * tilePixels];
-        Run part = tail(run, at, std::min(tilePixels, (run.count - at) / linePixels * linePixels));
-        fetchNext(part, frames...);
-        std::uint8_t* const out = std::exchange(part.out, lines);
-        loop(part, at);
-        streamLines(out, lines, 4 * part.count);
-        at += part.count;
-    }
-    loop(tail(run, at, run.count - at), at);
 }
 
 }  // namespace
@@ -218,14 +133,10 @@ VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
     drawLines(run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); });
 }
 
-template <Divisor divisor, bool each, typename Lanes>
-VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, Lanes lanes) {
-    drawLines(run, [=](const Run& part, std::int32_t begin) VANTLE_INLINED {
-        const auto partLanes = [=](Half* spread, std::int32_t first, std::int32_t count) {
-            return lanes(spread, begin + first, count);
-        };
-        mixTiles<divisor, each>(part, fourth, partLanes);
-    });
+template <Divisor divisor, bool each, typename Weights>
+VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, Weights weights) {
+    drawLines(run, [=](const Run& part, std::int32_t first)
+                       VANTLE_INLINED { mixWords<divisor, each>(part, fourth, weights + first); });
 }
 
 VANTLE_MULTIVERSION void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count) {
@@ -247,40 +158,20 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
     }
 }
 
-namespace {
-
-/// A weight once for each of a pixel's bytes.
-VANTLE_INLINE std::uint32_t spreadWeight(Weight weight) { return weight * 0x01010101U; }
-
-auto sameWeight(std::int32_t weight) {
-    return [=](const Half*, std::int32_t, std::int32_t) {
-        return [=](std::int32_t) { return static_cast<std::uint16_t>(257 * weight); };
-    };
-}
-
-auto weightForEach(const Weight* weights) {
-    return [=](Half* spread, std::int32_t first, std::int32_t count) {
-        for (std::int32_t i = 0; i < count; ++i) words(spread)[i] = spreadWeight(weights[first + i]);
-        return [each = static_cast<const Half*>(spread)](std::int32_t i) -> std::uint16_t { return each[i]; };
-    };
-}
-
-}  // namespace
-
 VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
                                             std::int32_t weight) {
     if (divisor == Divisor::by255)
-        mixLines<Divisor::by255, false>(run, fourth, sameWeight(weight));
+        mixLines<Divisor::by255, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
     else
-        mixLines<Divisor::by256, false>(run, fourth, sameWeight(weight));
+        mixLines<Divisor::by256, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
 }
 
 VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
                                             const Weight* weights) {
     if (divisor == Divisor::by255)
-        mixLines<Divisor::by255, true>(run, fourth, weightForEach(weights));
+        mixLines<Divisor::by255, true>(run, fourth, weights);
     else
-        mixLines<Divisor::by256, true>(run, fourth, weightForEach(weights));
+        mixLines<Divisor::by256, true>(run, fourth, weights);
 }
 
 /// All of one frame, as where all of the weight is its own.
@@ -301,9 +192,9 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
     } else if (streamsMixed(run, fourth)) {
         streamMixed(run, divisor, fourth, weight);
     } else if (divisor == Divisor::by255) {
-        mixTiles<Divisor::by255, false>(run, fourth, sameWeight(weight));
+        mixWords<Divisor::by255, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
     } else {
-        mixTiles<Divisor::by256, false>(run, fourth, sameWeight(weight));
+        mixWords<Divisor::by256, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
     }
 }
 
@@ -311,50 +202,37 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, con
     if (streamsMixed(run, fourth))
         streamMixed(run, divisor, fourth, weights);
     else if (divisor == Divisor::by255)
-        mixTiles<Divisor::by255, true>(run, fourth, weightForEach(weights));
+        mixWords<Divisor::by255, true>(run, fourth, weights);
     else
-        mixTiles<Divisor::by256, true>(run, fourth, weightForEach(weights));
+        mixWords<Divisor::by256, true>(run, fourth, weights);
 }
 
 namespace {
 
 // These take their run by value: what is written might else be the run itself, for all the compiler knows.
 
-/// out[i] = pixelAt(i), in lines of sixteen: nothing is left to be drawn pixel by pixel but runs that are
-/// shorter. The last line overlaps the one before, and is worked out before any is stored: a host may have a
-/// frame drawn over one of its inputs.
+/// out[i] = pixelAt(i)
 template <typename PixelAt>
-VANTLE_INLINE void drawLinewise(Run run, PixelAt pixelAt) {
-    std::uint8_t* const out = run.out;
-    const std::int32_t count = run.count;
-    if (count < linePixels) {
-        for (std::int32_t i = 0; i < count; ++i) words(out)[i] = pixelAt(i);
-        return;
-    }
-    const std::int32_t last = count - linePixels;
-    alignas(lineBytes) std::uint32_t lastLine[linePixels];
-    for (std::int32_t i = 0; i < linePixels; ++i) lastLine[i] = pixelAt(last + i);
-    for (std::int32_t first = 0; first < last; first += linePixels) {
-        if (first % tilePixels == 0)
-            fetchNext(tail(run, first, std::min(tilePixels, count - first)), &Run::from, &Run::to, &Run::out);
-        alignas(lineBytes) std::uint32_t line[linePixels];
-        for (std::int32_t i = 0; i < linePixels; ++i) line[i] = pixelAt(first + i);
-        std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
-    }
-    std::memcpy(out + std::ptrdiff_t{4} * last, lastLine, sizeof lastLine);
+VANTLE_INLINE void drawWords(const Run& run, PixelAt pixelAt) {
+    drawLinewise(
+        run,
+        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
+            for (std::int32_t i = 0; i < count; ++i) line[i] = pixelAt(first + i);
+        },
+        &Run::from, &Run::to, &Run::out);
 }
 
 template <typename ShareAt>
 VANTLE_INLINE void fadeWords(Run run, ShareAt shareAt) {
-    drawLinewise(run, [=](std::int32_t i) {
+    drawWords(run, [=](std::int32_t i) {
         return blendPixel(words(run.from)[i], words(run.to)[i], [share = shareAt(i)](float from, float to) {
             return (from - to) * share + lowered(to);
         });
     });
 }
 
-VANTLE_INLINE void mixWords(Run run, const float* weights) {
-    drawLinewise(run, [=](std::int32_t i) {
+VANTLE_INLINE void mixSingleWords(Run run, const float* weights) {
+    drawWords(run, [=](std::int32_t i) {
         const Parts ofTo(weights[i]), ofFrom(255.0F - weights[i]);
         return blendPixel(words(run.from)[i], words(run.to)[i], [=](float from, float to) {
             return ofTo.of(lowered(to)) + ofFrom.of(lowered(from));
@@ -381,34 +259,14 @@ VANTLE_INLINE void blackenWords(Run run) {
     for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] = words(run.kept)[i] & 0xFF000000U;
 }
 
-/// Pixels from anywhere, sixteen at a time. `merge(pixelAt(i), i)` is what the output gets.
-template <typename PixelAt, typename Merge>
-VANTLE_INLINE void gatherWords(std::uint8_t* out, std::int32_t count, PixelAt pixelAt, Merge merge) {
-    const auto drawLine = [=](std::int32_t first) VANTLE_INLINED {
-        alignas(lineBytes) std::uint32_t line[linePixels];
-        loadEach(line, [=](std::int32_t i) { return pixelAt(first + i); });
-        for (std::int32_t i = 0; i < linePixels; ++i) line[i] = merge(line[i], first + i);
-        std::memcpy(out + std::ptrdiff_t{4} * first, line, sizeof line);
-    };
-    if (count < linePixels) {
-        for (std::int32_t i = 0; i < count; ++i) words(out)[i] = merge(pixelAt(i), i);
-        return;
-    }
-    std::int32_t first = 0;
-    for (; first + linePixels <= count; first += linePixels) drawLine(first);
-    if (first < count) drawLine(count - linePixels);  // once more in part
-}
-
-auto wholePixel(const std::uint8_t* pixels, const std::int32_t* columns) {
-    return [=](std::int32_t i) -> std::uint32_t { return words(pixels)[columns[i]]; };
-}
-
-constexpr auto unchanged = [](std::uint32_t pixel, std::int32_t) { return pixel; };
-
-VANTLE_INLINE void sampleWords(Run run, const std::uint8_t* pixels, const std::int32_t* columns) {
-    gatherWords(run.out, run.count, wholePixel(pixels, columns), [=](std::uint32_t pixel, std::int32_t i) {
-        return (pixel & 0x00FFFFFFU) | (words(run.kept)[i] & 0xFF000000U);
-    });
+VANTLE_INLINE void blackenLinewise(Run run) {
+    if (run.frameBytes < largeFrame) run.ahead = 0;  // where a cache holds it, a single frame comes by itself
+    drawLinewise(
+        run,
+        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
+            for (std::int32_t i = 0; i < count; ++i) line[i] = words(run.kept)[first + i] & 0xFF000000U;
+        },
+        &Run::kept);
 }
 
 }  // namespace
@@ -418,7 +276,7 @@ VANTLE_MULTIVERSION void mixSingle(const Run& run, const Weight* weights) {
         const Run tile = tail(run, first, std::min(tilePixels, run.count - first));
         float spread[tilePixels];
         for (std::int32_t i = 0; i < tile.count; ++i) spread[i] = weights[first + i];
-        mixWords(tile, spread);
+        mixSingleWords(tile, spread);
     }
 }
 
@@ -439,8 +297,7 @@ VANTLE_MULTIVERSION void blacken(const Run& run) {
     if (streams(run, Fourth::kept, largeMerge))
         streamBlack(run);
     else
-        drawTiles(
-            run, [](const Run& part, std::int32_t) VANTLE_INLINED { blackenWords(part); }, &Run::kept);
+        blackenLinewise(run);
 }
 
 VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade) {
@@ -449,21 +306,25 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
         const int lower = (byte == a ? 1 : 0) + (byte == b ? 1 : 0) + (byte == c ? 1 : 0);
         return static_cast<std::uint16_t>(upperHalf(byte, digits) - lower);
     };
-    for (std::int32_t first = 0; first < run.count; first += tilePixels) {
-        Run tile = tail(run, first, std::min(tilePixels, run.count - first));
-        tile.kept = pixelsOf(tile, source);
-        fetchNext(tile, &Run::kept, &Run::out);
-        if (digits == 0) {
-            blackenWords(tile);
-            continue;
-        }
-        alignas(lineBytes) Half line[2 * tilePixels];
-        for (std::int32_t i = 0; i < 2 * tile.count; ++i) {
-            const std::uint16_t lane = halves(tile.kept)[i];
-            line[i] = static_cast<std::uint16_t>(shaded(lane & 255) | shaded(lane >> 8) << 8);
-        }
-        mergeFourth(tile.out, line, tile.kept, tile.count);
+    Run shown = run;
+    shown.kept = pixelsOf(run, source);
+    if (digits == 0) {
+        blackenLinewise(shown);
+        return;
     }
+    drawLinewise(
+        shown,
+        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
+            const Run part = tail(shown, first, count);
+            std::uint16_t lanes[2 * linePixels];
+            for (std::int32_t i = 0; i < 2 * count; ++i) {
+                const std::uint16_t lane = halves(part.kept)[i];
+                lanes[i] = static_cast<std::uint16_t>(shaded(lane & 255) | shaded(lane >> 8) << 8);
+            }
+            std::memcpy(line, lanes, sizeof(Word) * static_cast<std::size_t>(count));
+            for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(part.kept)[i]);
+        },
+        &Run::kept, &Run::out);
 }
 
 VANTLE_MULTIVERSION static void streamWoven(const Run& run, std::uint32_t woven, const Weight* weights) {
@@ -489,42 +350,6 @@ VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std:
         streamChosen(run, ranks, end);
     else
         chooseWords(run, ranks, end);
-}
-
-VANTLE_MULTIVERSION void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin,
-                              const std::int32_t* places) {
-    const auto pixelAt = [places, from = pixels + origin](std::int32_t i) { return from[places[i]]; };
-    gatherWords(run.out, run.count, pixelAt, unchanged);
-}
-
-VANTLE_MULTIVERSION void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns,
-                                std::int32_t count) {
-    gatherWords(reinterpret_cast<std::uint8_t*>(out), count, wholePixel(pixels, columns), unchanged);
-}
-
-VANTLE_MULTIVERSION static void streamSampled(const Run& run, const std::uint8_t* pixels,
-                                              const std::int32_t* columns) {
-    drawLines(run, [=](const Run& part, std::int32_t first)
-                       VANTLE_INLINED { sampleWords(part, pixels, columns + first); });
-}
-
-VANTLE_MULTIVERSION void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns) {
-    if (streams(run, Fourth::kept, largeMerge))
-        streamSampled(run, pixels, columns);
-    else
-        sampleWords(run, pixels, columns);
-}
-
-VANTLE_MULTIVERSION void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* columns,
-                                     const std::uint32_t* under, float opacity) {
-    const float rest = 1.0F - opacity;
-    gatherWords(run.out, run.count, wholePixel(over, columns),
-                [=, kept = run.kept](std::uint32_t pixel, std::int32_t i) {
-                    const std::uint32_t faded = blendPixel(pixel, under[i], [=](float a, float b) {
-                        return lowered(a) * opacity + lowered(b) * rest;
-                    });
-                    return (faded & 0x00FFFFFFU) | (words(kept)[i] & 0xFF000000U);
-                });
 }
 
 }  // namespace vantle

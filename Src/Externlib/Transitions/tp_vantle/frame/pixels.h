@@ -92,15 +92,22 @@ void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);
 /// Whole pixels `pixels[origin + places[0]]`, `pixels[origin + places[1]]`, ...
 void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin, const std::int32_t* places);
 
-/// Whole pixels `columns[0]`, `columns[1]`, ... of a row of pixels.
-void gather(std::uint32_t* out, const std::uint8_t* pixels, const std::int32_t* columns, std::int32_t count);
+/// Pixels of a frame's row: its columns `columns[0]`, `columns[1]`, ..., which only rise.
+struct Samples {
+    const std::uint8_t* pixels;
+    const std::int32_t* columns;
+    std::ptrdiff_t
+        ahead;  ///< bytes to the row whose same columns are to be fetched meanwhile, if any; else 0
+};
 
-/// Bytes 0 to 2 of such pixels; byte 3 kept.
-void sample(const Run& run, const std::uint8_t* pixels, const std::int32_t* columns);
+/// Whole samples.
+void gather(std::uint32_t* out, const Samples& samples, std::int32_t count);
+
+/// Bytes 0 to 2 of samples; byte 3 kept.
+void sample(const Run& run, const Samples& samples);
 
 /// The same faded in over others: bytes over * opacity + under * (1 - opacity) in single precision,
 /// truncated.
-void sampleFaded(const Run& run, const std::uint8_t* over, const std::int32_t* columns,
-                 const std::uint32_t* under, float opacity);
+void sampleFaded(const Run& run, const Samples& over, const std::uint32_t* under, float opacity);
 
 }  // namespace vantle

@@ -199,10 +199,24 @@ struct Row::Samples {
     Source source;
     const std::int32_t* columns;
     std::int32_t first;
+    std::ptrdiff_t ahead = 0;  ///< bytes to the row that is to be fetched meanwhile, if any
 
     const std::uint8_t* pixels() const { return source == Source::to ? row.to_ : row.from_; }
 
-    /// Has them, up to column `end`, brought into the cache: of columns that only rise.
+    /// The same samples up to column `end`, those of `next` being fetched meanwhile: unless they are what
+    /// follows in memory, which processors fetch by themselves.
+    Samples before(const Row& next, std::int32_t end) const {
+        constexpr std::ptrdiff_t gap = 8 * lineBytes;
+        if (row.frameBytes_ < largeFrame || end <= first) return *this;
+        const std::ptrdiff_t distance = next.from_ - row.from_;
+        const std::ptrdiff_t length = std::ptrdiff_t{4} * (columns[end - first - 1] - columns[0]);
+        if (std::abs(distance) < length + gap) return *this;
+        return {row, source, columns, first, distance};
+    }
+
+    vantle::Samples from(std::int32_t column) const { return {pixels(), columns + (column - first), ahead}; }
+
+    /// Has them, up to column `end`, brought into the cache.
     void fetch(std::int32_t end) const {
         const std::ptrdiff_t last = columns[end - first - 1];
         for (std::ptrdiff_t column = columns[0]; column <= last; column += linePixels)
@@ -211,20 +225,20 @@ struct Row::Samples {
 
     /// All of them, up to column `end`, whole.
     void gather(std::uint32_t* gathered, std::int32_t end) const {
-        vantle::gather(gathered, pixels(), columns, end - first);
+        vantle::gather(gathered, from(first), end - first);
     }
 };
 
 inline Row& Row::sampled(const Samples& samples, std::int32_t end) {
-    const std::int32_t skipped = x() - samples.first;
-    if (const Run run = next(end); run.count > 0) sample(run, samples.pixels(), samples.columns + skipped);
+    const std::int32_t start = x();
+    if (const Run run = next(end); run.count > 0) sample(run, samples.from(start));
     return *this;
 }
 
 inline Row& Row::faded(const Samples& samples, const std::uint32_t* under, float opacity, std::int32_t end) {
-    const std::int32_t skipped = x() - samples.first;
+    const std::int32_t start = x();
     if (const Run run = next(end); run.count > 0)
-        sampleFaded(run, samples.pixels(), samples.columns + skipped, under + skipped, opacity);
+        sampleFaded(run, samples.from(start), under + (start - samples.first), opacity);
     return *this;
 }
 
@@ -266,6 +280,11 @@ class Stage {
 
     std::int32_t width() const { return width_; }    ///< pixels
     std::int32_t height() const { return height_; }  ///< rows
+
+    /// The row after `y` in the order in which memory holds them; at the end, `y`.
+    std::int32_t after(std::int32_t y) const {
+        return std::clamp(pitch_ < 0 ? y + 1 : y - 1, 0, height_ - 1);
+    }
 
     class RowIterator;
     struct Rows;

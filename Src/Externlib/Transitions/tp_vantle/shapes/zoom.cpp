@@ -50,18 +50,23 @@ void zoom(const Stage& stage, const Progress& progress) {
         std::uint32_t magnified[tileColumns];  // a row of imgFrom, which many rows show
         std::optional<std::int32_t> magnifiedRow;
         for (Row row : stage.rows()) {
+            const std::int32_t next = stage.after(row.y());
             const std::int32_t sourceRow = sourceOf(row.y(), centreRow, magnification);
             if (magnifiedRow != sourceRow) {
-                Row::Samples{stage.row(sourceRow), Source::from, fromColumns, first}.gather(magnified, end);
+                Row::Samples{stage.row(sourceRow), Source::from, fromColumns, first}
+                    .before(stage.row(stage.after(sourceRow)), end)
+                    .gather(magnified, end);
                 magnifiedRow = sourceRow;
             }
             row.skip(first);
             if (std::abs(row.y() - centreRow) < shownHeight / 2 && shownWidth >= 6) {
                 const Row shown = stage.row(sourceOf(row.y(), centreRow, s));
-                const Row::Samples reduced{shown, Source::to, toColumns, first};
+                const Row::Samples reduced =
+                    Row::Samples{shown, Source::to, toColumns + (left - first), left}.before(
+                        stage.row(sourceOf(next, centreRow, s)), right);
                 row.painted(magnified, first, left);
                 if (opacity < 1.0F)
-                    row.faded(reduced, magnified, opacity, right);
+                    row.faded(reduced, magnified + (left - first), opacity, right);
                 else
                     row.sampled(reduced, right);
             }
