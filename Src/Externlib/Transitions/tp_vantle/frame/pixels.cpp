@@ -91,21 +91,38 @@ VANTLE_INLINE void mixWords(const Run& run, Fourth fourth, Weights weights) {
         mixLinewise<divisor, each, false>(run, fourth, weights);
 }
 
-/// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0.
-VANTLE_INLINE void dim(Run run, Fourth fourth) {
-    if (fourth == Fourth::mixed) {
-        for (std::int32_t i = 0; i < 4 * run.count; ++i)
-            run.out[i] = static_cast<std::uint8_t>(run.to[i] - (run.to[i] != 0 ? 1 : 0));
-        return;
-    }
-    const std::uint8_t* const other = fourthOf(run, fourth);
-    for (std::int32_t i = 0; i < run.count; ++i) {
-        const std::uint32_t pixel = words(run.to)[i];
-        // The top bit of each byte, whether it is more than 0.
-        const std::uint32_t some = pixel | ((pixel & 0x7F7F7F7FU) + 0x7F7F7F7FU);
-        const std::uint32_t dimmed = pixel - (some >> 7 & 0x01010101U);
-        words(run.out)[i] = withFourth(dimmed, words(other)[i]);
-    }
+/// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0. Byte 3 is treated likewise
+/// if it is `mixed`, else that of another frame.
+template <Fourth fourth, typename... Frame>
+VANTLE_INLINE void dimLinewise(Run run, const std::uint8_t* other, Frame... frames) {
+    drawLinewise(
+        run,
+        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
+            const std::uint8_t* const bytes = run.to + std::ptrdiff_t{4} * first;
+            std::uint8_t dimmed[lineBytes];
+            for (std::int32_t i = 0; i < 4 * count; ++i)
+                dimmed[i] = static_cast<std::uint8_t>(bytes[i] - (bytes[i] != 0 ? 1 : 0));
+            std::memcpy(line, dimmed, sizeof(Word) * static_cast<std::size_t>(count));
+            if (fourth == Fourth::mixed) return;
+            for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(other)[first + i]);
+        },
+        frames...);
+}
+
+VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
+    if (fourth == Fourth::mixed)
+        dimLinewise<Fourth::mixed>(run, run.to, &Run::to);
+    else
+        dimLinewise<Fourth::kept>(run, fourthOf(run, fourth), &Run::to, frameOf(fourth));
+}
+
+/// Where a cache holds the frame, or a row goes on into the next, that comes by itself: the run with nothing
+/// to be fetched ahead of it.
+VANTLE_INLINE Run fetchedIfDimmed(Run run, Fourth fourth) {
+    constexpr std::ptrdiff_t gap = 8 * lineBytes;
+    const bool part = 4 * run.count + gap < run.ahead;
+    if (run.frameBytes < largeFrame || (fourth != Fourth::mixed && !part)) run.ahead = 0;
+    return run;
 }
 
 /// The same for a run that is mixed: one that also gets its byte 3 from elsewhere waits for memory.
@@ -182,11 +199,12 @@ static void showWhole(const Run& run, Source source, Fourth fourth) {
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std::int32_t weight) {
     if (divisor == Divisor::by256 && weight == 255) {
+        const Run dimmed = fetchedIfDimmed(run, fourth);
         // With another frame's byte 3 it is put together from two, more than it is mixed.
         if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
-            streamDimmed(run, fourth);
+            streamDimmed(dimmed, fourth);
         else
-            dim(run, fourth);
+            dim(dimmed, fourth);
     } else if (divisor == Divisor::by255 && weight % 255 == 0) {
         showWhole(run, weight == 0 ? Source::from : Source::to, fourth);
     } else if (streamsMixed(run, fourth)) {
