@@ -12,6 +12,17 @@
 
 namespace vantle {
 
+/// The three frames of one call, which have one geometry, from the first byte of each in memory.
+struct StageFrames {
+    std::int32_t width, height;
+    std::int32_t pitch;  ///< bytes from one row to the next in memory
+    std::uint8_t* out;
+    const std::uint8_t* from;
+    const std::uint8_t* to;
+    const std::uint8_t* kept;  ///< where a byte 3 that an effect keeps comes from: `out`, or an input
+    std::int64_t bytes;        ///< of each frame
+};
+
 /// One row of the output, written from left to right: each call continues where the last one ended and
 /// writes up to (not including) column `end`. An `end` outside the picture is clipped to it and one already
 /// passed writes nothing, so spans may be given as computed.
@@ -20,31 +31,27 @@ class Row {
     /// Pixels of an input frame's row: column `first + i` of what is drawn is its column `columns[i]`.
     struct Samples;
 
-    Row(std::int32_t y, std::int32_t width, std::int32_t pitch, std::ptrdiff_t ahead, std::uint8_t* out,
-        const std::uint8_t* from, const std::uint8_t* to, const std::uint8_t* kept, std::int64_t frameBytes)
-        : y_(y),
-          width_(width),
-          pitch_(pitch),
-          ahead_(ahead),
-          out_(out),
-          from_(from),
-          to_(to),
-          kept_(kept),
-          frameBytes_(frameBytes) {}
+    Row() = default;
+
+    /// Row `y` of the picture, which begins `offset` bytes into the frames.
+    Row(const StageFrames& frames, std::int32_t y, std::ptrdiff_t offset)
+        : frames_(&frames), offset_(offset), y_(y) {}
 
     std::int32_t y() const { return y_; }       ///< picture row, counted from the top
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
 
     /// Whole pixels of one input frame.
-    Row& show(Source source, std::int32_t end) { return copy(source, 4 * std::clamp(end, 0, width_)); }
+    Row& show(Source source, std::int32_t end) {
+        return copy(source, 4 * std::clamp(end, 0, frames_->width));
+    }
     Row& from(std::int32_t end) { return show(Source::from, end); }
     Row& to(std::int32_t end) { return show(Source::to, end); }
 
     /// Pixels of `imgFrom` up to the last `count` pixels of the pitch (of the row, when it has no padding).
-    Row& fromAllBut(std::int32_t count) { return copy(Source::from, std::abs(pitch_) - 4 * count); }
+    Row& fromAllBut(std::int32_t count) { return copy(Source::from, frames_->pitch - 4 * count); }
 
     /// The rest of the row with its padding.
-    void showRest(Source source) { copy(source, std::abs(pitch_)); }
+    void showRest(Source source) { copy(source, frames_->pitch); }
     void fromRest() { showRest(Source::from); }
     void toRest() { showRest(Source::to); }
 
@@ -129,9 +136,9 @@ class Row {
 
     /// Whole pixels of an input frame's row `other`, from its column `first` on.
     Row& moved(const Row& other, Source source, std::int32_t first, std::int32_t end) {
-        const std::uint8_t* const pixels = source == Source::to ? other.to_ : other.from_;
         if (const Run run = next(end); run.count > 0)
-            copyBytes(run.out, pixels + std::ptrdiff_t{4} * first, 4 * run.count, frameBytes_);
+            copyBytes(run.out, other.pixels(source) + std::ptrdiff_t{4} * first, 4 * run.count,
+                      frames_->bytes);
         return *this;
     }
 
@@ -158,6 +165,15 @@ class Row {
         return *this;
     }
 
+    /// Has the pixels that come next, up to column `end`, brought into the cache for what will be written to
+    /// them, unless the frame is small enough to be there.
+    void fetch(std::int32_t end) const {
+        if (frames_->bytes < fetchedFrame) return;
+        const std::uint8_t* const out = frames_->out + offset_;
+        for (std::int32_t at = at_; at < 4 * std::min(end, frames_->width); at += lineBytes)
+            fetchLine(out + at);
+    }
+
     /// Leaves pixels as they are.
     Row& skip(std::int32_t end) {
         next(end);
@@ -165,10 +181,14 @@ class Row {
     }
 
    private:
+    /// The whole row of an input frame.
+    const std::uint8_t* pixels(Source source) const {
+        return (source == Source::to ? frames_->to : frames_->from) + offset_;
+    }
+
     Row& copy(Source source, std::int32_t endByte) {
         if (endByte > at_) {
-            const std::uint8_t* const pixels = source == Source::to ? to_ : from_;
-            copyBytes(out_ + at_, pixels + at_, endByte - at_, frameBytes_);
+            copyBytes(frames_->out + offset_ + at_, pixels(source) + at_, endByte - at_, frames_->bytes);
             at_ = endByte;
         }
         return *this;
@@ -176,22 +196,20 @@ class Row {
 
     /// The pixels from here to column `end`, which the row then has passed.
     Run next(std::int32_t end) {
+        const StageFrames& frames = *frames_;
         const std::int32_t start = at_;
-        at_ = std::max(at_, 4 * std::clamp(end, 0, width_));
-        return {out_ + start,      from_ + start, to_ + start, kept_ + start,
-                (at_ - start) / 4, ahead_,        frameBytes_};
+        at_ = std::max(at_, 4 * std::clamp(end, 0, frames.width));
+        const bool fetches = frames.bytes >= fetchedFrame && offset_ + frames.pitch < frames.bytes;
+        const std::ptrdiff_t offset = offset_ + start;
+        return {frames.out + offset,  frames.from + offset, frames.to + offset,
+                frames.kept + offset, (at_ - start) / 4,    fetches ? std::ptrdiff_t{frames.pitch} : 0,
+                frames.bytes};
     }
 
-    std::int32_t y_;
-    std::int32_t width_;
-    std::int32_t pitch_;
-    std::ptrdiff_t ahead_;
+    const StageFrames* frames_ = nullptr;
+    std::ptrdiff_t offset_ = 0;
+    std::int32_t y_ = 0;
     std::int32_t at_ = 0;  // byte of the row that the next run starts with
-    std::uint8_t* out_;
-    const std::uint8_t* from_;
-    const std::uint8_t* to_;
-    const std::uint8_t* kept_;
-    std::int64_t frameBytes_;
 };
 
 struct Row::Samples {
@@ -201,14 +219,14 @@ struct Row::Samples {
     std::int32_t first;
     std::ptrdiff_t ahead = 0;  ///< bytes to the row that is to be fetched meanwhile, if any
 
-    const std::uint8_t* pixels() const { return source == Source::to ? row.to_ : row.from_; }
+    const std::uint8_t* pixels() const { return row.pixels(source); }
 
     /// The same samples up to column `end`, those of `next` being fetched meanwhile: unless they are what
     /// follows in memory, which processors fetch by themselves.
     Samples before(const Row& next, std::int32_t end) const {
         constexpr std::ptrdiff_t gap = 8 * lineBytes;
-        if (row.frameBytes_ < largeFrame || end <= first) return *this;
-        const std::ptrdiff_t distance = next.from_ - row.from_;
+        if (row.frames_->bytes < largeFrame || end <= first) return *this;
+        const std::ptrdiff_t distance = next.offset_ - row.offset_;
         const std::ptrdiff_t length = std::ptrdiff_t{4} * (columns[end - first - 1] - columns[0]);
         if (std::abs(distance) < length + gap) return *this;
         return {row, source, columns, first, distance};
@@ -242,23 +260,17 @@ inline Row& Row::faded(const Samples& samples, const std::uint32_t* under, float
     return *this;
 }
 
-/// The three frames of one call, which have one geometry. They are stored bottom-up when `pitch` is positive
-/// and top-down when it is negative; the picture drawn is the same.
+/// What is drawn on: the frames of one call. They are stored bottom-up when `pitch` is positive and top-down
+/// when it is negative; the picture drawn is the same.
 class Stage {
    public:
-    /// Frames of `width` x `height` pixels of 4 bytes, neither negative, whose rows lie `pitch` bytes apart,
-    /// at least 4 for each pixel. The pointers are to the first byte of each in memory, whichever row that is
-    /// of.
+    /// StageFrames of `width` x `height` pixels of 4 bytes, neither negative, whose rows lie `pitch` bytes
+    /// apart, at least 4 for each pixel. The pointers are to the first byte of each in memory, whichever row
+    /// that is of.
     Stage(std::int32_t width, std::int32_t height, std::int32_t pitch, std::uint8_t* out,
           const std::uint8_t* from, const std::uint8_t* to)
-        : width_(width),
-          height_(height),
-          pitch_(pitch),
-          out_(out),
-          from_(from),
-          to_(to),
-          kept_(out),
-          frameBytes_(std::int64_t{std::abs(pitch)} * height) {}
+        : frames_{width, height, std::abs(pitch), out, from, to, out, std::int64_t{std::abs(pitch)} * height},
+          topDown_(pitch < 0) {}
     Stage(const Stage&) = default;
     Stage& operator=(const Stage&) = default;
     ~Stage() { finishStreaming(); }
@@ -267,24 +279,22 @@ class Stage {
     /// output held it, is that of an input frame instead.
     Stage keeping(Source source) const {
         Stage stage = *this;
-        stage.kept_ = source == Source::to ? to_ : from_;
+        stage.frames_.kept = source == Source::to ? frames_.to : frames_.from;
         return stage;
     }
 
     /// The same frames, written past the cache as large ones are.
     Stage streamed() const {
         Stage stage = *this;
-        stage.frameBytes_ = std::int64_t{1} << 31;
+        stage.frames_.bytes = std::int64_t{1} << 31;
         return stage;
     }
 
-    std::int32_t width() const { return width_; }    ///< pixels
-    std::int32_t height() const { return height_; }  ///< rows
+    std::int32_t width() const { return frames_.width; }    ///< pixels
+    std::int32_t height() const { return frames_.height; }  ///< rows
 
     /// The row after `y` in the order in which memory holds them; at the end, `y`.
-    std::int32_t after(std::int32_t y) const {
-        return std::clamp(pitch_ < 0 ? y + 1 : y - 1, 0, height_ - 1);
-    }
+    std::int32_t after(std::int32_t y) const { return std::clamp(topDown_ ? y + 1 : y - 1, 0, height() - 1); }
 
     class RowIterator;
     struct Rows;
@@ -296,27 +306,14 @@ class Stage {
     Rows rows(std::int32_t first, std::int32_t end) const;
 
     /// Row `y` of the picture, 0 at the top. The only place that knows in which order frames are stored.
-    Row row(std::int32_t y) const {
-        const std::ptrdiff_t offset = std::ptrdiff_t{placeOf(y)} * std::abs(pitch_);
-        const std::ptrdiff_t ahead =
-            frameBytes_ >= fetchedFrame && placeOf(y) < height_ - 1 ? std::ptrdiff_t{std::abs(pitch_)} : 0;
-        return {
-            y,          width_, pitch_, ahead, out_ + offset, from_ + offset, to_ + offset, kept_ + offset,
-            frameBytes_};
-    }
+    Row row(std::int32_t y) const { return {frames_, y, std::ptrdiff_t{placeOf(y)} * frames_.pitch}; }
 
    private:
     /// Where memory holds row `y`; and, the two being each other's mirror image, which row it holds there.
-    std::int32_t placeOf(std::int32_t y) const { return pitch_ < 0 ? y : height_ - 1 - y; }
+    std::int32_t placeOf(std::int32_t y) const { return topDown_ ? y : height() - 1 - y; }
 
-    std::int32_t width_;
-    std::int32_t height_;
-    std::int32_t pitch_;
-    std::uint8_t* out_;
-    const std::uint8_t* from_;
-    const std::uint8_t* to_;
-    const std::uint8_t* kept_;
-    std::int64_t frameBytes_;
+    StageFrames frames_;
+    bool topDown_;
 };
 
 class Stage::RowIterator {
@@ -341,12 +338,12 @@ struct Stage::Rows {
     RowIterator end() const { return {stage, endPlace}; }
 };
 
-inline Stage::Rows Stage::rows() const { return rows(0, height_); }
+inline Stage::Rows Stage::rows() const { return rows(0, height()); }
 
 inline Stage::Rows Stage::rows(std::int32_t first, std::int32_t end) const {
-    const std::int32_t firstRow = std::clamp(first, 0, height_);
-    const std::int32_t endRow = std::clamp(end, firstRow, height_);
-    return pitch_ < 0 ? Rows{*this, firstRow, endRow} : Rows{*this, height_ - endRow, height_ - firstRow};
+    const std::int32_t firstRow = std::clamp(first, 0, height());
+    const std::int32_t endRow = std::clamp(end, firstRow, height());
+    return topDown_ ? Rows{*this, firstRow, endRow} : Rows{*this, height() - endRow, height() - firstRow};
 }
 
 }  // namespace vantle

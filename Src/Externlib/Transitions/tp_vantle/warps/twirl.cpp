@@ -15,21 +15,30 @@ namespace {
 
 /// A row of the output.
 struct Line {
-    std::int32_t y;
+    Row row;               ///< drawn as far as the blocks have come
     std::ptrdiff_t place;  ///< of its pixel in the centre column, from the frame's first
-    Span shown;            ///< the columns that show the picture
+    std::int32_t end;      ///< of the columns that show the picture
 };
 
-/// The columns 0 to `width` - 1 whose coordinate `at(x)`, which only rises or only falls, lies inside.
+/// The columns 0 to `width` - 1 whose coordinate `at(x)`, which only rises or only falls, lies inside. They
+/// are about where those of the row before are.
 template <typename At>
-Span columnsInside(std::int32_t width, const Extent& extent, bool rising, At at) {
+Span columnsInside(std::int32_t width, const Extent& extent, bool rising, const Span& before, At at) {
     const auto coordinate = [&](std::int32_t x) { return extent.clampedIn(at(x)); };
-    const std::int32_t above =
-        crossing(0, width, [&](std::int32_t x) { return (coordinate(x) > extent.first) == rising; });
-    const std::int32_t below =
-        crossing(0, width, [&](std::int32_t x) { return (coordinate(x) < extent.end) != rising; });
+    const std::int32_t above = crossing(0, width, rising ? before.first : before.end, [&](std::int32_t x) {
+        return (coordinate(x) > extent.first) == rising;
+    });
+    const std::int32_t below = crossing(0, width, rising ? before.end : before.first, [&](std::int32_t x) {
+        return (coordinate(x) < extent.end) != rising;
+    });
     return rising ? Span{above, below} : Span{below, above};
 }
+
+/// The columns of a row inside each of the picture's two dimensions.
+struct Inside {
+    Span across{0, 0}, down{0, 0};
+    Span both() const { return {std::max(across.first, down.first), std::min(across.end, down.end)}; }
+};
 
 /// A turned picture on black, drawn in square blocks. While one is drawn, what the next one shows is fetched.
 class Twirl {
@@ -43,38 +52,43 @@ class Twirl {
           size_(blockSize(turn)) {}
 
     void draw() const {
+        Inside inside;
         for (std::int32_t top = 0; top < stage_.height(); top += size_) {
             Line lines[patchSide];
             std::int32_t count = 0;
             Span shown{stage_.width(), 0};
             for (Row row : stage_.rows(top, top + size_)) {
-                const Line& line = lines[count++] = lineOf(row.y());
-                row.black(line.shown.first).skip(line.shown.end).black(stage_.width());
-                if (line.shown.empty()) continue;
-                shown = {std::min(shown.first, line.shown.first), std::max(shown.end, line.shown.end)};
+                const TurnedRow turned = turn_.row(row.y());
+                findInside(inside, turned);
+                const Span columns = inside.both();
+                Row(row).black(columns.first).skip(columns.end).black(stage_.width());
+                row.skip(columns.first);
+                lines[count++] = {row,
+                                  placeOf(static_cast<std::int32_t>(turned.column),
+                                          static_cast<std::int32_t>(turned.row + turned.centreRow)),
+                                  columns.end};
+                if (!columns.empty())
+                    shown = {std::min(shown.first, columns.first), std::max(shown.end, columns.end)};
             }
             drawBlocks({lines, static_cast<std::size_t>(count)}, top, shown);
         }
     }
 
    private:
-    Line lineOf(std::int32_t y) const {
-        const TurnedRow turned = turn_.row(y);
-        const auto inside = [&](const Extent& extent, bool rising, auto at) {
-            return columnsInside(stage_.width(), extent, rising,
+    /// Finds the columns of a row that lie inside, from those of the row before.
+    void findInside(Inside& inside, const TurnedRow& turned) const {
+        const auto find = [&](const Extent& extent, bool rising, const Span& before, auto at) {
+            return columnsInside(stage_.width(), extent, rising, before,
                                  [&](std::int32_t x) { return at(x - turn_.centreColumn); });
         };
-        const Span columns =
-            inside(across_, turn_.cosine >= 0.0, [&](double dx) { return turned.columnAt(dx); });
-        const Span rows = inside(down_, turn_.sine <= 0.0, [&](double dx) { return turned.rowAt(dx); });
-        return {y,
-                placeOf(static_cast<std::int32_t>(turned.column),
-                        static_cast<std::int32_t>(turned.row + turned.centreRow)),
-                {std::max(columns.first, rows.first), std::min(columns.end, rows.end)}};
+        inside.across =
+            find(across_, turn_.cosine >= 0.0, inside.across, [&](double dx) { return turned.columnAt(dx); });
+        inside.down =
+            find(down_, turn_.sine <= 0.0, inside.down, [&](double dx) { return turned.rowAt(dx); });
     }
 
     /// Blocks beside each other, as far as they show anything. They begin where lines of the output do.
-    void drawBlocks(std::span<const Line> lines, std::int32_t top, const Span& shown) const {
+    void drawBlocks(std::span<Line> lines, std::int32_t top, const Span& shown) const {
         std::int32_t left = shown.first / linePixels * linePixels;
         Part parts[2];
         if (left < shown.end) findPart(parts[0], across_, down_, turn_, left, top, size_);
@@ -85,7 +99,7 @@ class Twirl {
         }
     }
 
-    void drawBlock(std::span<const Line> lines, std::int32_t left, const Part& part, const Part& next) const {
+    void drawBlock(std::span<Line> lines, std::int32_t left, const Part& part, const Part& next) const {
         std::uint32_t patch[patchSide * patchSide];
         for (std::int32_t row = 0; row < part.rowCount(); ++row)
             withSamples(part, row, [&](const Row::Samples& samples, std::ptrdiff_t place) {
@@ -95,24 +109,23 @@ class Twirl {
         findSteps(steps, turn_, left - turn_.centreColumn, size_);
         const std::int32_t rowsPerLine = next.rowCount() / static_cast<std::int32_t>(lines.size()) + 1;
         std::int32_t fetched = 0;
-        for (const auto& [y, place, shown] : lines) {
+        for (auto& [row, place, shownEnd] : lines) {
             const std::int32_t fetchedEnd = std::min(fetched + rowsPerLine, next.rowCount());
             for (; fetched < fetchedEnd; ++fetched)
                 withSamples(next, fetched, [&](const Row::Samples& samples, std::ptrdiff_t) {
                     samples.fetch(next.end[fetched]);
                 });
-            const std::int32_t first = std::max(shown.first, left);
-            const std::int32_t end = std::min(shown.end, left + size_);
-            if (first >= end) continue;
-            Row row = stage_.row(y).skip(first);
-            if (steps.exact) {
+            const std::int32_t first = row.x();
+            const std::int32_t end = std::min(shownEnd, left + size_);
+            if (first < end && steps.exact) {
                 const std::ptrdiff_t leftmost = place + steps.first - part.place();
                 row.picked(patch, leftmost, steps.each + (first - left), end);
-            } else {
+            } else if (first < end) {
                 std::int32_t places[patchSide];
-                findPlaces(places, part, turn_.row(y), first - turn_.centreColumn, end - first);
+                findPlaces(places, part, turn_.row(row.y()), first - turn_.centreColumn, end - first);
                 row.picked(patch, 0, places, end);
             }
+            row.fetch(std::min(shownEnd, left + 2 * size_));
         }
     }
 
