@@ -10,6 +10,15 @@
 
 namespace vantle {
 
+/// Whether this processor does: without its wide registers it would take longer.
+inline bool looksNear() {
+#if VANTLE_LEVELS
+    return __builtin_cpu_supports("avx2") != 0;
+#else
+    return false;
+#endif
+}
+
 /// Bytes that are looked up at a time, and how far apart they may be.
 constexpr std::int32_t nearBytes = 16;
 
@@ -35,15 +44,6 @@ VANTLE_INLINE void lookNear(std::uint8_t* found, const std::uint8_t* table, cons
 /// Words that are looked up at a time; they may be twice as far apart.
 constexpr std::int32_t nearWords = 8;
 constexpr std::int32_t wordsReach = 2 * nearWords;
-
-/// Whether this processor looks words up so.
-inline bool looksWordsNear() {
-#if VANTLE_LEVELS
-    return __builtin_cpu_supports("avx2") != 0;
-#else
-    return false;
-#endif
-}
 
 /// found[i] = the word `places[i]` words from `table` on, for places `first` to `first` + 15 of a table that
 /// has all of these.

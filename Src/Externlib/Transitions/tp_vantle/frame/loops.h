@@ -27,6 +27,7 @@ constexpr std::int32_t tilePixels = 128;
 VANTLE_INLINE const Word* words(const void* pixels) { return static_cast<const Word*>(pixels); }
 VANTLE_INLINE Word* words(void* pixels) { return static_cast<Word*>(pixels); }
 VANTLE_INLINE const Half* halves(const void* pixels) { return static_cast<const Half*>(pixels); }
+VANTLE_INLINE Half* halves(void* pixels) { return static_cast<Half*>(pixels); }
 
 VANTLE_INLINE const std::uint8_t* pixelsOf(const Run& run, Source source) {
     return source == Source::to ? run.to : run.from;
@@ -65,6 +66,21 @@ VANTLE_INLINE std::uint32_t withFourth(std::uint32_t colours, std::uint32_t four
 VANTLE_INLINE void mergeFourth(std::uint8_t* out, const void* colours, const std::uint8_t* fourth,
                                std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) words(out)[i] = withFourth(words(colours)[i], words(fourth)[i]);
+}
+
+/// Draws a run tile by tile, in place: `loop(tile, first)` draws the pixels from `first` on. `frames` of the
+/// next row are fetched. That whole tiles have a length that is known when they are compiled saves a quarter
+/// of the time.
+template <typename Loop, typename... Frame>
+VANTLE_INLINE void drawTiles(Run run, Loop loop, Frame... frames) {
+    const auto drawTile = [&](std::int32_t first, std::int32_t count) VANTLE_INLINED {
+        const Run tile = tail(run, first, count);
+        fetchNext(tile, frames...);
+        loop(tile, first);
+    };
+    std::int32_t first = 0;
+    for (; run.count - first >= tilePixels; first += tilePixels) drawTile(first, tilePixels);
+    if (first < run.count) drawTile(first, run.count - first);
 }
 
 /// Draws a run line by line: `draw(line, first, count)` makes `count` of its pixels from `first` on. `frames`
@@ -110,6 +126,25 @@ VANTLE_INLINE void drawLinewise(Run run, Draw draw, Frame... frames) {
     draw(lastLine, last, linePixels);
     store(end, line);
     store(last, lastLine);
+}
+
+/// Draws a run in parts of a length that is known when they are compiled, but for its end: `drawPart(part,
+/// first)` draws one, whose first pixel is pixel `first` of the run. They are lines where these stay in a
+/// register from the pictures to the output, and else tiles.
+template <typename DrawPart, typename... Frame>
+VANTLE_INLINE void drawParts(Run run, DrawPart drawPart, Frame... frames) {
+    if (!registersHoldLines()) {
+        drawTiles(run, drawPart, frames...);
+        return;
+    }
+    drawLinewise(
+        run,
+        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
+            Run part = tail(run, first, count);
+            part.out = reinterpret_cast<std::uint8_t*>(line);
+            drawPart(part, first);
+        },
+        frames...);
 }
 
 /// Bytes of a frame from which on pixels of two frames that are not mixed are drawn past the cache: that

@@ -5,12 +5,14 @@
 
 #include <cstdlib>  // any header of the C library tells whether it is glibc
 
-// VANTLE_BASE_LEVEL: for the one of functions of a name that is written for each level by hand.
+// VANTLE_BASE_LEVEL, VANTLE_WIDE_LEVEL: for functions of one name that are written for each level by hand,
+// which those that see all of them call by it.
 #if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VANTLE_LEVELS 1
 #define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #define VANTLE_BASE_LEVEL __attribute__((target("default")))
+#define VANTLE_WIDE_LEVEL __attribute__((target("arch=x86-64-v3")))
 #else
 #define VANTLE_LEVELS 0
 #define VANTLE_MULTIVERSION
@@ -21,3 +23,16 @@
 #define VANTLE_INLINE [[gnu::always_inline]] inline
 /// The same for a lambda, where it stands behind the parameters.
 #define VANTLE_INLINED __attribute__((always_inline))
+
+namespace vantle {
+
+/// Whether a register of the level that is chosen holds a line of memory.
+inline bool registersHoldLines() {
+#if VANTLE_LEVELS
+    return __builtin_cpu_supports("avx512bw") != 0;
+#else
+    return false;
+#endif
+}
+
+}  // namespace vantle

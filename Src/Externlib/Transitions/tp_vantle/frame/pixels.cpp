@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
+#include <type_traits>
 
 #include "frame/loops.h"
 #include "frame/multiversion.h"
@@ -46,74 +46,102 @@ VANTLE_INLINE std::uint16_t mixHalf(std::uint16_t from, std::uint16_t to, std::u
     return static_cast<std::uint16_t>(low | high << 8);
 }
 
-/// The weight of imgTo in a pixel, once for each of its bytes.
-VANTLE_INLINE std::uint32_t spreadWeight(Weight weight) { return weight * 0x01010101U; }
-
 /// The same weight for each pixel, where there might be an array of them.
 struct SameWeight {
     Weight weight;
     SameWeight operator+(std::int32_t) const { return *this; }
-    Weight operator[](std::int32_t) const { return weight; }
 };
 
-/// Mixes a run by weights, `each` pixel having its own, which may be 0 or 255, or all the same one, which is
-/// neither. Byte 3 is mixed too, or that of `fourth`.
-template <Divisor divisor, bool each, bool fourthMixed, typename Weights>
-VANTLE_INLINE void mixLinewise(Run run, Fourth fourth, Weights runWeights) {
-    const auto drawLine = [=, other = fourthOf(run, fourth)](std::uint32_t* line, std::int32_t first,
-                                                             std::int32_t count) VANTLE_INLINED {
-        const Run part = tail(run, first, count);
-        const Weights weights = runWeights + first;
-        std::uint32_t spread[linePixels];
-        for (std::int32_t i = 0; i < count; ++i) spread[i] = spreadWeight(weights[i]);
-        std::uint16_t lanes[2 * linePixels], mixed[2 * linePixels];
-        std::memcpy(lanes, spread, sizeof(Word) * static_cast<std::size_t>(count));
-        for (std::int32_t i = 0; i < 2 * count; ++i)
-            mixed[i] = mixHalf<divisor, each>(halves(part.from)[i], halves(part.to)[i], lanes[i]);
-        std::memcpy(line, mixed, sizeof(Word) * static_cast<std::size_t>(count));
-        if (fourthMixed) return;
-        for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(other)[first + i]);
+/// Mixes the lanes of a tile: `lanes(i)` is the weight of imgTo in lane i, twice. Byte 3 is mixed too, or
+/// that of `other`.
+template <Divisor divisor, bool each, bool fourthMixed, typename Lanes>
+VANTLE_INLINE void mixLanes(const Run& tile, const std::uint8_t* other, Lanes lanes) {
+    const auto mixInto = [&](Half* out) VANTLE_INLINED {
+        for (std::int32_t i = 0; i < 2 * tile.count; ++i)
+            out[i] = mixHalf<divisor, each>(halves(tile.from)[i], halves(tile.to)[i], lanes(i));
     };
-    // By 256, and by one weight, it takes no time but memory's.
-    if constexpr (!each)
-        drawLinewise(run, drawLine);
-    else if (fourth == Fourth::kept)
-        drawLinewise(run, drawLine, &Run::from, &Run::to, &Run::kept);
-    else
-        drawLinewise(run, drawLine, &Run::from, &Run::to);
+    if constexpr (fourthMixed) {
+        mixInto(halves(tile.out));
+    } else {
+        alignas(lineBytes) Half mixed[2 * tilePixels];
+        mixInto(mixed);
+        mergeFourth(tile.out, mixed, other, tile.count);
+    }
 }
 
-template <Divisor divisor, bool each, typename Weights>
-VANTLE_INLINE void mixWords(const Run& run, Fourth fourth, Weights weights) {
-    if (fourth == Fourth::mixed)
-        mixLinewise<divisor, each, true>(run, fourth, weights);
-    else
-        mixLinewise<divisor, each, false>(run, fourth, weights);
+/// Mixes a tile by one weight, which is neither 0 nor 255.
+template <Divisor divisor, bool fourthMixed>
+VANTLE_INLINE void mixTile(const Run& tile, const std::uint8_t* other, SameWeight same) {
+    const auto lane = static_cast<std::uint16_t>(257 * same.weight);
+    mixLanes<divisor, false, fourthMixed>(tile, other, [=](std::int32_t) { return lane; });
 }
 
-/// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0. Byte 3 is treated likewise
-/// if it is `mixed`, else that of another frame.
-template <Fourth fourth, typename... Frame>
-VANTLE_INLINE void dimLinewise(Run run, const std::uint8_t* other, Frame... frames) {
-    drawLinewise(
+/// Mixes a tile by a weight for each pixel.
+template <Divisor divisor, bool fourthMixed>
+VANTLE_INLINE void mixTile(const Run& tile, const std::uint8_t* other, const Weight* weights) {
+    alignas(lineBytes) Half spread[2 * tilePixels];  // each weight once for each of its pixel's bytes
+    for (std::int32_t i = 0; i < tile.count; ++i) words(spread)[i] = weights[i] * 0x01010101U;
+    const Half* const lanes = spread;
+    mixLanes<divisor, true, fourthMixed>(tile, other,
+                                         [=](std::int32_t i) -> std::uint16_t { return lanes[i]; });
+}
+
+template <Divisor divisor, bool fourthMixed, typename Weights, typename... Frame>
+VANTLE_INLINE void mixParts(const Run& run, Fourth fourth, Weights weights, Frame... frames) {
+    const std::uint8_t* const other = fourthOf(run, fourth);
+    drawParts(
         run,
-        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
-            const std::uint8_t* const bytes = run.to + std::ptrdiff_t{4} * first;
-            std::uint8_t dimmed[lineBytes];
-            for (std::int32_t i = 0; i < 4 * count; ++i)
-                dimmed[i] = static_cast<std::uint8_t>(bytes[i] - (bytes[i] != 0 ? 1 : 0));
-            std::memcpy(line, dimmed, sizeof(Word) * static_cast<std::size_t>(count));
-            if (fourth == Fourth::mixed) return;
-            for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(other)[first + i]);
+        [=](const Run& part, std::int32_t first) VANTLE_INLINED {
+            mixTile<divisor, fourthMixed>(part, other + std::ptrdiff_t{4} * first, weights + first);
+        },
+        frames...);
+}
+
+/// Mixes by `weights`: the same for all pixels, or an array.
+template <Divisor divisor, typename Weights>
+VANTLE_INLINE void mixWords(const Run& run, Fourth fourth, Weights weights) {
+    const auto mixAndFetch = [=](auto... frames) VANTLE_INLINED {
+        if (fourth == Fourth::mixed)
+            mixParts<divisor, true>(run, fourth, weights, frames...);
+        else
+            mixParts<divisor, false>(run, fourth, weights, frames...);
+    };
+    if constexpr (std::is_same_v<Weights, SameWeight>)
+        mixAndFetch();  // it takes no time but memory's
+    else if (fourth == Fourth::kept)
+        mixAndFetch(&Run::from, &Run::to, &Run::kept);
+    else
+        mixAndFetch(&Run::from, &Run::to);
+}
+
+/// imgTo at full weight of 256ths: v * 255 / 256, which is v - 1 for all v but 0. Byte 3 is treated likewise,
+/// or that of `other`.
+template <bool fourthMixed, typename... Frame>
+VANTLE_INLINE void dimParts(const Run& run, const std::uint8_t* other, Frame... frames) {
+    drawParts(
+        run,
+        [=](const Run& part, std::int32_t first) VANTLE_INLINED {
+            if constexpr (fourthMixed) {
+                for (std::int32_t i = 0; i < 4 * part.count; ++i)
+                    part.out[i] = static_cast<std::uint8_t>(part.to[i] - (part.to[i] != 0 ? 1 : 0));
+            } else {
+                const Word* const fourths = words(other) + first;
+                for (std::int32_t i = 0; i < part.count; ++i) {
+                    const std::uint32_t pixel = words(part.to)[i];
+                    // The top bit of each byte, whether it is more than 0.
+                    const std::uint32_t some = pixel | ((pixel & 0x7F7F7F7FU) + 0x7F7F7F7FU);
+                    words(part.out)[i] = withFourth(pixel - (some >> 7 & 0x01010101U), fourths[i]);
+                }
+            }
         },
         frames...);
 }
 
 VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
     if (fourth == Fourth::mixed)
-        dimLinewise<Fourth::mixed>(run, run.to, &Run::to);
+        dimParts<true>(run, nullptr, &Run::to);
     else
-        dimLinewise<Fourth::kept>(run, fourthOf(run, fourth), &Run::to, frameOf(fourth));
+        dimParts<false>(run, fourthOf(run, fourth), &Run::to, frameOf(fourth));
 }
 
 /// Where a cache holds the frame, or a row goes on into the next, that comes by itself: the run with nothing
@@ -150,12 +178,6 @@ VANTLE_MULTIVERSION static void streamDimmed(const Run& run, Fourth fourth) {
     drawLines(run, [=](const Run& part, std::int32_t) VANTLE_INLINED { dim(part, fourth); });
 }
 
-template <Divisor divisor, bool each, typename Weights>
-VANTLE_INLINE void mixLines(const Run& run, Fourth fourth, Weights weights) {
-    drawLines(run, [=](const Run& part, std::int32_t first)
-                       VANTLE_INLINED { mixWords<divisor, each>(part, fourth, weights + first); });
-}
-
 VANTLE_MULTIVERSION void meanWeights(Weight* means, const Weight* weights, Weight other, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) means[i] = static_cast<Weight>((weights[i] + other) >> 1);
 }
@@ -175,20 +197,22 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
     }
 }
 
-VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
-                                            std::int32_t weight) {
-    if (divisor == Divisor::by255)
-        mixLines<Divisor::by255, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
+/// Mixes a run where it belongs, or past the cache.
+template <Divisor divisor, typename Weights>
+VANTLE_INLINE void mixRun(const Run& run, Fourth fourth, Weights weights) {
+    if (streamsMixed(run, fourth))
+        drawLines(run, [=](const Run& part, std::int32_t first)
+                           VANTLE_INLINED { mixWords<divisor>(part, fourth, weights + first); });
     else
-        mixLines<Divisor::by256, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
+        mixWords<divisor>(run, fourth, weights);
 }
 
-VANTLE_MULTIVERSION static void streamMixed(const Run& run, Divisor divisor, Fourth fourth,
-                                            const Weight* weights) {
+template <typename Weights>
+VANTLE_INLINE void mixRun(const Run& run, Divisor divisor, Fourth fourth, Weights weights) {
     if (divisor == Divisor::by255)
-        mixLines<Divisor::by255, true>(run, fourth, weights);
+        mixRun<Divisor::by255>(run, fourth, weights);
     else
-        mixLines<Divisor::by256, true>(run, fourth, weights);
+        mixRun<Divisor::by256>(run, fourth, weights);
 }
 
 /// All of one frame, as where all of the weight is its own.
@@ -207,22 +231,13 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
             dim(dimmed, fourth);
     } else if (divisor == Divisor::by255 && weight % 255 == 0) {
         showWhole(run, weight == 0 ? Source::from : Source::to, fourth);
-    } else if (streamsMixed(run, fourth)) {
-        streamMixed(run, divisor, fourth, weight);
-    } else if (divisor == Divisor::by255) {
-        mixWords<Divisor::by255, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
     } else {
-        mixWords<Divisor::by256, false>(run, fourth, SameWeight{static_cast<Weight>(weight)});
+        mixRun(run, divisor, fourth, SameWeight{static_cast<Weight>(weight)});
     }
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights) {
-    if (streamsMixed(run, fourth))
-        streamMixed(run, divisor, fourth, weights);
-    else if (divisor == Divisor::by255)
-        mixWords<Divisor::by255, true>(run, fourth, weights);
-    else
-        mixWords<Divisor::by256, true>(run, fourth, weights);
+    mixRun(run, divisor, fourth, weights);
 }
 
 namespace {
@@ -277,14 +292,10 @@ VANTLE_INLINE void blackenWords(Run run) {
     for (std::int32_t i = 0; i < run.count; ++i) words(run.out)[i] = words(run.kept)[i] & 0xFF000000U;
 }
 
-VANTLE_INLINE void blackenLinewise(Run run) {
+VANTLE_INLINE void blackenParts(Run run) {
     if (run.frameBytes < largeFrame) run.ahead = 0;  // where a cache holds it, a single frame comes by itself
-    drawLinewise(
-        run,
-        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
-            for (std::int32_t i = 0; i < count; ++i) line[i] = words(run.kept)[first + i] & 0xFF000000U;
-        },
-        &Run::kept);
+    drawParts(
+        run, [](const Run& tile, std::int32_t) VANTLE_INLINED { blackenWords(tile); }, &Run::kept);
 }
 
 }  // namespace
@@ -315,7 +326,7 @@ VANTLE_MULTIVERSION void blacken(const Run& run) {
     if (streams(run, Fourth::kept, largeMerge))
         streamBlack(run);
     else
-        blackenLinewise(run);
+        blackenParts(run);
 }
 
 VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade) {
@@ -327,20 +338,18 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
     Run shown = run;
     shown.kept = pixelsOf(run, source);
     if (digits == 0) {
-        blackenLinewise(shown);
+        blackenParts(shown);
         return;
     }
-    drawLinewise(
+    drawParts(
         shown,
-        [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
-            const Run part = tail(shown, first, count);
-            std::uint16_t lanes[2 * linePixels];
-            for (std::int32_t i = 0; i < 2 * count; ++i) {
-                const std::uint16_t lane = halves(part.kept)[i];
+        [=](const Run& tile, std::int32_t) VANTLE_INLINED {
+            alignas(lineBytes) Half lanes[2 * tilePixels];
+            for (std::int32_t i = 0; i < 2 * tile.count; ++i) {
+                const std::uint16_t lane = halves(tile.kept)[i];
                 lanes[i] = static_cast<std::uint16_t>(shaded(lane & 255) | shaded(lane >> 8) << 8);
             }
-            std::memcpy(line, lanes, sizeof(Word) * static_cast<std::size_t>(count));
-            for (std::int32_t i = 0; i < count; ++i) line[i] = withFourth(line[i], words(part.kept)[i]);
+            mergeFourth(tile.out, lanes, tile.kept, tile.count);
         },
         &Run::kept, &Run::out);
 }

@@ -19,18 +19,17 @@ constexpr std::int32_t colourBits = 0x00FFFFFF;
 // By wide stores where there are any: narrow ones fill the processor's queue of stores, and what is to be
 // loaded after them waits.
 
-__attribute__((target("arch=x86-64-v3"))) __m256i wide(const std::uint8_t* in) {
+VANTLE_WIDE_LEVEL __m256i wide(const std::uint8_t* in) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
 }
 
-__attribute__((target("arch=x86-64-v3"))) void store(std::uint8_t* out, const std::uint8_t* in,
-                                                     std::int32_t bytes) {
+VANTLE_WIDE_LEVEL void store(std::uint8_t* out, const std::uint8_t* in, std::int32_t bytes) {
     for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m256i))
         _mm256_stream_si256(reinterpret_cast<__m256i*>(out + at), wide(in + at));
 }
 
-__attribute__((target("arch=x86-64-v3"))) void merge(std::uint8_t* out, const std::uint8_t* colours,
-                                                     const std::uint8_t* fourth, std::int32_t bytes) {
+VANTLE_WIDE_LEVEL void merge(std::uint8_t* out, const std::uint8_t* colours, const std::uint8_t* fourth,
+                             std::int32_t bytes) {
     const __m256i mask = _mm256_set1_epi32(colourBits);
     for (std::ptrdiff_t at = 0; at < bytes; at += sizeof(__m256i))
         _mm256_stream_si256(reinterpret_cast<__m256i*>(out + at),
