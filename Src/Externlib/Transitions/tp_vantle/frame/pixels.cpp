@@ -373,7 +373,9 @@ VANTLE_MULTIVERSION static void streamChosen(const Run& run, const std::uint32_t
 }
 
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
-    if (streams(run, Fourth::mixed, largeMerge))
+    // The ranks take longer than the pixels: past the cache, smaller frames gain nothing, and whoever reads
+    // them loses.
+    if (streams(run, Fourth::mixed, largeFrame))
         streamChosen(run, ranks, end);
     else
         chooseWords(run, ranks, end);
