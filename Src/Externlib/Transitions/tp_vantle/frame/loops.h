@@ -80,7 +80,8 @@ VANTLE_INLINE void drawTiles(Run run, Loop loop, Frame... frames) {
     };
     std::int32_t first = 0;
     for (; run.count - first >= tilePixels; first += tilePixels) drawTile(first, tilePixels);
-    if (first < run.count) drawTile(first, run.count - first);
+    // What looks for errors does not see that the rest is shorter.
+    if (first < run.count) drawTile(first, std::min(run.count - first, tilePixels));
 }
 
 /// Draws a run line by line: `draw(line, first, count)` makes `count` of its pixels from `first` on. `frames`

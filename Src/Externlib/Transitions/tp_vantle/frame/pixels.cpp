@@ -81,9 +81,10 @@ template <Divisor divisor, bool fourthMixed>
 VANTLE_INLINE void mixTile(const Run& tile, const std::uint8_t* other, const Weight* weights) {
     alignas(lineBytes) Half spread[2 * tilePixels];  // each weight once for each of its pixel's bytes
     for (std::int32_t i = 0; i < tile.count; ++i) words(spread)[i] = weights[i] * 0x01010101U;
-    const Half* const lanes = spread;
-    mixLanes<divisor, true, fourthMixed>(tile, other,
-                                         [=](std::int32_t i) -> std::uint16_t { return lanes[i]; });
+    const auto lane = [lanes = static_cast<const Half*>(spread)](std::int32_t i) -> std::uint16_t {
+        return lanes[i];  // NOLINT(clang-analyzer-core.uninitialized.UndefReturn): written as words
+    };
+    mixLanes<divisor, true, fourthMixed>(tile, other, lane);
 }
 
 template <Divisor divisor, bool fourthMixed, typename Weights, typename... Frame>
@@ -153,7 +154,8 @@ VANTLE_INLINE Run fetchedIfDimmed(Run run, Fourth fourth) {
     return run;
 }
 
-/// The same for a run that is mixed: one that also gets its byte 3 from elsewhere waits for memory.
+/// Whether a run that is mixed is drawn past the cache: one that also gets its byte 3 from elsewhere waits
+/// for memory.
 bool streamsMixed(const Run& run, Fourth fourth) {
     return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
 }

@@ -31,6 +31,7 @@ class Row {
     /// Pixels of an input frame's row: column `first + i` of what is drawn is its column `columns[i]`.
     struct Samples;
 
+    /// No row: nothing may be drawn to it.
     Row() = default;
 
     /// Row `y` of the picture, which begins `offset` bytes into the frames.
