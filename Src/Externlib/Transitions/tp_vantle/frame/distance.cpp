@@ -38,7 +38,7 @@ VANTLE_INLINE void look(Weight* weights, const std::int32_t* distances, std::int
     for (std::int32_t i = 0; i < count; ++i)
         lowest[i] = static_cast<std::uint8_t>(std::min(distances[i], last));
     std::int32_t i = 0;
-    for (; looksNear() && i + nearBytes <= count; i += nearBytes) {
+    for (; registersHoldHalfLines() && i + nearBytes <= count; i += nearBytes) {
         // From a point to the next the distance changes by one at most: the nearest of these is one of the
         // ends, or between them the one in the centre column.
         const bool turns = dx + i < 0 && dx + i + nearBytes > 0;

@@ -1,5 +1,5 @@
 /// Loads from places that lie close to each other: what one or two wide loads bring is put in order by the
-/// processor, instead of being loaded one by one.
+/// processor, instead of being loaded one by one. Only where `registersHoldHalfLines` is that faster.
 #pragma once
 
 #include <cstddef>
@@ -9,15 +9,6 @@
 #include "frame/multiversion.h"
 
 namespace vantle {
-
-/// Whether this processor does: without its wide registers it would take longer.
-inline bool looksNear() {
-#if VANTLE_LEVELS
-    return __builtin_cpu_supports("avx2") != 0;
-#else
-    return false;
-#endif
-}
 
 /// Bytes that are looked up at a time, and how far apart they may be.
 constexpr std::int32_t nearBytes = 16;

@@ -26,13 +26,14 @@
 
 namespace vantle {
 
-/// Whether a register of the level that is chosen holds a line of memory.
-inline bool registersHoldLines() {
 #if VANTLE_LEVELS
-    return __builtin_cpu_supports("avx512bw") != 0;
+/// Whether registers of the level that is chosen hold half a line of memory and are permuted as a whole.
+inline bool registersHoldHalfLines() { return __builtin_cpu_supports("avx2") != 0; }
+/// Whether they hold a line.
+inline bool registersHoldLines() { return __builtin_cpu_supports("avx512bw") != 0; }
 #else
-    return false;
+inline bool registersHoldHalfLines() { return false; }
+inline bool registersHoldLines() { return false; }
 #endif
-}
 
 }  // namespace vantle

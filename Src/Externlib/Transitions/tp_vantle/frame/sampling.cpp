@@ -44,7 +44,7 @@ VANTLE_INLINE void gatherWords(std::uint32_t* out, const std::uint8_t* pixels, c
     };
     // The last column from which on there are as many as are looked at.
     const std::int32_t last = columns[count - 1] - wordsReach + 1;
-    const bool near = looksNear() && columns[0] <= last;
+    const bool near = registersHoldHalfLines() && columns[0] <= last;
     std::int32_t at = 0;
     if (near)
         for (; at + nearWords <= count && columns[at] <= last; at += nearWords) gatherFrom(at, columns[at]);
