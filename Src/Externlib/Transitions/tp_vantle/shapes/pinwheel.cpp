@@ -1,6 +1,7 @@
 // Pinwheel: four blades of the incoming frame open anticlockwise about the centre, each through a quarter
 // turn.
 #include <cmath>
+#include <limits>
 
 #include "frame/progress.h"
 #include "frame/stage.h"
@@ -11,6 +12,11 @@ namespace vantle {
 void pinwheel(const Stage& stage, const Progress& progress) {
     constexpr double pi = 3.141592653589793;
     const double blade = progress.easedPosition() * pi / (progress.duration() + progress.duration());
+    const double slope = blade < pi / 2 ? std::tan(blade) : std::numeric_limits<double>::infinity();
+    // Whether an angle lies within the blade: tangents tell it, unless they are as good as equal.
+    const auto within = [=](double tangent) {
+        return std::abs(tangent - slope) > 1e-9 * slope ? tangent < slope : blade > std::atan(tangent);
+    };
     const std::int32_t width = stage.width();
     const std::int32_t centreColumn = width / 2;
     const std::int32_t centreRow = stage.height() / 2;
@@ -22,18 +28,16 @@ void pinwheel(const Stage& stage, const Progress& progress) {
             row.show(blade < 0.01 ? Source::from : Source::to, width).fromRest();
             continue;
         }
-        // Where the edges of the two blades cross the row is near the tangent, and settled with the rule
-        // itself.
-        const auto nearAxis = [=](double dx) { return blade > std::atan(dx / dy); };
-        const auto farFromAxis = [=](double dx) { return blade > std::atan(dy / dx); };
+        const auto nearAxis = [=](double dx) { return within(dx / dy); };
+        const auto farFromAxis = [=](double dx) { return within(dy / dx); };
         const auto crossing = [=](double guess) {
             return static_cast<std::int32_t>(std::min<double>(std::max(guess, 0.0), width));
         };
         // The last column of the blade on the vertical axis, and the first of that on the horizontal one.
-        std::int32_t near = crossing(blade < pi / 2 ? dy * std::tan(blade) : width);
+        std::int32_t near = crossing(dy * slope);
         while (near > 0 && !nearAxis(near)) --near;
         while (near < width && nearAxis(near + 1)) ++near;
-        std::int32_t far = std::max(crossing(dy / std::tan(blade)), 1);
+        std::int32_t far = std::max(crossing(dy / slope), 1);
         while (far > 1 && farFromAxis(far - 1)) --far;
         while (far < width && !farFromAxis(far)) ++far;
         if (down < 0)
