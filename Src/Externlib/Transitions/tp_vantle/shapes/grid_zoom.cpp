@@ -36,7 +36,7 @@ void gridZoomIn(const Stage& stage, const Progress& progress) {
     const std::int32_t side = truncated(t * cell);
     const Squares squares(cell, side + side % 2);
     drawColumns(
-        stage, 0, stage.width(), [=](std::int32_t x) { return squares.has(x) ? 255 : 0; },
+        stage, 0, stage.width(), cell, [=](std::int32_t x) { return squares.has(x) ? 255 : 0; },
         [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
             if (t >= 0.001 && squares.crosses(stage, row))
                 row.wovenColours(weights, first, end);
@@ -56,7 +56,7 @@ void gridZoomOut(const Stage& stage, const Progress& progress) {
         return;
     }
     drawColumns(
-        stage, 0, stage.width(), [=](std::int32_t x) { return squares.has(x) ? 0 : 255; },
+        stage, 0, stage.width(), cell, [=](std::int32_t x) { return squares.has(x) ? 0 : 255; },
         [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
             if (squares.crosses(stage, row))
                 row.wovenColours(weights, first, end);

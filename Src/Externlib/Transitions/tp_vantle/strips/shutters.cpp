@@ -35,7 +35,7 @@ void verShutter(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const Slats slats = wideSlats(30.0 * width / 640.0, progress);
     drawColumns(
-        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
         [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
             row.wovenColours(weights, first, end);
             if (end == width) row.fromRest();
@@ -56,7 +56,7 @@ void crossShutter1(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
     drawColumns(
-        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
         [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
             if (slats.opens(row.y()))
                 row.to(end);
@@ -71,7 +71,7 @@ void crossShutter2(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
     drawColumns(
-        stage, 0, width, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
+        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
         [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
             if (slats.opens(row.y()))
                 row.woven(Source::to, weights, first, end);

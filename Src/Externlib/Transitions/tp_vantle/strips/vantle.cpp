@@ -38,7 +38,7 @@ void colVantle(const Stage& stage, const Progress& progress) {
     const auto tenWidths = static_cast<float>(std::int64_t{10} * stage.width());
     const std::int32_t band = std::max(truncated(tenWidths / 640.0F), 1);
     drawColumns(
-        stage, 0, stage.width(), [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
+        stage, 0, stage.width(), 2 * band, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
         [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
             const Source even = row.y() < opened ? Source::to : Source::from;
             const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
@@ -54,7 +54,7 @@ void crossVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t openedColumns = progress.easedSize(width);
     const std::int32_t openedRows = progress.easedSize(height);
     drawColumns(
-        stage, 0, width, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
+        stage, 0, width, 2 * band, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
         [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
             const Source even = row.y() < openedRows ? Source::to : Source::from;
             const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
