@@ -45,7 +45,7 @@ VANTLE_INLINE const std::uint8_t* fourthOf(const Run& run, Fourth fourth) { retu
 VANTLE_INLINE Run tail(const Run& run, std::int32_t first, std::int32_t count) {
     const std::ptrdiff_t offset = std::ptrdiff_t{4} * first;
     return {run.out + offset, run.from + offset, run.to + offset, run.kept + offset, count,
-            run.ahead,        run.frameBytes};
+            run.pastCache,    run.ahead};
 }
 
 /// While a tile is computed, has the same one of the next row brought into the cache, of frames such as
@@ -148,15 +148,12 @@ VANTLE_INLINE void drawParts(Run run, DrawPart drawPart, Frame... frames) {
         frames...);
 }
 
-/// Bytes of a frame from which on pixels of two frames that are not mixed are drawn past the cache: that
-/// takes no time but memory's.
-constexpr std::int64_t largeMerge = std::int64_t{4} << 20;
-
-/// Whether a run with this byte 3 is drawn past the cache, being part of a frame of at least `large` bytes.
-VANTLE_INLINE bool streams(const Run& run, Fourth fourth, std::int64_t large) {
+/// Whether a run with this byte 3, of at least `shortest` pixels, is drawn past the cache: where `least` is.
+VANTLE_INLINE bool streams(const Run& run, Fourth fourth, PastCache least,
+                           std::int32_t shortest = shortestRun) {
     // What is drawn from what it is drawn over is at hand.
     if (fourth == Fourth::kept && run.kept == run.out) return false;
-    return canStream && run.frameBytes >= large && run.count >= shortestRun && bytesToLine(run.out) % 4 == 0;
+    return canStream && run.pastCache >= least && run.count >= shortest && bytesToLine(run.out) % 4 == 0;
 }
 
 /// Draws a run of some lines past the cache: a tile of whole lines is drawn and then stored. Of the lines at

@@ -150,14 +150,14 @@ VANTLE_INLINE void dim(const Run& run, Fourth fourth) {
 VANTLE_INLINE Run fetchedIfDimmed(Run run, Fourth fourth) {
     constexpr std::ptrdiff_t gap = 8 * lineBytes;
     const bool part = 4 * run.count + gap < run.ahead;
-    if (run.frameBytes < largeFrame || (fourth != Fourth::mixed && !part)) run.ahead = 0;
+    if (run.pastCache != PastCache::everything || (fourth != Fourth::mixed && !part)) run.ahead = 0;
     return run;
 }
 
 /// Whether a run that is mixed is drawn past the cache: one that also gets its byte 3 from elsewhere waits
 /// for memory.
 bool streamsMixed(const Run& run, Fourth fourth) {
-    return streams(run, fourth, fourth == Fourth::kept ? largeMerge : largeFrame);
+    return streams(run, fourth, fourth == Fourth::kept ? PastCache::merges : PastCache::everything);
 }
 
 }  // namespace
@@ -188,8 +188,8 @@ VANTLE_MULTIVERSION void copyColours(const Run& run, Source colours, Fourth four
     const std::uint8_t* const pixels = pixelsOf(run, colours);
     const std::uint8_t* const other = fourthOf(run, fourth);
     if (pixels == other)  // as where a byte 3 is kept that is the same frame's
-        copyBytes(run.out, pixels, 4 * run.count, run.frameBytes);
-    else if (streams(run, fourth, largeMerge))
+        copyBytes(run.out, pixels, 4 * run.count, run.pastCache);
+    else if (streams(run, fourth, PastCache::merges))
         streamColours(run, colours, fourth);
     else {
         // Loads and stores that lie across two lines each take twice as long.
@@ -227,7 +227,7 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
     if (divisor == Divisor::by256 && weight == 255) {
         const Run dimmed = fetchedIfDimmed(run, fourth);
         // With another frame's byte 3 it is put together from two, more than it is mixed.
-        if (streams(run, fourth, fourth == Fourth::mixed ? largeFrame : largeMerge))
+        if (streams(run, fourth, fourth == Fourth::mixed ? PastCache::everything : PastCache::merges))
             streamDimmed(dimmed, fourth);
         else
             dim(dimmed, fourth);
@@ -295,7 +295,8 @@ VANTLE_INLINE void blackenWords(Run run) {
 }
 
 VANTLE_INLINE void blackenParts(Run run) {
-    if (run.frameBytes < largeFrame) run.ahead = 0;  // where a cache holds it, a single frame comes by itself
+    if (run.pastCache != PastCache::everything)
+        run.ahead = 0;  // where a cache holds it, a single frame comes by itself
     drawParts(
         run, [](const Run& tile, std::int32_t) VANTLE_INLINED { blackenWords(tile); }, &Run::kept);
 }
@@ -325,7 +326,7 @@ VANTLE_MULTIVERSION static void streamBlack(const Run& run) {
 }
 
 VANTLE_MULTIVERSION void blacken(const Run& run) {
-    if (streams(run, Fourth::kept, largeMerge))
+    if (streams(run, Fourth::kept, PastCache::merges))
         streamBlack(run);
     else
         blackenParts(run);
@@ -363,7 +364,7 @@ VANTLE_MULTIVERSION static void streamWoven(const Run& run, std::uint32_t woven,
 
 VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weights) {
     const std::uint32_t woven = fourth == Fourth::mixed ? 0xFFFFFFFFU : 0x00FFFFFFU;
-    if (streams(run, fourth, largeMerge))
+    if (streams(run, fourth, PastCache::merges))
         streamWoven(run, woven, weights);
     else
         weaveWords(run, woven, weights);
@@ -377,7 +378,7 @@ VANTLE_MULTIVERSION static void streamChosen(const Run& run, const std::uint32_t
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
     // The ranks take longer than the pixels: past the cache, smaller frames gain nothing, and whoever reads
     // them loses.
-    if (streams(run, Fourth::mixed, largeFrame))
+    if (streams(run, Fourth::mixed, PastCache::everything))
         streamChosen(run, ranks, end);
     else
         chooseWords(run, ranks, end);

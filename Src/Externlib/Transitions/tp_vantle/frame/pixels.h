@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/streaming.h"
+
 namespace vantle {
 
 /// Which of the two input frames pixels come from.
@@ -30,8 +32,8 @@ struct Run {
     const std::uint8_t* to;
     const std::uint8_t* kept;  ///< where a byte 3 that is kept comes from: `out`, or an input
     std::int32_t count;        ///< pixels
+    PastCache pastCache;       ///< what of it is written past the cache
     std::ptrdiff_t ahead;      ///< bytes to the next row, if that is to be fetched meanwhile; else 0
-    std::int64_t frameBytes;   ///< of the frame that it is part of: large ones are written past the cache
 };
 
 /// The weight of imgTo in one pixel, 0 to 255.

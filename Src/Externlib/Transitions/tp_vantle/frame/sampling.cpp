@@ -112,7 +112,7 @@ VANTLE_MULTIVERSION static void streamSampled(const Run& run, const Samples& sam
 }
 
 VANTLE_MULTIVERSION void sample(const Run& run, const Samples& samples) {
-    if (streams(run, Fourth::kept, largeMerge))
+    if (streams(run, Fourth::kept, PastCache::merges))
         streamSampled(run, samples);
     else
         sampleWords(run, samples);

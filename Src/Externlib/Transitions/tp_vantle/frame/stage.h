@@ -139,7 +139,7 @@ class Row {
     Row& moved(const Row& other, Source source, std::int32_t first, std::int32_t end) {
         if (const Run run = next(end); run.count > 0)
             copyBytes(run.out, other.pixels(source) + std::ptrdiff_t{4} * first, 4 * run.count,
-                      frames_->bytes);
+                      run.pastCache);
         return *this;
     }
 
@@ -189,7 +189,7 @@ class Row {
 
     Row& copy(Source source, std::int32_t endByte) {
         if (endByte > at_) {
-            copyBytes(frames_->out + offset_ + at_, pixels(source) + at_, endByte - at_, frames_->bytes);
+            copyBytes(frames_->out + offset_ + at_, pixels(source) + at_, endByte - at_, pastCache());
             at_ = endByte;
         }
         return *this;
@@ -202,10 +202,16 @@ class Row {
         at_ = std::max(at_, 4 * std::clamp(end, 0, frames.width));
         const bool fetches = frames.bytes >= fetchedFrame && offset_ + frames.pitch < frames.bytes;
         const std::ptrdiff_t offset = offset_ + start;
-        return {frames.out + offset,  frames.from + offset, frames.to + offset,
-                frames.kept + offset, (at_ - start) / 4,    fetches ? std::ptrdiff_t{frames.pitch} : 0,
-                frames.bytes};
+        return {frames.out + offset,
+                frames.from + offset,
+                frames.to + offset,
+                frames.kept + offset,
+                (at_ - start) / 4,
+                pastCache(),
+                fetches ? std::ptrdiff_t{frames.pitch} : 0};
     }
+
+    PastCache pastCache() const { return vantle::pastCache(frames_->bytes, frames_->bytes - offset_); }
 
     const StageFrames* frames_ = nullptr;
     std::ptrdiff_t offset_ = 0;
@@ -226,7 +232,7 @@ struct Row::Samples {
     /// follows in memory, which processors fetch by themselves.
     Samples before(const Row& next, std::int32_t end) const {
         constexpr std::ptrdiff_t gap = 8 * lineBytes;
-        if (row.frames_->bytes < largeFrame || end <= first) return *this;
+        if (row.pastCache() != PastCache::everything || end <= first) return *this;
         const std::ptrdiff_t distance = next.offset_ - row.offset_;
         const std::ptrdiff_t length = std::ptrdiff_t{4} * (columns[end - first - 1] - columns[0]);
         if (std::abs(distance) < length + gap) return *this;

@@ -76,6 +76,17 @@ void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uin
     merge(out, colours, fourth, bytes);
 }
 
+VANTLE_MULTIVERSION void copyPiece(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
+    if (count < lineBytes) {
+        std::memcpy(out, in, static_cast<std::size_t>(count));
+        return;
+    }
+    std::memcpy(out, in, lineBytes);
+    std::int32_t at = bytesToLine(out);
+    for (; count - at >= lineBytes; at += lineBytes) std::memcpy(out + at, in + at, lineBytes);
+    std::memcpy(out + count - lineBytes, in + count - lineBytes, lineBytes);
+}
+
 void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
     const std::int32_t before = std::min(bytesToLine(out), count);
     const std::int32_t end = before + (count - before) / lineBytes * lineBytes;

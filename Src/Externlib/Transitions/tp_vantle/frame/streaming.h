@@ -27,15 +27,26 @@ inline std::int32_t bytesToLine(const std::uint8_t* address) {
     return static_cast<std::int32_t>(-reinterpret_cast<std::uintptr_t>(address) % lineBytes);
 }
 
-/// Bytes of a frame from which on it is drawn past the cache: two of this size and a third are more than what
-/// most processors keep at hand.
-constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
+/// What is drawn past the cache: merges are pixels of two frames that are not mixed, which take no time but
+/// memory's.
+enum class PastCache : std::uint8_t { nothing, merges, everything };
+
+/// The same of a row of a frame of `frameBytes`, of which `rest` are still to be drawn.
+constexpr PastCache pastCache(std::int64_t frameBytes, std::int64_t rest) {
+    // Two frames of this size and a third are more than what most processors keep at hand.
+    constexpr std::int64_t largeFrame = std::int64_t{16} << 20;
+    if (frameBytes >= largeFrame) return PastCache::everything;
+    // Where the cache holds such frames, who reads what was drawn past it waits for memory. What is drawn
+    // last, which of pictures stored bottom-up is read first, goes through the cache.
+    constexpr std::int64_t readSoon = std::int64_t{9} << 19;
+    return rest >= readSoon ? PastCache::merges : PastCache::nothing;
+}
 
 /// Bytes of a frame from which on the next row is fetched while one is computed: smaller ones are at hand.
 constexpr std::int64_t fetchedFrame = std::int64_t{4} << 20;
 
-/// Pixels of the shortest run that is drawn so. The ends of a run are not, and what else is written to its
-/// row draws its lines into the cache: a shorter one loses.
+/// Pixels of the shortest run that is drawn past the cache. The ends of a run are not, and what else is
+/// written to its row draws its lines into the cache: a shorter one loses.
 constexpr std::int32_t shortestRun = 256;
 
 /// Stores lines past the cache, `bytes` in all, from where one begins.
@@ -48,11 +59,19 @@ void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uin
 /// Copies bytes past the cache, but for the ends that are no whole lines.
 void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
 
-/// Copies bytes of a frame of `frameBytes`, past the cache where that is faster.
-inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count,
-                      std::int64_t frameBytes) {
-    if (canStream && frameBytes >= largeFrame && count >= 4 * shortestRun)
+/// Bytes up to which a copy is made line by line: the processor's own copying, which memcpy leaves it to,
+/// takes long to begin.
+constexpr std::int32_t shortCopy = 6 * 1024;
+
+/// Copies up to that many bytes.
+void copyPiece(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
+
+/// Copies bytes, past the cache where everything is drawn so.
+inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count, PastCache pastCache) {
+    if (canStream && pastCache == PastCache::everything && count >= 4 * shortestRun)
         streamBytes(out, in, count);
+    else if (count <= shortCopy)
+        copyPiece(out, in, count);
     else
         std::memcpy(out, in, static_cast<std::size_t>(count));
 }
