@@ -78,12 +78,8 @@ VANTLE_INLINE void sampleWords(Run run, const Samples& samples) {
                 });
 }
 
-}  // namespace
-
-VANTLE_MULTIVERSION void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin,
-                              const std::int32_t* places) {
+VANTLE_INLINE void pickWords(const Run& run, const std::uint32_t* from, const std::int32_t* places) {
     constexpr std::int32_t group = 8;  // for as many, places are kept in registers
-    const std::uint32_t* const from = pixels + origin;
     std::uint8_t* const out = run.out;
     const std::int32_t count = run.count;
     if (count < group) {
@@ -96,6 +92,23 @@ VANTLE_MULTIVERSION void pick(const Run& run, const std::uint32_t* pixels, std::
         loadEach(some, [=](std::int32_t i) { return from[places[first + i]]; });
         std::memcpy(out + std::ptrdiff_t{4} * first, some, sizeof some);
     }
+}
+
+}  // namespace
+
+VANTLE_MULTIVERSION static void streamPicked(const Run& run, const std::uint32_t* pixels,
+                                             const std::int32_t* places) {
+    drawLines(run, [=](const Run& part, std::int32_t first)
+                       VANTLE_INLINED { pickWords(part, pixels, places + first); });
+}
+
+VANTLE_MULTIVERSION void pick(const Run& run, const std::uint32_t* pixels, std::ptrdiff_t origin,
+                              const std::int32_t* places) {
+    // What is picked comes in blocks, which begin where lines do.
+    if (streams(run, Fourth::mixed, PastCache::everything, linePixels))
+        streamPicked(run, pixels + origin, places);
+    else
+        pickWords(run, pixels + origin, places);
 }
 
 VANTLE_MULTIVERSION void gather(std::uint32_t* out, const Samples& samples, std::int32_t count) {

@@ -166,15 +166,6 @@ class Row {
         return *this;
     }
 
-    /// Has the pixels that come next, up to column `end`, brought into the cache for what will be written to
-    /// them, unless the frame is small enough to be there.
-    void fetch(std::int32_t end) const {
-        if (frames_->bytes < fetchedFrame) return;
-        const std::uint8_t* const out = frames_->out + offset_;
-        for (std::int32_t at = at_; at < 4 * std::min(end, frames_->width); at += lineBytes)
-            fetchLine(out + at);
-    }
-
     /// Leaves pixels as they are.
     Row& skip(std::int32_t end) {
         next(end);

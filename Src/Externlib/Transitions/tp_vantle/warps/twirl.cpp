@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <utility>
 
 #include "frame/crossing.h"
 #include "frame/progress.h"
@@ -15,9 +16,21 @@ namespace {
 
 /// A row of the output.
 struct Line {
-    Row row;               ///< drawn as far as the blocks have come
-    std::ptrdiff_t place;  ///< of its pixel in the centre column, from the frame's first
-    std::int32_t end;      ///< of the columns that show the picture
+    std::int32_t y;
+    Span columns;        ///< that show the picture
+    std::int32_t place;  ///< of its pixel in the centre column, from the frame's first
+};
+
+/// A row of blocks.
+struct Band {
+    std::int32_t top;
+    std::span<const Line> lines;
+    Span shown;  ///< the columns in which any of them shows the picture
+};
+
+struct Block {
+    const Band* band;
+    std::int32_t left;
 };
 
 /// The columns 0 to `width` - 1 whose coordinate `at(x)`, which only rises or only falls, lies inside. They
@@ -41,6 +54,8 @@ struct Inside {
 };
 
 /// A turned picture on black, drawn in square blocks. While one is drawn, what the next one shows is fetched.
+/// Blocks follow each other along the rows of the frame that they show: where these stand rather upright,
+/// some bands are drawn at a time, and below each other what lies below each other.
 class Twirl {
    public:
     Twirl(const Stage& stage, Source source, const Turn& turn, float scale)
@@ -52,29 +67,44 @@ class Twirl {
           size_(blockSize(turn)) {}
 
     void draw() const {
+        const bool upright = std::abs(turn_.sine) > std::abs(turn_.cosine);
+        const std::int32_t together = upright ? mostBands : 1;
         Inside inside;
-        for (std::int32_t top = 0; top < stage_.height(); top += size_) {
-            Line lines[patchSide];
+        for (std::int32_t top = 0; top < stage_.height();) {
+            Line lines[mostBands * patchSide];
+            Band bands[mostBands];
             std::int32_t count = 0;
-            Span shown{stage_.width(), 0};
-            for (Row row : stage_.rows(top, top + size_)) {
-                const TurnedRow turned = turn_.row(row.y());
-                findInside(inside, turned);
-                const Span columns = inside.both();
-                Row(row).black(columns.first).skip(columns.end).black(stage_.width());
-                row.skip(columns.first);
-                lines[count++] = {row,
-                                  placeOf(static_cast<std::int32_t>(turned.column),
-                                          static_cast<std::int32_t>(turned.row + turned.centreRow)),
-                                  columns.end};
-                if (!columns.empty())
-                    shown = {std::min(shown.first, columns.first), std::max(shown.end, columns.end)};
+            Line* end = lines;
+            for (; count < together && top < stage_.height(); ++count, top += size_) {
+                bands[count] = findBand(inside, top, end);
+                end += bands[count].lines.size();
             }
-            drawBlocks({lines, static_cast<std::size_t>(count)}, top, shown);
+            drawBlocks({bands, static_cast<std::size_t>(count)});
         }
     }
 
    private:
+    static constexpr std::int32_t mostBands = 4;
+
+    /// Finds what a band shows and draws what is black. `lines` get its rows.
+    Band findBand(Inside& inside, std::int32_t top, Line* lines) const {
+        std::size_t count = 0;
+        Span shown{stage_.width(), 0};
+        for (Row row : stage_.rows(top, top + size_)) {
+            const TurnedRow turned = turn_.row(row.y());
+            findInside(inside, turned);
+            const Span columns = inside.both();
+            row.black(columns.first).skip(columns.end).black(stage_.width());
+            const auto place =
+                static_cast<std::int32_t>(placeOf(static_cast<std::int32_t>(turned.column),
+                                                  static_cast<std::int32_t>(turned.row + turned.centreRow)));
+            lines[count++] = {row.y(), columns, place};
+            if (!columns.empty())
+                shown = {std::min(shown.first, columns.first), std::max(shown.end, columns.end)};
+        }
+        return {top, {lines, count}, shown};
+    }
+
     /// Finds the columns of a row that lie inside, from those of the row before.
     void findInside(Inside& inside, const TurnedRow& turned) const {
         const auto find = [&](const Extent& extent, bool rising, const Span& before, auto at) {
@@ -87,45 +117,57 @@ class Twirl {
             find(down_, turn_.sine <= 0.0, inside.down, [&](double dx) { return turned.rowAt(dx); });
     }
 
-    /// Blocks beside each other, as far as they show anything. They begin where lines of the output do.
-    void drawBlocks(std::span<Line> lines, std::int32_t top, const Span& shown) const {
-        std::int32_t left = shown.first / linePixels * linePixels;
+    /// Bands below each other, as far as they show anything. Blocks begin where lines of the output do.
+    void drawBlocks(std::span<const Band> bands) const {
+        Span shown{stage_.width(), 0};
+        for (const Band& band : bands)
+            shown = {std::min(shown.first, band.shown.first), std::max(shown.end, band.shown.end)};
         Part parts[2];
-        if (left < shown.end) findPart(parts[0], across_, down_, turn_, left, top, size_);
-        for (std::int32_t which = 0; left < shown.end; left += size_, which = 1 - which) {
-            Part& next = parts[1 - which];
-            findPart(next, across_, down_, turn_, left + size_, top, size_);
-            drawBlock(lines, left, parts[which], next);
-        }
+        Part* part = &parts[0];
+        Part* next = &parts[1];
+        Block block{nullptr, 0};
+        for (std::int32_t left = shown.first / linePixels * linePixels; left < shown.end; left += size_)
+            for (const Band& band : bands) {
+                if (left >= band.shown.end || left + size_ <= band.shown.first) continue;
+                findPart(*next, across_, down_, turn_, left, band.top, size_);
+                if (block.band != nullptr) drawBlock(block, *part, *next);
+                block = {&band, left};
+                std::swap(part, next);
+            }
+        next->rows = {0, 0};
+        if (block.band != nullptr) drawBlock(block, *part, *next);
     }
 
-    void drawBlock(std::span<Line> lines, std::int32_t left, const Part& part, const Part& next) const {
+    void drawBlock(const Block& block, const Part& part, const Part& next) const {
         std::uint32_t patch[patchSide * patchSide];
         for (std::int32_t row = 0; row < part.rowCount(); ++row)
             withSamples(part, row, [&](const Row::Samples& samples, std::ptrdiff_t place) {
                 samples.gather(patch + place, part.end[row]);
             });
+        const std::int32_t left = block.left;
         Steps steps;
         findSteps(steps, turn_, left - turn_.centreColumn, size_);
+        const std::span<const Line> lines = block.band->lines;
         const std::int32_t rowsPerLine = next.rowCount() / static_cast<std::int32_t>(lines.size()) + 1;
         std::int32_t fetched = 0;
-        for (auto& [row, place, shownEnd] : lines) {
+        for (const Line& line : lines) {
             const std::int32_t fetchedEnd = std::min(fetched + rowsPerLine, next.rowCount());
             for (; fetched < fetchedEnd; ++fetched)
                 withSamples(next, fetched, [&](const Row::Samples& samples, std::ptrdiff_t) {
                     samples.fetch(next.end[fetched]);
                 });
-            const std::int32_t first = row.x();
-            const std::int32_t end = std::min(shownEnd, left + size_);
-            if (first < end && steps.exact) {
-                const std::ptrdiff_t leftmost = place + steps.first - part.place();
+            const std::int32_t first = std::max(line.columns.first, left);
+            const std::int32_t end = std::min(line.columns.end, left + size_);
+            if (first >= end) continue;
+            Row row = stage_.row(line.y).skip(first);
+            if (steps.exact) {
+                const std::ptrdiff_t leftmost = line.place + steps.first - part.place();
                 row.picked(patch, leftmost, steps.each + (first - left), end);
-            } else if (first < end) {
+            } else {
                 std::int32_t places[patchSide];
-                findPlaces(places, part, turn_.row(row.y()), first - turn_.centreColumn, end - first);
+                findPlaces(places, part, turn_.row(line.y), first - turn_.centreColumn, end - first);
                 row.picked(patch, 0, places, end);
             }
-            row.fetch(std::min(shownEnd, left + 2 * size_));
         }
     }
 
