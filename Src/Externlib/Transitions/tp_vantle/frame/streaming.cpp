@@ -77,7 +77,8 @@ void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uin
 }
 
 VANTLE_MULTIVERSION void copyPiece(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
-    if (count < lineBytes) {
+    // Half a line at a time is slower than what memcpy does.
+    if (!registersHoldLines() || count < lineBytes) {
         std::memcpy(out, in, static_cast<std::size_t>(count));
         return;
     }
