@@ -59,8 +59,8 @@ void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uin
 /// Copies bytes past the cache, but for the ends that are no whole lines.
 void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
 
-/// Bytes up to which a copy is made line by line, if by one store each: the processor's own copying, which
-/// memcpy leaves it to, takes long to begin.
+/// Bytes up to which a copy is made line by line, if by one store each, in frames whose merges are drawn past
+/// the cache: beside these the processor's own copying, which memcpy leaves it to, takes long to begin.
 constexpr std::int32_t shortCopy = 6 * 1024;
 
 /// Copies up to that many bytes.
@@ -70,7 +70,7 @@ void copyPiece(std::uint8_t* out, const std::uint8_t* in, std::int32_t count);
 inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count, PastCache pastCache) {
     if (canStream && pastCache == PastCache::everything && count >= 4 * shortestRun)
         streamBytes(out, in, count);
-    else if (count <= shortCopy)
+    else if (pastCache == PastCache::merges && count <= shortCopy)
         copyPiece(out, in, count);
     else
         std::memcpy(out, in, static_cast<std::size_t>(count));
