@@ -14,11 +14,9 @@ TEST(Samples, AreGatheredFromWithinTheirRow) {
                 const tests::Bytes row = tests::contentOf({width, 1, 4 * width}, 0);
                 const auto pixels = tests::guarded(row, guard, PROT_READ);
                 std::vector<std::int32_t> columns;
-                for (double at = guard == tests::Guard::before ? 0.0 : width - 1; at >= 0.0 && at < width;
-                     at += guard == tests::Guard::before ? step : -step) {
-                    columns.push_back(static_cast<std::int32_t>(at));
-                    if (columns.size() == 150) break;
-                }
+                for (std::int32_t i = 0; i < 150 && i * step <= width - 1; ++i)
+                    columns.push_back(static_cast<std::int32_t>(
+                        guard == tests::Guard::before ? i * step : width - 1 - i * step));
                 if (guard == tests::Guard::after) std::reverse(columns.begin(), columns.end());
                 const auto count = static_cast<std::int32_t>(columns.size());
                 std::vector<std::uint32_t> gathered(columns.size());
