@@ -17,8 +17,9 @@ namespace {
 /// A row of the output.
 struct Line {
     std::int32_t y;
-    Span columns;        ///< that show the picture
-    std::int32_t place;  ///< of its pixel in the centre column, from the frame's first
+    Span columns;  ///< that show the picture
+    std::int32_t sourceColumn,
+        sourceRow;  ///< where in the upright picture its pixel in the centre column lies
 };
 
 /// A row of blocks.
@@ -95,10 +96,8 @@ class Twirl {
             findInside(inside, turned);
             const Span columns = inside.both();
             row.black(columns.first).skip(columns.end).black(stage_.width());
-            const auto place =
-                static_cast<std::int32_t>(placeOf(static_cast<std::int32_t>(turned.column),
-                                                  static_cast<std::int32_t>(turned.row + turned.centreRow)));
-            lines[count++] = {row.y(), columns, place};
+            lines[count++] = {row.y(), columns, static_cast<std::int32_t>(turned.column),
+                              static_cast<std::int32_t>(turned.row + turned.centreRow)};
             if (!columns.empty())
                 shown = {std::min(shown.first, columns.first), std::max(shown.end, columns.end)};
         }
@@ -161,7 +160,8 @@ class Twirl {
             if (first >= end) continue;
             Row row = stage_.row(line.y).skip(first);
             if (steps.exact) {
-                const std::ptrdiff_t leftmost = line.place + steps.first - part.place();
+                const std::ptrdiff_t leftmost =
+                    placeOf(line.sourceColumn, line.sourceRow) + steps.first - part.place();
                 row.picked(patch, leftmost, steps.each + (first - left), end);
             } else {
                 std::int32_t places[patchSide];
