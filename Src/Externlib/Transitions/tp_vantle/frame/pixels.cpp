@@ -254,7 +254,7 @@ VANTLE_INLINE void drawWords(const Run& run, PixelAt pixelAt) {
         [=](std::uint32_t* line, std::int32_t first, std::int32_t count) VANTLE_INLINED {
             for (std::int32_t i = 0; i < count; ++i) line[i] = pixelAt(first + i);
         },
-        &Run::from, &Run::to, &Run::out);
+        &Run::from, &Run::to);
 }
 
 template <typename ShareAt>
