@@ -275,19 +275,50 @@ VANTLE_INLINE void mixSingleWords(Run run, const float* weights) {
     });
 }
 
-VANTLE_INLINE void chooseWords(Run run, const std::uint32_t* ranks, std::uint32_t end) {
+constexpr std::uint32_t allBytes = 0xFFFFFFFF;
+
+/// Of a pixel of imgTo that is shown.
+constexpr std::uint32_t bytesOfTo(Fourth fourth) { return fourth == Fourth::mixed ? allBytes : 0x00FFFFFF; }
+
+// Which bytes of pixel i are imgTo's and not imgFrom's:
+
+struct Woven {
+    std::uint32_t bytes;
+    const Weight* weights;
+    VANTLE_INLINE std::uint32_t operator()(std::int32_t i) const {
+        return bytes & static_cast<std::uint32_t>(static_cast<std::int8_t>(weights[i]));
+    }
+};
+
+struct Windowed {
+    std::int32_t first, end;
+    std::uint32_t inside, outside;
+    VANTLE_INLINE std::uint32_t operator()(std::int32_t i) const {
+        return i >= first && i < end ? inside : outside;
+    }
+};
+
+struct Ranked {
+    const std::uint32_t* ranks;
+    std::uint32_t end;
+    VANTLE_INLINE std::uint32_t operator()(std::int32_t i) const {
+        return ranks[i] < end ? allBytes : 0;  // no branch: the order of the ranks has no pattern to foretell
+    }
+};
+
+template <typename ShownAt>
+VANTLE_INLINE void showWords(Run run, ShownAt shownAt) {
     for (std::int32_t i = 0; i < run.count; ++i) {
-        // No branch: the order of the ranks has no pattern to foretell.
-        const std::uint32_t chosen = ranks[i] < end ? 0xFFFFFFFFU : 0U;
-        words(run.out)[i] = (words(run.to)[i] & chosen) | (words(run.from)[i] & ~chosen);
+        const std::uint32_t shown = shownAt(i);
+        words(run.out)[i] = (words(run.to)[i] & shown) | (words(run.from)[i] & ~shown);
     }
 }
 
-VANTLE_INLINE void weaveWords(Run run, std::uint32_t woven, const Weight* weights) {
-    for (std::int32_t i = 0; i < run.count; ++i) {
-        const std::uint32_t shown = woven & static_cast<std::uint32_t>(static_cast<std::int8_t>(weights[i]));
-        words(run.out)[i] = (words(run.to)[i] & shown) | (words(run.from)[i] & ~shown);
-    }
+template <typename ShownAt>
+VANTLE_INLINE void streamWords(const Run& run, ShownAt shownAt) {
+    drawLines(run, [=](const Run& part, std::int32_t first) VANTLE_INLINED {
+        showWords(part, [=](std::int32_t i) { return shownAt(first + i); });
+    });
 }
 
 VANTLE_INLINE void blackenWords(Run run) {
@@ -357,31 +388,40 @@ VANTLE_MULTIVERSION void shade(const Run& run, Source source, const Shade& shade
         &Run::kept, &Run::out);
 }
 
-VANTLE_MULTIVERSION static void streamWoven(const Run& run, std::uint32_t woven, const Weight* weights) {
-    drawLines(run, [=](const Run& part, std::int32_t first)
-                       VANTLE_INLINED { weaveWords(part, woven, weights + first); });
-}
+VANTLE_MULTIVERSION static void streamWoven(const Run& run, Woven shown) { streamWords(run, shown); }
 
 VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weights) {
-    const std::uint32_t woven = fourth == Fourth::mixed ? 0xFFFFFFFFU : 0x00FFFFFFU;
+    const Woven shown{bytesOfTo(fourth), weights};
     if (streams(run, fourth, PastCache::merges))
-        streamWoven(run, woven, weights);
+        streamWoven(run, shown);
     else
-        weaveWords(run, woven, weights);
+        showWords(run, shown);
 }
 
-VANTLE_MULTIVERSION static void streamChosen(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
-    drawLines(run, [=](const Run& part, std::int32_t first)
-                       VANTLE_INLINED { chooseWords(part, ranks + first, end); });
+VANTLE_MULTIVERSION static void streamWindow(const Run& run, Windowed shown) { streamWords(run, shown); }
+
+VANTLE_MULTIVERSION static void drawWindow(const Run& run, Windowed shown) { showWords(run, shown); }
+
+void window(const Run& run, Source inside, Fourth fourth, std::int32_t first, std::int32_t end) {
+    const std::uint32_t bytes = bytesOfTo(fourth);
+    const bool insideTo = inside == Source::to;
+    const Windowed shown{first, end, insideTo ? bytes : 0, insideTo ? 0 : bytes};
+    if (streams(run, fourth, PastCache::merges))
+        streamWindow(run, shown);
+    else
+        drawWindow(run, shown);
 }
+
+VANTLE_MULTIVERSION static void streamRanked(const Run& run, Ranked shown) { streamWords(run, shown); }
 
 VANTLE_MULTIVERSION void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end) {
+    const Ranked shown{ranks, end};
     // The ranks take longer than the pixels: past the cache, smaller frames gain nothing, and whoever reads
     // them loses.
     if (streams(run, Fourth::mixed, PastCache::everything))
-        streamChosen(run, ranks, end);
+        streamRanked(run, shown);
     else
-        chooseWords(run, ranks, end);
+        showWords(run, shown);
 }
 
 }  // namespace vantle

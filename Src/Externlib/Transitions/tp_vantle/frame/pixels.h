@@ -2,6 +2,7 @@
 /// write bytes.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -87,6 +88,19 @@ void blacken(const Run& run);
 /// Pixels of both frames: of imgTo where its weight is 255, of imgFrom where it is 0; there are no others.
 /// Byte 3 is treated like the other three (`mixed`) or that of imgFrom (`ofFrom`).
 void weave(const Run& run, Fourth fourth, const Weight* weights);
+
+/// Pixels `first` to `end` - 1 of one frame, and those around them of the other, both frames being read all
+/// along. Byte 3 as in `weave`.
+void window(const Run& run, Source inside, Fourth fourth, std::int32_t first, std::int32_t end);
+
+/// Whether that is faster for `count` pixels, `ofTo` of them of imgTo, than a piece of each frame after
+/// another: where much of both is to be read, memory loses more by beginning anew in every row.
+constexpr bool windowIsFaster(Fourth fourth, std::int32_t ofTo, std::int32_t count, PastCache pastCache) {
+    const std::int32_t lesser = std::min(ofTo, count - ofTo);
+    if (fourth == Fourth::mixed)
+        return canStream && pastCache == PastCache::everything && lesser >= count / 8;
+    return lesser > 0 && ofTo >= count - ofTo;  // of these imgFrom is read in any case, for its byte 3
+}
 
 /// Whole pixels: of imgTo where their rank is below `end`, and of imgFrom.
 void choose(const Run& run, const std::uint32_t* ranks, std::uint32_t end);

@@ -121,6 +121,21 @@ class Row {
         return *this;
     }
 
+    /// The rest of the row but its padding: columns `first` to `end` - 1 of one frame, and of the other
+    /// around them. Byte 3 as in `weave`.
+    Row& window(Source inside, Fourth fourth, std::int32_t first, std::int32_t end) {
+        const std::int32_t start = x(), width = frames_->width;
+        first = std::clamp(first, start, width);
+        end = std::clamp(end, first, width);
+        const std::int32_t ofTo = inside == Source::to ? end - first : width - start - (end - first);
+        if (!windowIsFaster(fourth, ofTo, width - start, pastCache())) {
+            const Source outside = inside == Source::to ? Source::from : Source::to;
+            return piece(outside, fourth, first).piece(inside, fourth, end).piece(outside, fourth, width);
+        }
+        vantle::window(next(width), inside, fourth, first - start, end - start);
+        return *this;
+    }
+
     /// Whole pixels, of imgTo where their rank is below `shown` and of imgFrom; `ranks[0]` is that of the
     /// row's first pixel.
     Row& chosen(const std::uint32_t* ranks, std::uint32_t shown, std::int32_t end) {
@@ -176,6 +191,12 @@ class Row {
     /// The whole row of an input frame.
     const std::uint8_t* pixels(Source source) const {
         return (source == Source::to ? frames_->to : frames_->from) + offset_;
+    }
+
+    /// A piece of a window.
+    Row& piece(Source source, Fourth fourth, std::int32_t end) {
+        const bool whole = fourth == Fourth::mixed || source == Source::from;
+        return whole ? show(source, end) : colours(source, fourth, end);
     }
 
     Row& copy(Source source, std::int32_t endByte) {

@@ -34,7 +34,7 @@ void draw(const Stage& stage, Source inside, std::int32_t reach) {
         while (distance >= 0 && !reaches(distance)) --distance;
         while (reaches(distance + 1)) ++distance;
         if (distance >= 0)
-            row.show(outside, centreColumn - distance).show(inside, centreColumn + distance + 1);
+            row.window(inside, Fourth::mixed, centreColumn - distance, centreColumn + distance + 1);
         row.showRest(outside);
     }
 }

@@ -35,7 +35,8 @@ void rectZoomOut(const Stage& stage, const Progress& progress) {
     const std::int32_t centreColumn = stage.width() / 2;
     for (Row row : stage.rows()) {
         if (std::abs(row.y() - centreRow) < halfRows)
-            row.from(centreColumn - halfColumns + 1).toColours(centreColumn + halfColumns);
+            row.window(Source::to, Fourth::ofFrom, centreColumn - halfColumns + 1,
+                       centreColumn + halfColumns);
         row.fromRest();
     }
 }

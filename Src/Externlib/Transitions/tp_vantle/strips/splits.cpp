@@ -22,7 +22,7 @@ void colSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedSize(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
     for (Row row : stage.rows()) {
-        if (half != 0) row.from(centre - half).to(centre + half + 1);
+        if (half != 0) row.window(Source::to, Fourth::mixed, centre - half, centre + half + 1);
         row.fromRest();
     }
 }
@@ -41,7 +41,8 @@ void rowMerge(const Stage& stage, const Progress& progress) {
 void colMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedRemainder(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
-    for (Row row : stage.rows()) row.to(centre - half + 1).from(centre + half).to(stage.width()).fromRest();
+    for (Row row : stage.rows())
+        row.window(Source::from, Fourth::mixed, centre - half + 1, centre + half).fromRest();
 }
 
 /// A cross of the incoming frame: a bar of 2k columns, and one of 2k - 1 rows with their padding about the
@@ -55,7 +56,8 @@ void crossSplit(const Stage& stage, const Progress& progress) {
         if (std::abs(row.y() - centreRow) < halfRows)
             row.toRest();
         else
-            row.from(centreColumn - halfColumns).to(centreColumn + halfColumns).fromRest();
+            row.window(Source::to, Fourth::mixed, centreColumn - halfColumns, centreColumn + halfColumns)
+                .fromRest();
     }
 }
 
@@ -67,9 +69,8 @@ void crossMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t centreColumn = (stage.width() + 1) / 2;
     for (Row row : stage.rows()) {
         if (std::abs(row.y() - centreRow) >= halfRows)
-            row.toColours(centreColumn - halfColumns + 1)
-                .from(centreColumn + halfColumns)
-                .toColours(stage.width());
+            row.window(Source::from, Fourth::ofFrom, centreColumn - halfColumns + 1,
+                       centreColumn + halfColumns);
         row.fromRest();
     }
 }

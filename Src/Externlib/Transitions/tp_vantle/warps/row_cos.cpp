@@ -36,9 +36,9 @@ void rowCosVantle(const Stage& stage, const Progress& progress) {
         if (row.y() < wave.rows) {
             const std::int32_t advance = wave.advanceAt(static_cast<double>(row.y()) / wave.rows * halfTurn);
             if (entersFromLeft(row))
-                row.toColours(advance);
+                row.window(Source::to, Fourth::ofFrom, 0, advance);
             else
-                row.from(width - advance).toColours(width);
+                row.window(Source::to, Fourth::ofFrom, width - advance, width);
         }
         row.fromRest();
     }
