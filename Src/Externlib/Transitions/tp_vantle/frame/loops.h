@@ -48,13 +48,30 @@ VANTLE_INLINE Run tail(const Run& run, std::int32_t first, std::int32_t count) {
             run.pastCache,    run.ahead};
 }
 
-/// While a tile is computed, has the same one of the next row brought into the cache, of frames such as
+/// While a tile is computed, has what lies `ahead` of it brought into the cache, of frames such as
 /// `&Run::from`. What takes no time but memory's gains nothing by it, nor do parts of tiles.
 template <typename... Frame>
 VANTLE_INLINE void fetchNext(const Run& tile, Frame... frame) {
     if (tile.ahead == 0) return;
     for (std::ptrdiff_t at = tile.ahead; at < tile.ahead + 4 * tile.count; at += lineBytes)
         (fetchLine(tile.*frame + at), ...);
+}
+
+/// Draws a run in two parts, so that what is fetched meanwhile is drawn `fetchedAhead` bytes later: in this
+/// row, and by the second part in the next one. `draw(part, first)` draws one, from pixel `first` on.
+template <typename Draw>
+VANTLE_INLINE void drawFetched(const Run& run, Draw draw) {
+    const std::int32_t before = run.ahead != 0 ? run.count - fetchedAhead / 4 : 0;
+    const std::int32_t seam = before / linePixels * linePixels;
+    for (std::int32_t first = 0, end = seam > 0 ? seam : run.count; first < run.count;
+         first = end, end = run.count) {
+        Run part = tail(run, first, end - first);
+        if (end < run.count)
+            part.ahead = fetchedAhead;
+        else if (run.ahead != 0)
+            part.ahead = run.ahead - std::ptrdiff_t{4} * first;
+        draw(part, first);
+    }
 }
 
 /// Bytes 0 to 2 of one pixel and byte 3 of another.

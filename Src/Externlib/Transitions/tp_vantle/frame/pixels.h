@@ -34,7 +34,7 @@ struct Run {
     const std::uint8_t* kept;  ///< where a byte 3 that is kept comes from: `out`, or an input
     std::int32_t count;        ///< pixels
     PastCache pastCache;       ///< what of it is written past the cache
-    std::ptrdiff_t ahead;      ///< bytes to the next row, if that is to be fetched meanwhile; else 0
+    std::ptrdiff_t ahead;      ///< bytes to what is to be fetched meanwhile, as the next row; else 0
 };
 
 /// The weight of imgTo in one pixel, 0 to 255.

@@ -76,12 +76,15 @@ inline void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t co
         std::memcpy(out, in, static_cast<std::size_t>(count));
 }
 
-/// Has the line of memory that `address` lies in brought into the second cache, and does not wait for it. The
-/// nearest one is too small for a row of three frames ahead of what is being drawn.
+/// Bytes of a run that are fetched ahead of what is being drawn: of three frames the nearest cache, which may
+/// be one of 32 KB, has room for twice as much.
+constexpr std::int32_t fetchedAhead = 4096;
+
+/// Has the line of memory that `address` lies in brought into the nearest cache, and does not wait for it.
 inline void fetchLine(const std::uint8_t* address) {
     constexpr int toRead = 0;
-    constexpr int secondCache = 2;
-    __builtin_prefetch(address, toRead, secondCache);
+    constexpr int nearestCache = 3;
+    __builtin_prefetch(address, toRead, nearestCache);
     asm volatile("");  // a function that does no more would be taken for one that does nothing, and left out
 }
 
