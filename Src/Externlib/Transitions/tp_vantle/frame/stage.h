@@ -36,7 +36,10 @@ class Row {
 
     /// Row `y` of the picture, which begins `offset` bytes into the frames.
     Row(const StageFrames& frames, std::int32_t y, std::ptrdiff_t offset)
-        : frames_(&frames), offset_(offset), y_(y) {}
+        : frames_(&frames),
+          offset_(offset),
+          y_(y),
+          pastCache_(vantle::pastCache(frames.bytes, frames.bytes - offset)) {}
 
     std::int32_t y() const { return y_; }       ///< picture row, counted from the top
     std::int32_t x() const { return at_ / 4; }  ///< column that the next run starts with
@@ -128,7 +131,7 @@ class Row {
         first = std::clamp(first, start, width);
         end = std::clamp(end, first, width);
         const std::int32_t ofTo = inside == Source::to ? end - first : width - start - (end - first);
-        if (!windowIsFaster(fourth, ofTo, width - start, pastCache())) {
+        if (!windowIsFaster(fourth, ofTo, width - start, pastCache_)) {
             const Source outside = inside == Source::to ? Source::from : Source::to;
             return piece(outside, fourth, first).piece(inside, fourth, end).piece(outside, fourth, width);
         }
@@ -201,7 +204,7 @@ class Row {
 
     Row& copy(Source source, std::int32_t endByte) {
         if (endByte > at_) {
-            copyBytes(frames_->out + offset_ + at_, pixels(source) + at_, endByte - at_, pastCache());
+            copyBytes(frames_->out + offset_ + at_, pixels(source) + at_, endByte - at_, pastCache_);
             at_ = endByte;
         }
         return *this;
@@ -219,16 +222,15 @@ class Row {
                 frames.to + offset,
                 frames.kept + offset,
                 (at_ - start) / 4,
-                pastCache(),
+                pastCache_,
                 fetches ? std::ptrdiff_t{frames.pitch} : 0};
     }
-
-    PastCache pastCache() const { return vantle::pastCache(frames_->bytes, frames_->bytes - offset_); }
 
     const StageFrames* frames_ = nullptr;
     std::ptrdiff_t offset_ = 0;
     std::int32_t y_ = 0;
     std::int32_t at_ = 0;  // byte of the row that the next run starts with
+    PastCache pastCache_ = PastCache::nothing;
 };
 
 struct Row::Samples {
@@ -244,7 +246,7 @@ struct Row::Samples {
     /// follows in memory, which processors fetch by themselves.
     Samples before(const Row& next, std::int32_t end) const {
         constexpr std::ptrdiff_t gap = 8 * lineBytes;
-        if (row.pastCache() != PastCache::everything || end <= first) return *this;
+        if (row.pastCache_ != PastCache::everything || end <= first) return *this;
         const std::ptrdiff_t distance = next.offset_ - row.offset_;
         const std::ptrdiff_t length = std::ptrdiff_t{4} * (columns[end - first - 1] - columns[0]);
         if (std::abs(distance) < length + gap) return *this;
