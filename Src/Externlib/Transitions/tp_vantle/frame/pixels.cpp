@@ -239,11 +239,11 @@ VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, std
 }
 
 VANTLE_MULTIVERSION void mix(const Run& run, Divisor divisor, Fourth fourth, const Weight* weights) {
-    if (fourth != Fourth::kept) {
+    if (fourth != Fourth::kept || run.kept != run.out) {
         mixRun(run, divisor, fourth, weights);
         return;
     }
-    // There are three frames to be read: whole rows of them would not stay in the nearest cache until then.
+    // Three frames are to be read: whole rows of them would not stay in the nearest cache until then.
     drawFetched(run, [=](const Run& part, std::int32_t first)
                          VANTLE_INLINED { mixRun(part, divisor, fourth, weights + first); });
 }
