@@ -1,6 +1,7 @@
 // Effects drawn without a host, on frames in either order of rows.
 #include "frame/stage.h"
 
+#include <array>
 #include <string_view>
 
 #include "blends/dissolve.h"
@@ -44,10 +45,11 @@ TEST(Stage, ShowsTheSamePictureWhicheverRowIsStoredFirst) {
     }
 }
 
-// Wherever in a line of memory rows begin, with padding and without, and in windows of which a row fills
-// several.
+// Wherever in a line of memory rows begin, with padding and without, in windows of which a row fills several,
+// and in rows that are fetched in parts.
 TEST(Stage, IsDrawnTheSamePastTheCache) {
-    for (const Geometry& g : {Geometry{700, 40, 2812}, {1, 9, 4}, {301, 23, 1204}, {513, 17, 2064}}) {
+    for (const Geometry& g :
+         {Geometry{700, 40, 2812}, {1, 9, 4}, {301, 23, 1204}, {513, 17, 2064}, {2301, 5, 9204}}) {
         const Bytes from = contentOf(g, 0), to = contentOf(g, 1), before = contentOf(g, 2);
         std::uint32_t place = 0;
         for (const auto& [function, draw] : effects)
@@ -91,5 +93,46 @@ TEST(Stage, MayBeDrawnOverAnInput) {
                           overTo ? over.data() : to.data()},
                          {1.0, position});
                     EXPECT_EQ(over, beside) << function << " at " << position;
+                }
+}
+
+// After other pixels, reaching beyond the row, empty and turned round: as its three pieces are.
+TEST(Stage, ShowsAWindowAsItsPieces) {
+    using vantle::Fourth, vantle::Source;
+    const Geometry g{700, 1, 2804};
+    const Bytes from = contentOf(g, 0), to = contentOf(g, 1), before = contentOf(g, 2);
+    for (const bool streamed : {false, true})
+        for (const Source inside : {Source::from, Source::to})
+            for (const Fourth fourth : {Fourth::mixed, Fourth::ofFrom})
+                for (const auto& [start, first, end] : {std::array{0, 100, 300},
+                                                        {0, 17, 690},
+                                                        {40, 100, 600},
+                                                        {40, 20, 400},
+                                                        {33, 300, 900},
+                                                        {0, -50, 350},
+                                                        {0, -9, 800},
+                                                        {120, 350, 350},
+                                                        {0, 500, 300},
+                                                        {700, 100, 300}}) {
+                    const auto drawn = [&](auto draw) {
+                        Bytes out = before;
+                        const vantle::Stage stage(g.width, 1, g.pitch, out.data(), from.data(), to.data());
+                        draw((streamed ? stage.streamed() : stage).row(0).skip(start));
+                        return out;
+                    };
+                    const auto show = [&](vantle::Row& row, bool within, std::int32_t column) {
+                        const Source source = within == (inside == Source::to) ? Source::to : Source::from;
+                        if (fourth == Fourth::mixed || source == Source::from)
+                            row.show(source, column);
+                        else
+                            row.toColours(column);
+                    };
+                    EXPECT_EQ(drawn([&](vantle::Row row) { row.window(inside, fourth, first, end); }),
+                              drawn([&](vantle::Row row) {
+                                  show(row, false, first);
+                                  show(row, true, end);
+                                  show(row, false, g.width);
+                              }))
+                        << start << ": " << first << " to " << end;
                 }
 }

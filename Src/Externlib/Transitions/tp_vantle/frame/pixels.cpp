@@ -286,7 +286,7 @@ constexpr std::uint32_t allBytes = 0xFFFFFFFF;
 /// Of a pixel of imgTo that is shown.
 constexpr std::uint32_t bytesOfTo(Fourth fourth) { return fourth == Fourth::mixed ? allBytes : 0x00FFFFFF; }
 
-// Which bytes of pixel i are imgTo's and not imgFrom's:
+// What tells which bytes of pixel i are imgTo's and not imgFrom's.
 
 struct Woven {
     std::uint32_t bytes;
@@ -312,6 +312,7 @@ struct Ranked {
     }
 };
 
+/// Bytes of imgTo where `shownAt(i)` has ones, and of imgFrom.
 template <typename ShownAt>
 VANTLE_INLINE void showWords(Run run, ShownAt shownAt) {
     for (std::int32_t i = 0; i < run.count; ++i) {
@@ -406,16 +407,15 @@ VANTLE_MULTIVERSION void weave(const Run& run, Fourth fourth, const Weight* weig
 
 VANTLE_MULTIVERSION static void streamWindow(const Run& run, Windowed shown) { streamWords(run, shown); }
 
-VANTLE_MULTIVERSION static void drawWindow(const Run& run, Windowed shown) { showWords(run, shown); }
-
-void window(const Run& run, Source inside, Fourth fourth, std::int32_t first, std::int32_t end) {
+VANTLE_MULTIVERSION void window(const Run& run, Source inside, Fourth fourth, std::int32_t first,
+                                std::int32_t end) {
     const std::uint32_t bytes = bytesOfTo(fourth);
     const bool insideTo = inside == Source::to;
     const Windowed shown{first, end, insideTo ? bytes : 0, insideTo ? 0 : bytes};
     if (streams(run, fourth, PastCache::merges))
         streamWindow(run, shown);
     else
-        drawWindow(run, shown);
+        showWords(run, shown);
 }
 
 VANTLE_MULTIVERSION static void streamRanked(const Run& run, Ranked shown) { streamWords(run, shown); }

@@ -127,15 +127,15 @@ class Row {
     /// The rest of the row but its padding: columns `first` to `end` - 1 of one frame, and of the other
     /// around them. Byte 3 as in `weave`.
     Row& window(Source inside, Fourth fourth, std::int32_t first, std::int32_t end) {
-        const std::int32_t start = x(), width = frames_->width;
-        first = std::clamp(first, start, width);
-        end = std::clamp(end, first, width);
-        const std::int32_t ofTo = inside == Source::to ? end - first : width - start - (end - first);
-        if (!windowIsFaster(fourth, ofTo, width - start, pastCache_)) {
+        const std::int32_t start = x(), count = frames_->width - start;
+        const std::int32_t ofTo = inside == Source::to ? end - first : count - (end - first);
+        if (!windowIsFaster(fourth, ofTo, count, pastCache_)) {
             const Source outside = inside == Source::to ? Source::from : Source::to;
-            return piece(outside, fourth, first).piece(inside, fourth, end).piece(outside, fourth, width);
+            return piece(outside, fourth, first)
+                .piece(inside, fourth, end)
+                .piece(outside, fourth, frames_->width);
         }
-        vantle::window(next(width), inside, fourth, first - start, end - start);
+        vantle::window(next(frames_->width), inside, fourth, first - start, end - start);
         return *this;
     }
 
@@ -196,7 +196,7 @@ class Row {
         return (source == Source::to ? frames_->to : frames_->from) + offset_;
     }
 
-    /// A piece of a window.
+    /// Pixels of one frame as a window shows them.
     Row& piece(Source source, Fourth fourth, std::int32_t end) {
         const bool whole = fourth == Fourth::mixed || source == Source::from;
         return whole ? show(source, end) : colours(source, fourth, end);
