@@ -1,7 +1,6 @@
 // Effects drawn without a host, on frames in either order of rows.
 #include "frame/stage.h"
 
-#include <array>
 #include <string_view>
 
 #include "blends/dissolve.h"
@@ -100,24 +99,21 @@ TEST(Stage, MayBeDrawnOverAnInput) {
 TEST(Stage, ShowsAWindowAsItsPieces) {
     using vantle::Fourth, vantle::Source;
     const Geometry g{700, 1, 2804};
+    struct Window {
+        std::int32_t start, first, end;
+    };
+    constexpr Window windows[] = {{0, 100, 300},  {0, 17, 690},   {40, 100, 600}, {40, 20, 400},
+                                  {33, 300, 900}, {0, -50, 350},  {0, -9, 800},   {120, 350, 350},
+                                  {0, 500, 300},  {700, 100, 300}};
     const Bytes from = contentOf(g, 0), to = contentOf(g, 1), before = contentOf(g, 2);
     for (const bool streamed : {false, true})
         for (const Source inside : {Source::from, Source::to})
             for (const Fourth fourth : {Fourth::mixed, Fourth::ofFrom})
-                for (const auto& [start, first, end] : {std::array{0, 100, 300},
-                                                        {0, 17, 690},
-                                                        {40, 100, 600},
-                                                        {40, 20, 400},
-                                                        {33, 300, 900},
-                                                        {0, -50, 350},
-                                                        {0, -9, 800},
-                                                        {120, 350, 350},
-                                                        {0, 500, 300},
-                                                        {700, 100, 300}}) {
+                for (const Window& w : windows) {
                     const auto drawn = [&](auto draw) {
                         Bytes out = before;
                         const vantle::Stage stage(g.width, 1, g.pitch, out.data(), from.data(), to.data());
-                        draw((streamed ? stage.streamed() : stage).row(0).skip(start));
+                        draw((streamed ? stage.streamed() : stage).row(0).skip(w.start));
                         return out;
                     };
                     const auto show = [&](vantle::Row& row, bool within, std::int32_t column) {
@@ -127,12 +123,12 @@ TEST(Stage, ShowsAWindowAsItsPieces) {
                         else
                             row.toColours(column);
                     };
-                    EXPECT_EQ(drawn([&](vantle::Row row) { row.window(inside, fourth, first, end); }),
+                    EXPECT_EQ(drawn([&](vantle::Row row) { row.window(inside, fourth, w.first, w.end); }),
                               drawn([&](vantle::Row row) {
-                                  show(row, false, first);
-                                  show(row, true, end);
+                                  show(row, false, w.first);
+                                  show(row, true, w.end);
                                   show(row, false, g.width);
                               }))
-                        << start << ": " << first << " to " << end;
+                        << w.start << ": " << w.first << " to " << w.end;
                 }
 }
