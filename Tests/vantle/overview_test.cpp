@@ -102,26 +102,11 @@ TEST_F(Overview, ReplacesOnlyWhatAGalleryMade) {
                   std::string::npos);
     }
 
-    // What comes while it draws, and, by way of a library, in the very moment of the exchange and after it.
-    std::ofstream(folder_ / "moment.cpp") << R"(
-#include <cerrno>
-#include <cstdlib>
-#include <sys/syscall.h>
-#include <unistd.h>
-extern "C" int renameat2(int, const char* from, int, const char* to, unsigned flags) {
-    const bool known = std::getenv("PLAIN") == nullptr;
-    if (const char* command = std::getenv("BEFORE")) std::system(command);
-    unsetenv("BEFORE");
-    const long result = known ? syscall(SYS_renameat2, -100, from, -100, to, flags) : -1;
-    if (const char* command = std::getenv("AFTER")) std::system(command);
-    if (!known) errno = EINVAL;
-    return static_cast<int>(result);
-})";
-    ASSERT_EQ(shell(in("c++ -shared -fPIC moment.cpp -o moment.so")).status, 0);
+    // What comes while it draws, and in the very moment of the exchange and after it.
+    const std::string hooked = withRenamesHooked();
     const auto replace = [&](const std::string& moment) {
         shell(in("rm -rf page .page* photos; cp -r made page"));
-        return shell(in("ASAN_OPTIONS=verify_asan_link_order=0 LD_PRELOAD=./moment.so " + moment +
-                        " " VANTLE + gallery + "-f --positions 2 2>&1"));
+        return shell(in(moment + hooked + gallery + "-f --positions 2 2>&1"));
     };
     shell(in("rm -rf page photos; cp -r made page"));
     const Outcome drawing = vantleWhile(gallery + "-f --size 1280x720", "echo mine >page/notes.txt");

@@ -29,6 +29,12 @@ Time timeIn(const std::string& setting, const std::string& value) {
     return *time;
 }
 
+Fit fitIn(const std::string& setting, const std::string& value) {
+    const std::optional<Fit> fit = parseFit(value);
+    if (!fit) throw UsageError(setting + ": \"" + value + "\" is none of contain, cover, stretch");
+    return *fit;
+}
+
 bool yesIn(const std::string& setting, const std::string& value) {
     if (value != "yes" && value != "no") throw UsageError(setting + ": \"" + value + "\" is not yes or no");
     return value == "yes";
@@ -42,7 +48,7 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
     else if (key == "hold")
         shot.hold = timeIn(operand, value);
     else if (key == "fit")
-        shot.fit = fitOf(value);
+        shot.fit = fitIn(operand, value);
     else if (key == "mute")
         shot.mute = yesIn(operand, value);
     else

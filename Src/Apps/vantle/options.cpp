@@ -40,13 +40,6 @@ CLI::Validator within(double lowest, double highest) {
     return CLI::Range(lowest, highest) & CLI::Validator(isNumber, "");
 }
 
-Fit fitOf(const std::string& text) {
-    if (text == "contain") return Fit::contain;
-    if (text == "cover") return Fit::cover;
-    if (text == "stretch") return Fit::stretch;
-    throw CLI::ValidationError("--fit", "\"" + text + "\" is none of contain, cover, stretch");
-}
-
 CLI::Validator aTime(double longest) {
     return {[longest](const std::string& text) {
                 const std::optional<Time> time = parseTime(text);
@@ -74,9 +67,10 @@ void addOverlap(CLI::App& command, JoinOptions& options) {
         ->type_name("RATE");
     command
         .add_option_function<std::string>(
-            "--fit", [&](const std::string& text) { options.fit = fitOf(text); },
+            "--fit", [&](const std::string& text) { options.fit = parseFit(text).value_or(Fit::contain); },
             "How an input of another shape fills the picture (default: contain)")
-        ->type_name("contain|cover|stretch");
+        ->type_name("contain|cover|stretch")
+        ->check(CLI::IsMember({"contain", "cover", "stretch"}));
 }
 
 void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning) {

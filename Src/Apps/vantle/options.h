@@ -23,8 +23,6 @@ CLI::Validator aTime(double longest);
 /// Reads a time that a validator has let through.
 Time timeOf(const std::string& text);
 
-Fit fitOf(const std::string& text);
-
 /// How the inputs overlap: --duration, --fps, --fit.
 void addOverlap(CLI::App& command, JoinOptions& options);
 

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -26,6 +28,7 @@ extern "C" {
 #include "operands.h"
 #include "options.h"
 #include "output/picture_writer.h"
+#include "output/staged_file.h"
 #include "output/writer.h"
 #include "overview/joins.h"
 #include "plan.h"
@@ -132,12 +135,13 @@ std::optional<SoundWish> soundOf(const RenderOptions& options, const Film& film)
 /// Draws the wanted frames of a film into a writer, with their sound where it takes any.
 class Rendering {
    public:
-    Rendering(const Film& film, FrameRange wanted, const MusicOptions& music, Writer& writer,
-              ProgressBar& progress)
+    /// Of the frames from `first` to before `end`.
+    Rendering(const Film& film, std::int64_t first, std::int64_t end, const MusicOptions& music,
+              Writer& writer, ProgressBar& progress)
         : writer_(writer),
           progress_(progress),
-          next_(wanted.first),
-          end_(std::min(film.frames() - 1, wanted.last) + 1),
+          next_(first),
+          end_(end),
           reader_(film, next_, writer.soundFormat().has_value()),
           painter_(film.canvas.size, writer.pictureFormat()) {
         if (const std::optional<SoundFormat> format = writer.soundFormat())
@@ -265,13 +269,19 @@ bool writeCopies(const RenderOptions& options, const OutputKind& kind, const Cop
     return false;
 }
 
+/// The frames that are wanted of a film, to before the second.
+std::pair<std::int64_t, std::int64_t> wantedFrames(const RenderOptions& options, const Film& film) {
+    const FrameRange wanted = options.frames.value_or(FrameRange{});
+    if (wanted.first >= film.frames())
+        throw Error("--frames: the rendering ends before its frame " + std::to_string(wanted.first));
+    return {wanted.first, std::min(film.frames() - 1, wanted.last) + 1};
+}
+
 void writeFilm(const RenderOptions& options, const OutputKind& kind, const Film& film,
                std::span<const std::unique_ptr<Input>> inputs) {
     const JoinOptions& asked = options.join;
-    const FrameRange wanted = options.frames.value_or(FrameRange{});
-    const std::int64_t frames = options.at ? 1 : std::min(film.frames() - 1, wanted.last) - wanted.first + 1;
-    if (frames < 1)
-        throw Error("--frames: the rendering ends before its frame " + std::to_string(wanted.first));
+    const auto [first, end] = wantedFrames(options, film);
+    const std::int64_t frames = options.at ? 1 : end - first;
     const std::unique_ptr<Writer> writer =
         makeWriter(kind, {.name = asked.output,
                           .canvas = film.canvas,
@@ -286,13 +296,28 @@ void writeFilm(const RenderOptions& options, const OutputKind& kind, const Film&
         Painter painter(film.canvas.size, writer->pictureFormat());
         writer->write(painter.paint(momentsOf(film, join, {options.at->position}).front()), 0);
     } else {
-        Rendering(film, wanted, options.music, *writer, progress).run();
+        Rendering(film, first, end, options.music, *writer, progress).run();
     }
     writer->finish();
     progress.finish();
     if (asked.quiet) return;
     reportDamage(inputs);
     tellWritten(asked.output, frames, film.canvas.size, 0);
+}
+
+/// Throws Error when what is written stands in the way, or is an input. Tells of music that cannot be read,
+/// too.
+void checkTargets(const RenderOptions& options, const OutputKind* kind, const Film& film,
+                  std::span<const std::unique_ptr<Input>> inputs) {
+    FileSet read = filesOf(inputs);
+    if (!options.music.file.empty()) read.merge(Demuxer(options.music.file).files());
+    std::vector<std::filesystem::path> targets{options.joins.empty() ? options.join.output : options.joins};
+    if (options.joins.empty() && kind->numbered) {
+        const auto [first, end] = wantedFrames(options, film);
+        targets = pictureNames(options.join.output, first, end);
+        prepareTargets(targets, options.join.force);
+    }
+    for (const std::filesystem::path& target : targets) checkSpared(read, target);
 }
 
 void render(const RenderOptions& options) {
@@ -303,7 +328,8 @@ void render(const RenderOptions& options) {
     if (!asked.output.empty()) {
         kind = outputKind(asked.output, options.encoders);
         checkOptions(options, *kind);
-        if (writes) checkReplaceable(asked.output, asked.force);
+        if (writes && asked.output != "-" && !kind->numbered)
+            prepareTargets(std::array{std::filesystem::path(asked.output)}, asked.force);
     }
     if (!options.joins.empty()) checkSheetName(options.joins, asked.force);
 
@@ -311,11 +337,6 @@ void render(const RenderOptions& options) {
     if (options.sort) sortNaturally(sequence, options.operands);
     if (options.mute)
         for (Shot& shot : sequence.shots) shot.mute = true;
-    const auto spareInputs = [&](const std::string& output) {
-        for (const Shot& shot : sequence.shots) checkSpared(shot.file, output);
-        checkSpared(options.music.file, output);
-    };
-    spareInputs(writes ? asked.output : options.joins);
     const Plugin plugin(asked.plugin);
     const auto transitions = transitionsFor(sequence, plugin, seedOf(options, sequence));
 
@@ -331,9 +352,7 @@ void render(const RenderOptions& options) {
         sequence, inputs, transitions, canvas,
         {asked.duration, options.hold.value_or(Time{pictures ? 0.0 : 1.0, false}), options.shrink, numbered},
         notes);
-    for (std::int64_t number = 0; writes && numbered && number <= film.frames(); ++number)
-        if (const std::string name = numberedName(asked.output, number); std::filesystem::exists(name))
-            spareInputs(name);
+    if (!options.plan) checkTargets(options, kind ? &*kind : nullptr, film, inputs);
     const CopyMode mode = copyMode(options, kind, canvas, inputs);
     const std::optional<CopyPlan> copies =
         options.joins.empty() ? planCopies(options, mode, film, notes) : std::nullopt;
@@ -359,20 +378,22 @@ std::pair<std::string, std::string> parseSetting(const std::string& text) {
     return {text.substr(0, middle), text.substr(middle + 1)};
 }
 
+/// The number that all of a text is, in plain digits.
+template <typename Number>
+std::optional<Number> numberIn(std::string_view text) {
+    Number number{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+}
+
 JoinPosition parseAt(const std::string& text) {
-    JoinPosition at;
     const std::size_t colon = text.find(':');
-    const std::string position = colon == std::string::npos ? text : text.substr(colon + 1);
-    std::size_t used = 0;
-    try {
-        if (colon != std::string::npos) at.join = std::stoul(text.substr(0, colon));
-        at.position = std::stod(position, &used);
-    } catch (const std::exception&) {
-        used = 0;
-    }
-    if (used == 0 || used != position.size() || !(at.position >= 0.0 && at.position <= 1.0))
+    const bool saysJoin = colon != std::string::npos;
+    const auto join = numberIn<std::size_t>(std::string_view(text).substr(0, saysJoin ? colon : 0));
+    const auto position = numberIn<double>(std::string_view(text).substr(saysJoin ? colon + 1 : 0));
+    if ((saysJoin && !join) || !position || !(*position >= 0.0 && *position <= 1.0))
         throw CLI::ValidationError("--at", "\"" + text + "\" is no position of 0 to 1 (as 0.5, or 2:0.5)");
-    return at;
+    return {join, *position};
 }
 
 CopyMode parseCopy(const std::string& text) {
@@ -380,15 +401,15 @@ CopyMode parseCopy(const std::string& text) {
 }
 
 FrameRange parseFrames(const std::string& text) {
-    long long first = 0;
-    long long last = 0;
-    int length = 0;
-    if (std::sscanf(text.c_str(), "%lld-%lld%n", &first, &last, &length) != 2 ||
-        length != static_cast<int>(text.size()) || first < 0 || last < first)
+    const std::size_t middle = text.find('-', 1);
+    const auto first = numberIn<std::int64_t>(std::string_view(text).substr(0, middle));
+    const auto last = numberIn<std::int64_t>(
+        std::string_view(text).substr(middle == std::string::npos ? text.size() : middle + 1));
+    if (!first || !last || *first < 0 || *last < *first)
         throw CLI::ValidationError("--frames", "\"" + text + "\" is no range of frames (as 10-19)");
     // Positions in the sound are counted from these: far beyond any video is far enough.
-    constexpr long long farthest = FrameRange{}.last;
-    return {std::min(first, farthest), std::min(last, farthest)};
+    constexpr std::int64_t farthest = FrameRange{}.last;
+    return {std::min(*first, farthest), std::min(*last, farthest)};
 }
 
 }  // namespace

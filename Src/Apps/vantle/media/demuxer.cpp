@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr AVRational microseconds{1, AV_TIME_BASE};
 
-av::Input open(const std::string& name) {
+av::Input open(const std::string& name, OpenedFiles& opened) {
     constexpr std::string_view generated = "lavfi:";
     const bool isGenerated = name.starts_with(generated);
     std::string url = isGenerated ? name.substr(generated.size()) : name;
@@ -37,6 +37,7 @@ av::Input open(const std::string& name) {
     avdevice_register_all();
 
     AVFormatContext* context = av::check(avformat_alloc_context(), name);
+    opened.watch(*context);
     context->interrupt_callback.callback = [](void*) { return interrupted() ? 1 : 0; };
     const int code = avformat_open_input(&context, url.c_str(),
                                          isGenerated ? av_find_input_format("lavfi") : nullptr, nullptr);
@@ -49,7 +50,7 @@ av::Input open(const std::string& name) {
 
 }  // namespace
 
-Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name)) {}
+Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name, *opened_)) {}
 
 std::optional<int> Demuxer::best(AVMediaType type) const {
     const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
@@ -124,7 +125,7 @@ bool Demuxer::seek(int stream, std::int64_t time) {
 }
 
 void Demuxer::reopen() {
-    input_ = open(name_);
+    input_ = open(name_, *opened_);
     passOverOthers();
     forget();
 }
@@ -134,6 +135,11 @@ void Demuxer::forget() {
     ended_ = false;
     times_.clear();
     shift_ = end_ = othersEnd_ = 0;
+}
+
+FileSet Demuxer::files() const {
+    opened_->lookAhead(*input_);
+    return opened_->found();
 }
 
 bool Demuxer::indexed() const {

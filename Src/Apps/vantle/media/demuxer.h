@@ -5,10 +5,12 @@
 #include <deque>
 #include <limits>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "media/av.h"
+#include "media/opened_files.h"
 
 namespace vantle {
 
@@ -52,6 +54,9 @@ class Demuxer {
     /// True when times have jumped so far: then a time does not lead to its place in the file.
     bool jumped() const { return shift_ != 0; }
 
+    /// The files that the input is read from, those of which it has not come to yet too.
+    FileSet files() const;
+
     /// True for a format that knows where its packets lie and states how long it is.
     bool indexed() const;
 
@@ -74,6 +79,7 @@ class Demuxer {
     void forget();
 
     std::string name_;
+    std::unique_ptr<OpenedFiles> opened_ = std::make_unique<OpenedFiles>();
     av::Input input_;
     std::map<int, std::deque<av::Packet>> queues_;  // of the streams in use
     Health health_;

@@ -50,6 +50,8 @@ class PictureWriter final : public Writer {
         const std::string numbered = numberedName(name_, number);
         // Its name is taken now, so that an output that may not be overwritten ends the rendering at once.
         files_.emplace_back(numbered.empty() ? name_ : numbered, overwrite_);
+        // One lock stands for all: thousands of files cannot be open at once.
+        if (files_.size() > 1) files_.back().unlock();
         picture->pict_type = AV_PICTURE_TYPE_NONE;
         picture->quality = encoder_.context().global_quality;
         picture->pts = static_cast<std::int64_t>(files_.size()) - 1;
@@ -101,6 +103,14 @@ std::string numberedName(const std::string& pattern, std::int64_t number) {
     const int code = av_get_frame_filename(name.data(), static_cast<int>(name.size()), pattern.c_str(),
                                            static_cast<int>(number));
     return code >= 0 ? name.data() : std::string();
+}
+
+std::vector<std::filesystem::path> pictureNames(const std::string& pattern, std::int64_t first,
+                                                std::int64_t end) {
+    std::vector<std::filesystem::path> names;
+    for (std::int64_t number = first; number < end; ++number)
+        names.emplace_back(numberedName(pattern, number));
+    return names;
 }
 
 std::unique_ptr<Writer> makePictureWriter(const WriterOptions& options) {

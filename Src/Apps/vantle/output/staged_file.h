@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 
 #include "output/staging.h"
 
@@ -27,11 +28,20 @@ class StagedFile {
     /// may not be overwritten.
     void commit();
 
+    /// Lets go of the lock that tells others that the file is being written; for all but the first of many,
+    /// which stands for the others.
+    void unlock() { lock_ = Descriptor(); }
+
    private:
     std::filesystem::path target_;
     std::filesystem::path path_;  // empty once committed or moved from
     bool overwrite_;
+    Descriptor lock_;
     std::optional<Rights> rights_;  // of the file to replace
 };
+
+/// Throws what staging one of these files would throw, so that it is told before anything long begins. What a
+/// program that was killed left of them, half written, is removed.
+void prepareTargets(std::span<const std::filesystem::path> targets, bool overwrite);
 
 }  // namespace vantle

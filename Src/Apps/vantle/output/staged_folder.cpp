@@ -25,7 +25,7 @@ fs::path withoutSlash(const fs::path& path) { return path.has_filename() ? path 
 
 /// A new folder beside `target` that only its owner may look into.
 fs::path makeFolderBeside(const fs::path& target) {
-    std::string name = stagingName(target);
+    std::string name = stagingName(target, ".XXXXXX");
     if (mkdtemp(name.data()) == nullptr) failToWrite(target, errno);
     return name;
 }
@@ -36,6 +36,7 @@ StagedFolder::StagedFolder(const fs::path& target, bool overwrite, std::string_v
     : target_(withoutSlash(target)), overwrite_(overwrite), title_(title), made_(title) {
     if (const fs::path name = target_.filename(); name == "." || name == "..")
         throw Error(target_.string() + " is no name for a folder to make");
+    checkTarget(target_);
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(target_, ignored))) refuseStrangers();
     path_ = makeFolderBeside(target_);

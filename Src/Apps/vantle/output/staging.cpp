@@ -5,6 +5,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -49,18 +50,50 @@ void refuseToReplace(const fs::path& target) {
     throw Error(target.string() + " exists; --force overwrites it");
 }
 
-std::string stagingName(const fs::path& target) {
-    // With the dots and the six letters shorter than any file system's longest name.
-    constexpr std::size_t longestName = 120;
-    std::string own = target.filename().string();
-    if (own.size() > longestName) {
-        // Some file systems take only whole characters: cut before a UTF-8 sequence, never within.
-        std::size_t end = longestName;
-        while (end > 0 && (static_cast<unsigned char>(own[end]) & 0xC0U) == 0x80U) --end;
-        own.resize(end);
+fs::path folderOf(const fs::path& target) {
+    return target.has_parent_path() ? target.parent_path() : fs::path(".");
+}
+
+void checkTarget(const fs::path& target) {
+    struct stat there {};
+    if (lstat(target.c_str(), &there) != 0) {
+        if (errno != ENOENT) failToWrite(target, errno);
+        return;
     }
-    std::string name = fs::path(target).remove_filename() / ".";
-    return name += own + ".XXXXXX";
+    // Rights to write the file itself are not needed, but one that never changes cannot be replaced either.
+    if (access(target.c_str(), W_OK) != 0 && errno == EPERM) failToWrite(target, EPERM);
+    // In a folder such as /tmp everybody replaces his own files only.
+    struct stat folder {};
+    const uid_t self = geteuid();
+    if (stat(folderOf(target).c_str(), &folder) == 0 && (folder.st_mode & S_ISVTX) != 0 && self != 0 &&
+        there.st_uid != self && folder.st_uid != self)
+        failToWrite(target, EPERM);
+}
+
+std::string stagingName(const fs::path& target, std::string_view ending) {
+    const fs::path folder = folderOf(target);
+    const auto room = [&](int limit, std::size_t usual, std::size_t taken) {
+        const long stated = pathconf(folder.c_str(), limit);
+        const std::size_t all = stated > 0 ? static_cast<std::size_t>(stated) : usual;
+        return all - std::min(all, taken);
+    };
+    // The dot before it, and the end of a path.
+    const std::size_t around = ending.size() + 1;
+    constexpr std::size_t longest = 120;  // shorter than most file systems' longest name
+    std::string own = target.filename().string();
+    const std::size_t end = std::min({longest, room(_PC_NAME_MAX, NAME_MAX, around),
+                                      room(_PC_PATH_MAX, PATH_MAX, folder.native().size() + 2 + around)});
+    if (own.size() > end) {
+        // Some file systems take only whole characters: cut before a UTF-8 sequence, never within.
+        std::size_t whole = end;
+        while (whole > 0 && (static_cast<unsigned char>(own[whole]) & 0xC0U) == 0x80U) --whole;
+        own.resize(whole);
+    }
+    return fs::path(target).remove_filename() / ("." + own).append(ending);
+}
+
+Descriptor::~Descriptor() {
+    if (file_ >= 0) close(file_);
 }
 
 int renameToFree(const fs::path& from, const fs::path& to) {
@@ -89,8 +122,9 @@ Rights Rights::ofNew(mode_t asked) {
 
 void Rights::giveTo(const fs::path& path) const {
     // Not through a link that somebody else put there.
-    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0) return;
+    const Descriptor opened(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!opened) return;
+    const int file = opened.get();
     struct stat own {};
     fstat(file, &own);
     mode_t mode = mode_;
@@ -111,7 +145,6 @@ void Rights::giveTo(const fs::path& path) const {
     }
     // A file system without rights refuses, and then there is nothing to keep.
     fchmod(file, mode);
-    close(file);
 }
 
 }  // namespace vantle

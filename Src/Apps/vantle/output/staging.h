@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,8 +18,33 @@ namespace vantle {
 /// Throws the Error for a target that exists and may not be overwritten.
 [[noreturn]] void refuseToReplace(const std::filesystem::path& target);
 
-/// The template of a hidden name beside `target`, as mkstemp and mkdtemp take it.
-std::string stagingName(const std::filesystem::path& target);
+/// Throws Error when nothing can get the name of `target`: it is too long, or what stands there is not this
+/// user's to replace.
+void checkTarget(const std::filesystem::path& target);
+
+/// The folder that holds `target`.
+std::filesystem::path folderOf(const std::filesystem::path& target);
+
+/// A hidden name beside `target`, which ends in `ending`. Of long names as much as there is room for.
+std::string stagingName(const std::filesystem::path& target, std::string_view ending);
+
+/// An open file, closed at the end.
+class Descriptor {
+   public:
+    explicit Descriptor(int file = -1) : file_(file) {}
+    Descriptor(Descriptor&& other) noexcept : file_(std::exchange(other.file_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(file_, other.file_);
+        return *this;
+    }
+    ~Descriptor();
+
+    int get() const { return file_; }
+    explicit operator bool() const { return file_ >= 0; }
+
+   private:
+    int file_;
+};
 
 /// Renames where nothing stands under the new name, and returns 0; or `errno`, EEXIST where something does.
 int renameToFree(const std::filesystem::path& from, const std::filesystem::path& to);

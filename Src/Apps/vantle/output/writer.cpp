@@ -6,7 +6,6 @@
 
 #include "output/movie_writer.h"
 #include "output/picture_writer.h"
-#include "output/staged_file.h"
 
 namespace vantle {
 
@@ -24,14 +23,16 @@ OutputKind outputKind(const std::string& name, const EncoderNames& encoders) {
                      ": it should end in .mp4, .mkv, .webm, .mov, .gif, .webp, .png or .jpg");
 }
 
-void checkReplaceable(const std::string& name, bool overwrite) {
-    if (name != "-" && numberedName(name, 0).empty()) const StagedFile probe(name, overwrite);
-}
-
-void checkSpared(const std::string& input, const std::string& output) {
-    std::error_code unknown;  // as of what is no file
-    if (std::filesystem::equivalent(input, output, unknown))
-        throw Error(output + " is an input; what is written needs another name");
+void checkSpared(const FileSet& inputs, const std::filesystem::path& output) {
+    const auto check = [&](const std::filesystem::path& file) {
+        if (const auto own = FileIdentity::of(file); own && inputs.contains(*own))
+            throw Error(file.string() + " is an input; what is written needs another name");
+    };
+    check(output);
+    std::error_code none;  // of what is no folder
+    for (std::filesystem::recursive_directory_iterator entry(output, none), end; entry != end;
+         entry.increment(none))
+        check(entry->path());
 }
 
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "media/av.h"
 #include "media/canvas.h"
 #include "media/convert.h"
+#include "media/opened_files.h"
 #include "media/sound_format.h"
 
 namespace vantle {
@@ -72,12 +74,9 @@ struct WriterOptions {
     av::Options encoderOptions{};  ///< for a video's encoder, as FFmpeg knows them
 };
 
-/// Throws Error when a file of this name stands in the way, so that it is told before anything long begins.
-/// Numbered pictures and standard output tell it themselves.
-void checkReplaceable(const std::string& name, bool overwrite);
-
-/// Throws Error when an output is also an input: it would replace what it is made of.
-void checkSpared(const std::string& input, const std::string& output);
+/// Throws Error when an output, or a file in the folder that it is, is one of those that `inputs` are read
+/// from: it would replace what it is made of.
+void checkSpared(const FileSet& inputs, const std::filesystem::path& output);
 
 /// The writer for an output of a kind.
 std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options);

@@ -1,9 +1,11 @@
 #include "overview/contact_sheet.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -65,7 +67,7 @@ void checkSheetName(const std::string& output, bool overwrite) {
     if (pictureCodec(output) == AV_CODEC_ID_NONE || !numberedName(output, 0).empty())
         throw UsageError("OUT is one picture: a name such as sheet.png, not " + output);
     // Refused now rather than when all is drawn; the file itself comes with the writer.
-    const StagedFile probe(output, overwrite);
+    prepareTargets(std::array{std::filesystem::path(output)}, overwrite);
 }
 
 ContactSheet::Layout::Layout(const SheetForm& form, const std::vector<SheetRow>& rows, Size frame)

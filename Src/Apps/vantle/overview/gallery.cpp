@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "output/staged_folder.h"
+#include "output/writer.h"
 #include "overview/page_files.h"
 #include "overview/sprite.h"
 #include "system/interrupt.h"
@@ -104,6 +105,7 @@ void makeGallery(const GalleryOptions& options) {
         return SpriteLayout(frameSize(options, own), options.positions).frame;
     });
     const SpriteLayout layout(overview.size(), options.positions);
+    checkSpared(overview.files(), asked.output);
 
     for (const WebFile& file : galleryFiles()) folder.write(file.name, file.contents);
     folder.write(dataFile, data(options.overview, overview, layout, positions));

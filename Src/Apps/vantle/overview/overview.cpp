@@ -74,6 +74,7 @@ Overview::Overview(const OverviewOptions& options, const std::vector<double>& po
     for (const Moment& moment : momentsOf(film, 0, positions))
         meetings_.push_back(
             {fromFrames.frame(*moment.picture), toFrames.frame(*moment.incoming), moment.position});
+    files_ = filesOf(inputs);
     if (!options.join.quiet) reportDamage(inputs);
 }
 

@@ -12,6 +12,7 @@
 #include "Host/image.h"
 #include "Host/plugin.h"
 #include "media/canvas.h"
+#include "media/opened_files.h"
 #include "timeline/join_options.h"
 
 namespace vantle {
@@ -39,6 +40,9 @@ class Overview {
 
     Size size() const { return size_; }
 
+    /// The files that its inputs are read from.
+    const FileSet& files() const { return files_; }
+
     /// Uses a finished frame: number of the transition, number of the position, and the frame itself, which
     /// holds only during the call.
     using Sink = std::function<void(std::size_t transition, std::size_t position, DIImage frame)>;
@@ -60,6 +64,7 @@ class Overview {
     std::vector<Meeting> meetings_;
     std::int64_t overlap_ = 1;
     Size size_;
+    FileSet files_;
 };
 
 }  // namespace vantle

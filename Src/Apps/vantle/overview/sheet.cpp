@@ -9,10 +9,9 @@ namespace vantle {
 void drawSheet(const SheetOptions& options) {
     const JoinOptions& asked = options.overview.join;
     checkSheetName(asked.output, asked.force);
-    for (const std::string& input : {options.overview.from, options.overview.to})
-        checkSpared(input, asked.output);
     const std::vector<double> positions = innerPositions(options.form.columns);
     const Overview overview(options.overview, positions, [](Size own) { return own; });
+    checkSpared(overview.files(), asked.output);
     std::vector<SheetRow> rows;
     for (const Transition& transition : overview.transitions())
         rows.push_back({shownName(transition), transition.family});

@@ -21,7 +21,7 @@ void catchInterrupts() {
         if (raised == 0) first = signal;
         raised = raised + 1;
     };
-    for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGXCPU}) sigaction(signal, &action, nullptr);
     // Under nohup it is ignored and stays so.
     if (std::signal(SIGHUP, SIG_IGN) != SIG_IGN) sigaction(SIGHUP, &action, nullptr);
     // These would end the program on the spot; ignored, they fail the write, and it ends in order.

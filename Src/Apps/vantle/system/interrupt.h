@@ -3,8 +3,8 @@
 
 namespace vantle {
 
-/// From here on SIGINT, SIGTERM and SIGHUP only raise a flag; a fourth one ends the program as usual.
-/// Writing to a closed pipe or beyond the limit on a file's size fails as any other write does.
+/// From here on SIGINT, SIGTERM, SIGHUP and SIGXCPU only raise a flag; a fourth one ends the program as
+/// usual. Writing to a closed pipe or beyond the limit on a file's size fails as any other write does.
 void catchInterrupts();
 
 /// True once one of those signals has come.

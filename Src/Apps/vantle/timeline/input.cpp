@@ -110,7 +110,9 @@ void Input::open() {
 }
 
 void Input::close() {
-    if (opened_) damaged_ += opened_->demuxer.health().damaged;
+    if (!opened_) return;
+    damaged_ += opened_->demuxer.health().damaged;
+    files_ = opened_->demuxer.files();
     opened_.reset();
 }
 
@@ -262,6 +264,12 @@ AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs) {
     for (const std::unique_ptr<Input>& input : inputs)
         if (const AVRational rate = input->rate(); rate.num > 0 && av_q2d(rate) <= highestRate) return rate;
     return {30, 1};
+}
+
+FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs) {
+    FileSet files;
+    for (const std::unique_ptr<Input>& input : inputs) files.merge(input->files());
+    return files;
 }
 
 void reportDamage(std::span<const std::unique_ptr<Input>> inputs) {

@@ -78,6 +78,9 @@ class Input {
 
     Demuxer& demuxer() { return opened_->demuxer; }
 
+    /// The files that it is read from, as far as they are known.
+    FileSet files() const { return opened_ ? opened_->demuxer.files() : files_; }
+
     /// Lets go of the file.
     void close();
 
@@ -104,6 +107,7 @@ class Input {
 
     std::string name_;
     std::unique_ptr<Opened> opened_;
+    FileSet files_;  // while it is closed
     av::Frame first_;
     std::optional<std::array<std::int32_t, 9>> displayMatrix_;  // as the container states it
     AVRational timeBase_{};
@@ -117,6 +121,9 @@ class Input {
 
 /// The rate at which inputs are joined: that of the first that has one, else 30 per second.
 AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs);
+
+/// All files that inputs are read from.
+FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs);
 
 /// Tells on standard error, in a line, of each input some packets of which were passed over.
 void reportDamage(std::span<const std::unique_ptr<Input>> inputs);

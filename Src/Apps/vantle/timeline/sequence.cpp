@@ -40,4 +40,11 @@ std::optional<Time> parseTime(const std::string& text) {
     return time;
 }
 
+std::optional<Fit> parseFit(const std::string& text) {
+    if (text == "contain") return Fit::contain;
+    if (text == "cover") return Fit::cover;
+    if (text == "stretch") return Fit::stretch;
+    return {};
+}
+
 }  // namespace vantle

@@ -21,6 +21,9 @@ struct Time {
 /// Reads `2.5` (seconds), `1:02.5`, `500ms` or `12f`; none when the text is no such time.
 std::optional<Time> parseTime(const std::string& text);
 
+/// Reads `contain`, `cover` or `stretch`; none when the text is no way to fit.
+std::optional<Fit> parseFit(const std::string& text);
+
 /// One input and what of it is shown.
 struct Shot {
     std::string file;
