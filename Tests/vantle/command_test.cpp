@@ -71,6 +71,8 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --at 0.5", 2, "--at"},
         {"clip.mp4 clip.mp4 -t 0 -o out.png --at 1.5", 2, "--at"},
         {"clip.mp4 clip.mp4 -t 0 -o out.png --at nan", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.png --at 1junk:0.5", 2, "--at"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --frames \" 1- 5\"", 2, "--frames"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 0x48", 2, "0x48"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --size 65x48", 2, "even"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --duration 0", 2, "--duration"},

@@ -88,7 +88,9 @@ TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
 TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=4 -c:v libx264 clip.mp4");
     ffmpeg("-f lavfi -i testsrc2=s=80x48 -frames:v 1 still.png");
-    shell(in("cp still.png ./+x; cp still.png in=2; cp still.png img2.png; cp still.png img10.png"));
+    shell(
+        in("cp still.png ./+x; cp still.png in=2; cp still.png img2.png; for i in Img1 img002 IMG3 img10; do "
+           "cp still.png $i.png; done"));
     const nlohmann::json film = plan(
         "clip.mp4 in=0.5 out=0:03 +Cross_vantle duration=12f still.png hold=1 fit=cover +cut clip.mp4 in=60f "
         "./+x hold=500ms ./in=2 -t 3 -t twrl --duration 0.4 --hold 0.2");
@@ -106,6 +108,7 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
               "  Row_split 117+10\n./+x 117-149\n  Twrl 140+10\n./in=2 140-154\n");
     EXPECT_EQ(film["frames"], 155);
     EXPECT_EQ(film["timeline"][0]["input"]["in"], 0.52);
+    EXPECT_EQ(film["timeline"][0]["input"]["out"], 3.0);
     const auto names = [&](const std::string& arguments) {
         std::vector<std::string> found;
         const nlohmann::json made = plan(arguments);
@@ -119,12 +122,29 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     EXPECT_NE(random, names(many + "-t random --seed 8"));
     EXPECT_EQ(std::ranges::adjacent_find(random), random.end());
     EXPECT_EQ(random.front(), "Col_split_2");  // and so on every machine
-    const nlohmann::json sorted = plan("img10.png img2.png -t 0 --sort natural");
-    EXPECT_EQ(sorted["timeline"][0]["input"]["file"], "img2.png");
+    // Nor is one the named one after it.
+    const std::vector<std::string> mixed = names(many + "-t random -t Pinwheel --seed 6");
+    EXPECT_EQ(std::ranges::adjacent_find(mixed), mixed.end());
+    std::string order;
+    const nlohmann::json sorted =
+        plan("img10.png IMG3.png img002.png img2.png Img1.png -t cut --sort natural");
+    for (const nlohmann::json& entry : sorted["timeline"])
+        if (entry.contains("input")) order += entry["input"]["file"].get<std::string>() + " ";
+    EXPECT_EQ(order, "Img1.png img002.png img2.png IMG3.png img10.png ");
+    // What is too long is shortened in proportion, rounded down.
     const nlohmann::json shrunk =
         plan("clip.mp4 clip.mp4 out=1.2 clip.mp4 -t 0 --duration 1 --shrink --copy never");
     EXPECT_EQ(shrunk["timeline"][1]["join"]["frames"], 15);
     EXPECT_EQ(shrunk["warnings"].size(), 2U);
+    const nlohmann::json halved =
+        plan("clip.mp4 +0 duration=4f clip.mp4 out=5f +0 duration=3f clip.mp4 --shrink --copy never");
+    EXPECT_EQ(halved["timeline"][1]["join"]["frames"], 2);
+    EXPECT_EQ(halved["timeline"][3]["join"]["frames"], 2);
+    // A stated length may be a frame short; times of hours and minutes are read and told.
+    EXPECT_EQ(plan("clip.mp4 out=101f still.png -t cut")["timeline"][0]["input"]["out"], 4.0);
+    EXPECT_EQ(plan("still.png hold=1:00:02.5 still.png -t cut")["seconds"], 3603.5);
+    const std::string table = vantle("render still.png hold=83.25 still.png -t cut --plan").text();
+    EXPECT_NE(table.find(" 1:23.27 "), std::string::npos) << table;
 
     // A true cut: one frame shows the one input, the next the other.
     render("clip.mp4 out=10f +cut still.png -o f_%d.png --hold 0.2 --fit cover");
@@ -133,6 +153,33 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     render("still.png +cut still.png -o s_%d.png --size 64x48 --hold 0.2 --fit cover");
     EXPECT_EQ(rgb("f_10.png"), rgb("s_0.png"));
     EXPECT_NE(rgb("f_9.png"), rgb("s_0.png"));
+}
+
+TEST_F(Films, ShowTheJoinThatIsAskedFor) {
+    for (const std::string colour : {"red", "lime", "blue"})
+        ffmpeg("-f lavfi -i color=" + colour + ":s=64x48,format=rgb24 -frames:v 1 " + colour + ".png");
+    // Which of the three colours a picture shows.
+    const auto colours = [&](const std::string& name) {
+        const Bytes pixels = rgb(name);
+        std::set<std::size_t> found;
+        for (std::size_t i = 0; i + 2 < pixels.size(); i += 3)
+            for (std::size_t colour = 0; colour < 3; ++colour)
+                if (pixels[i + colour] > 200 && pixels[i + (colour + 1) % 3] < 60 &&
+                    pixels[i + (colour + 2) % 3] < 60)
+                    found.insert(colour);
+        return found;
+    };
+    const std::set<std::size_t> second{1, 2};
+    render("red.png +3 lime.png +3 blue.png --at 2:0.5 -o at.png");
+    EXPECT_EQ(colours("at.png"), second);
+    render("red.png +cut lime.png +3 blue.png +cut red.png --joins joins.png");
+    EXPECT_EQ(colours("joins.png"), second);
+    // One of the transitions that end on FROM: what shows there is its last picture of the overlap.
+    ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 -c:v libx264 clip.mp4");
+    const std::string end = "clip.mp4 out=10f clip.mp4 -t 10 --duration 4f -o ";
+    render(end + "end.png --at 1");
+    render(end + "f_%d.png --frames 10-10");
+    EXPECT_EQ(rgb("end.png"), rgb("f_10.png"));
 }
 
 TEST_F(Films, AreRefusedBeforeAnythingIsWritten) {
@@ -147,6 +194,7 @@ TEST_F(Films, AreRefusedBeforeAnythingIsWritten) {
     const Case cases[] = {
         {"clip.mp4 clip.mp4 out=1 clip.mp4 -t 0 -o a.mp4", 1,
          "clip.mp4: shows 25 frames (1.00 s), fewer than the 50"},
+        {"clip.mp4 out=52f clip.mp4 -t 0 -o a.mp4", 1, "out lies after its end"},
         {"clip.mp4 in=3 clip.mp4 -t 0 -o a.mp4", 1, "in lies after its end, 2.00 s"},
         {"clip.mp4 out=3 clip.mp4 -t 0 -o a.mp4", 1, "out lies after its end"},
         {"clip.mp4 in=1 out=1 clip.mp4 -t 0 -o a.mp4", 1, "out does not lie after in"},
@@ -165,6 +213,7 @@ TEST_F(Films, AreRefusedBeforeAnythingIsWritten) {
         {"clip.mp4 duration=2 clip.mp4 -t 0 -o a.mp4", 2, "belongs after a transition"},
         {"clip.mp4 +Twrl in=2 clip.mp4 -o a.mp4", 2, "belongs after an input"},
         {"clip.mp4 in=1:2:3:4 clip.mp4 -t 0 -o a.mp4", 2, "is no time"},
+        {"clip.mp4 fit=tight clip.mp4 -t 0 -o a.mp4", 2, "fit=tight: \"tight\" is none of contain, cover"},
         {"clip.mp4 mute=maybe clip.mp4 -t 0 -o a.mp4", 2, "not yes or no"},
         {"clip.mp4 +Twrl clip.mp4 --sort natural -o a.mp4", 2, "+Twrl has no place"},
         {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --duration 1e9", 2, "--duration"},

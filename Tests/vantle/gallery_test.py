@@ -1,4 +1,4 @@
-"""The page that `vantle gallery` makes, in a browser: gallery_test.py VANTLE"""
+"""The page that `vantle gallery` makes, in a browser: gallery_test.py VANTLE [TEST...]"""
 import base64, operator, pathlib, shlex, subprocess, sys, tempfile, time, unittest
 
 from selenium.webdriver import Chrome, ChromeOptions, Keys
@@ -112,12 +112,22 @@ class GalleryTest(unittest.TestCase):
             [b for b in self.find('#families button') if b.text.lower() == family][0].click()
             self.assertEqual(self.texts('.family'), [family] * count)
         self.script('arguments[0].focus()', self.find('.tile')[0])
-        self.press(Keys.ARROW_RIGHT)
+        self.press(Keys.ARROW_DOWN)
+        focus, first = self.script('const at = (e) => [e.offsetLeft, e.offsetTop, e.offsetHeight];'
+                                   'return [document.activeElement.closest("li"), tiles[0].item].map(at)')
+        self.assertEqual(focus[0], first[0])
+        self.assertLess(focus[1], first[1] + 2 * first[2])
+        self.press(Keys.ARROW_UP, Keys.ARROW_RIGHT)
         self.press(Keys.ENTER)
         self.until(lambda: self.find('.playing'), 'plays')
         self.press(Keys.SPACE, Keys.END, Keys.ARROW_LEFT)
         self.assertEqual(self.texts('h2, #frame, #position'), ['Col_vantle', '28 / 29', '0.9655'])
-        self.press('p', Keys.ESCAPE)
+        self.assertLess(self.script('goTo(29); setPlaying(true); return performance.now() - view.startedAt'), 200)
+        self.assertEqual(self.script('return [1, running / 2, running - 1].map((time) => frameAt(rest + time))'),
+                         [0, 15, 29])
+        self.press('p', 'p')
+        self.assertEqual(self.texts('h2'), [self.texts('.name')[-1]])
+        self.press('n', Keys.ESCAPE)
         self.assertEqual(self.script('return document.activeElement.textContent'), 'Row_vantlestrips')
 
     def test_fits_a_narrow_screen_names_everything_and_is_small(self):
@@ -129,4 +139,4 @@ class GalleryTest(unittest.TestCase):
         self.assertLess(sum(f.stat().st_size for f in folder.glob('gallery/**/*') if f.is_file()), 25e6)
 
 
-unittest.main(argv=sys.argv[:1])
+unittest.main(argv=sys.argv[:1] + sys.argv[2:])
