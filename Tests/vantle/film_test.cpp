@@ -175,7 +175,7 @@ TEST_F(Films, ShowTheJoinThatIsAskedFor) {
     render("red.png +cut lime.png +3 blue.png +cut red.png --joins joins.png");
     EXPECT_EQ(colours("joins.png"), second);
     // One of the transitions that end on FROM: what shows there is its last picture of the overlap.
-    ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 -c:v libx264 clip.mp4");
+    countingClip("clip.mp4", 25, 90);
     const std::string end = "clip.mp4 out=10f clip.mp4 -t 10 --duration 4f -o ";
     render(end + "end.png --at 1");
     render(end + "f_%d.png --frames 10-10");

@@ -1,6 +1,5 @@
 #include "media/opened_files.h"
 
-#include <glob.h>
 #include <sys/stat.h>
 
 extern "C" {
@@ -8,8 +7,6 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <fstream>
@@ -72,31 +69,8 @@ bool OpenedFiles::note(std::string_view url) {
 
 void OpenedFiles::lookAhead(const AVFormatContext& input) {
     const std::string_view format = input.iformat->name;
-    const std::string name = withoutProtocol(input.url);
-    if (format == "image2") notePictures(name);
-    if (format == "concat") noteList(name);
+    if (format == "concat") noteList(withoutProtocol(input.url));
     if (format == "lavfi") noteFilters(input.url);
-}
-
-void OpenedFiles::notePictures(const std::string& pattern) {
-    constexpr int latestStart = 4;  // the highest number with which FFmpeg lets a sequence begin
-    std::array<char, 4096> name{};
-    bool begun = false;
-    for (int number = 0; begun || number <= latestStart; ++number) {
-        if (av_get_frame_filename(name.data(), static_cast<int>(name.size()), pattern.c_str(), number) < 0)
-            break;
-        const auto file = FileIdentity::of(name.data());
-        if (!file && begun) break;
-        begun = file.has_value();
-        if (file) found_.insert(*file);
-    }
-    // FFmpeg's older way: shell patterns whose special characters stand behind a %.
-    std::string shells = pattern;
-    std::erase(shells, '%');
-    glob_t matches{};
-    if (shells != pattern && glob(shells.c_str(), GLOB_NOSORT, nullptr, &matches) == 0)
-        for (std::size_t i = 0; i < matches.gl_pathc; ++i) note(matches.gl_pathv[i]);
-    globfree(&matches);
 }
 
 void OpenedFiles::noteList(const fs::path& list) {

@@ -46,7 +46,6 @@ class OpenedFiles {
     static int open(AVFormatContext* input, AVIOContext** file, const char* url, int flags,
                     AVDictionary** options);
     bool note(std::string_view url);
-    void notePictures(const std::string& pattern);
     void noteList(const std::filesystem::path& list);
     void noteFilters(const std::string& graph);
 
