@@ -52,7 +52,7 @@ TEST_P(EveryTransition, DrawsEveryByteAsItsPlainRuleDoes) {
             return (moment > 0 ? moment : 0.5) + std::ldexp(part(1 << 20) - 0.5, -8 - below(36));
         };
         for (const double t :
-             {0.0, 1e-9, 0.001, 1 / 3.0, 0.5, 0.999, 1 - 1e-9, 1.0, rule->moments[0], near(), near(),
+             {0.0, 1e-9, 0.001, 1 / 3.0, 0.5, 0.999, 1 - 1e-9, 1.0, rule->moments[i % 4], near(), near(),
               part(frames), part(2 * g.width), part(2 * g.height),
               rule->lowest + (rule->highest - rule->lowest) * part(1 << 20), part(1 << 20)}) {
             const double duration = std::array{1.0, 0.7, 3.4, 3.9, frames / 1.0}[random() % 5];
@@ -62,6 +62,16 @@ TEST_P(EveryTransition, DrawsEveryByteAsItsPlainRuleDoes) {
                 << t << " of " << duration << ", " << g.width << "x" << g.height << ", pitch " << g.pitch;
         }
     }
+}
+
+// Some megabytes, as films have them: rows reach from one end of a cache to the other.
+TEST(LargeFrame, IsDrawnAsThePlainRulesSay) {
+    Scene scene({1920, 1080, 7680});
+    for (const Traits& traits : transitionTable)
+        if (const PlainRule* const rule = plainRuleOf(traits.function); rule != nullptr) {
+            EXPECT_TRUE(scene.draw(transition(traits.function), 0.505).out == rule->draw(scene, 0.505, 1.0))
+                << traits.function;
+        }
 }
 
 TEST_P(EveryTransition, TakesUnusablePositionsForTheNearestEnd) {
@@ -119,8 +129,14 @@ TEST_P(EveryTransition, LeavesTheOutputAloneWhenAFrameIsBad) {
     expectUntouched({}, {}, {.height = 3});
     constexpr Claim limit{.width = 4, .height = 1 << 11, .pitch = 1 << 20};     // 2^31 bytes
     constexpr Claim wrapping{.width = 4, .height = 1 << 16, .pitch = 1 << 16};  // 2^32 bytes
-    for (const Claim& bad :
-         {limit, wrapping, {.bitCount = 24}, {.pitch = -20}, {.height = 0}, {.height = -4}})
+    for (const Claim& bad : {limit,
+                             wrapping,
+                             {.bitCount = 24},
+                             {.pitch = -20},
+                             {.height = 0},
+                             {.height = -4},
+                             {.width = (1 << 30) + 5},
+                             {.width = 1 << 29}})
         expectUntouched(bad, bad, bad);
 }
 

@@ -5,12 +5,30 @@
 #include <bit>
 #include <cmath>
 
+#include "effects.h"
 #include "plain_rules.h"
 
 using namespace tests;
 
 static double anyDouble(FuzzedDataProvider& input) {
     return std::bit_cast<double>(input.ConsumeIntegral<std::uint64_t>());
+}
+
+/// Draws without a door, as frames of another size or order of rows are drawn on another processor.
+static Bytes drawnOtherwise(FuzzedDataProvider& input, Scene& scene, vantle::Effect* draw, double position,
+                            double duration) {
+    using vantle::Level;
+    const Geometry& g = scene.geometry;
+    const bool topDown = input.ConsumeBool();
+    const auto turned = [&](const Bytes& frame) { return topDown ? turnedOver(frame, g.pitch) : frame; };
+    const auto from = guarded(turned(scene.from), Guard::after, PROT_READ);
+    const auto to = guarded(turned(scene.to), Guard::before, PROT_READ);
+    const auto out = guarded(turned(scene.before), Guard::after, PROT_READ | PROT_WRITE);
+    const vantle::Stage stage(g.width, g.height, topDown ? -g.pitch : g.pitch, out.get(), from.get(),
+                              to.get());
+    vantle::testedLevel = input.PickValueInArray({Level::base, Level::halfLines, Level::lines});
+    draw(input.ConsumeBool() ? stage.streamed() : stage, {duration, position});
+    return turned({out.get(), out.get() + scene.before.size()});
 }
 
 /// What a host may say of a frame: at most what is there, or what no library may believe.
@@ -30,7 +48,9 @@ static Claim anyClaim(FuzzedDataProvider& input, const Geometry& g) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzedDataProvider input(data, size);
     const Traits& traits = input.PickValueInArray(transitionTable);
-    Geometry g{input.ConsumeIntegralInRange(0, 150), input.ConsumeIntegralInRange(0, 90), 0};
+    const bool wide = input.ConsumeBool();  // enough for runs that are streamed
+    Geometry g{input.ConsumeIntegralInRange(0, wide ? 1500 : 150),
+               input.ConsumeIntegralInRange(0, wide ? 9 : 90), 0};
     g.pitch = 4 * g.width + input.ConsumeIntegralInRange(0, 9);
     const bool whole = input.ConsumeBool();
     const double duration = whole ? input.ConsumeIntegralInRange(1, 1000) : anyDouble(input);
@@ -48,11 +68,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return claim.handle && claim.bits && claim.width == g.width && claim.height == g.height &&
                claim.pitch == g.pitch && claim.bitCount == 32;
     };
+    if (!isWhole(out) || !isWhole(from) || !isWhole(to)) return 0;
+    for (const auto& [function, draw] : effects)
+        if (function == std::string_view(traits.function) && function != std::string_view("TrFadeNew") &&
+            drawnOtherwise(input, scene, draw, position, duration) != drawn)
+            std::abort();
     // The rules are for what a host sends.
     const double t = position / duration;
-    if (!isWhole(out) || !isWhole(from) || !isWhole(to) || !(duration >= 1e-9 && duration <= 1e9) ||
-        g.width == 0)
-        return 0;
+    if (!(duration >= 1e-9 && duration <= 1e9) || g.width == 0) return 0;
     const PlainRule* const rule = plainRuleOf(traits.function);
     if (rule != nullptr && t >= rule->lowest && t <= rule->highest &&
         rule->draw(scene, position, duration) != drawn)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "effects.h"
+
 namespace vantle {
 namespace {
 
@@ -13,17 +15,21 @@ TEST(Distance, IsRoundedRightlyWhereverTheRootLiesClose) {
         for (const std::int32_t start : {-23169, -4106, -17, 0, 2040, 8000, 16384, 22913}) {
             constexpr std::int32_t count = 257, band = 3;
             Weight nearest[band][count], truncated[band][count];
-            weightsByDistance(*nearest, count, band, start, dy, count, DistanceRounding::nearest, table);
-            weightsByDistance(*truncated, count, band, start, dy, count, DistanceRounding::truncated, table);
-            for (std::int32_t i = 0; i < band * count; ++i) {
-                const std::int64_t dx = start + i % count;
-                const std::int64_t down = dy + i / count;
-                const std::int64_t square = dx * dx + down * down;
-                const std::int32_t whole = wholeRoot(square);
-                const bool up = square > std::int64_t{whole} * whole + whole;
-                ASSERT_EQ(truncated[i / count][i % count], whole % 251) << dx << ", " << down;
-                ASSERT_EQ(nearest[i / count][i % count], (whole + (up ? 1 : 0)) % 251) << dx << ", " << down;
-            }
+            tests::forEachLevel([&] {
+                weightsByDistance(*nearest, count, band, start, dy, count, DistanceRounding::nearest, table);
+                weightsByDistance(*truncated, count, band, start, dy, count, DistanceRounding::truncated,
+                                  table);
+                for (std::int32_t i = 0; i < band * count; ++i) {
+                    const std::int64_t dx = start + i % count;
+                    const std::int64_t down = dy + i / count;
+                    const std::int64_t square = dx * dx + down * down;
+                    const std::int32_t whole = wholeRoot(square);
+                    const bool up = square > std::int64_t{whole} * whole + whole;
+                    ASSERT_EQ(truncated[i / count][i % count], whole % 251) << dx << ", " << down;
+                    ASSERT_EQ(nearest[i / count][i % count], (whole + (up ? 1 : 0)) % 251)
+                        << dx << ", " << down;
+                }
+            });
         }
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "effects.h"
 #include "frame/pixels.h"
 #include "frames.h"
 
@@ -20,10 +21,13 @@ TEST(Samples, AreGatheredFromWithinTheirRow) {
                 if (guard == tests::Guard::after) std::reverse(columns.begin(), columns.end());
                 const auto count = static_cast<std::int32_t>(columns.size());
                 std::vector<std::uint32_t> gathered(columns.size());
-                gather(gathered.data(), {pixels.get(), columns.data(), 0}, count);
-                for (std::size_t i = 0; i < columns.size(); ++i)
-                    ASSERT_EQ(std::memcmp(&gathered[i], &row[4 * static_cast<std::size_t>(columns[i])], 4), 0)
-                        << "sample " << i << " of " << count << ", width " << width << ", step " << step;
+                tests::forEachLevel([&] {
+                    gather(gathered.data(), {pixels.get(), columns.data(), 0}, count);
+                    for (std::size_t i = 0; i < columns.size(); ++i)
+                        ASSERT_EQ(
+                            std::memcmp(&gathered[i], &row[4 * static_cast<std::size_t>(columns[i])], 4), 0)
+                            << "sample " << i << " of " << count << ", width " << width << ", step " << step;
+                });
             }
 }
 

@@ -3,30 +3,10 @@
 
 #include <string_view>
 
-#include "blends/dissolve.h"
-#include "catalogue/effects.h"
+#include "effects.h"
 #include "frames.h"
 
 using namespace tests;
-
-namespace {
-
-template <typename State>
-void drawFresh(const vantle::Stage& stage, const vantle::Progress& progress) {
-    State state;
-    const bool fromTop = (*stage.rows().begin()).y() == 0;
-    state.fit(stage.width(), stage.height(), fromTop ? -1 : 1,
-              [] { return [n = 1U]() mutable { return (n = n * 1664525 + 1013904223) >> 8; }; });
-    state.draw(stage, progress);
-}
-
-constexpr std::pair<const char*, vantle::Effect*> effects[] = {
-#define TRANSITION(function, effect, ...) {#function, vantle::effect},
-#define STATEFUL(function, effect, ...) {#function, drawFresh<vantle::effect>},
-#include "catalogue/transitions.inc"
-};
-
-}  // namespace
 
 TEST(Stage, ShowsTheSamePictureWhicheverRowIsStoredFirst) {
     for (const Geometry& g : {Geometry{37, 23, 151}, {101, 40, 404}}) {
@@ -64,11 +44,13 @@ TEST(Stage, IsDrawnTheSamePastTheCache) {
                         return keeps ? all : all.keeping(vantle::Source::from);
                     };
                     draw(stage(cached.data()), {1.0, position});
-                    draw(stage(out).streamed(), {1.0, position});
-                    EXPECT_TRUE(std::equal(cached.begin(), cached.end(), out))
-                        << function << " at " << position;
-                    std::ranges::copy(before, out);
-                    EXPECT_EQ(room, around) << function << " writes outside its frame";
+                    forEachLevel([&, draw = draw, function = function] {
+                        draw(stage(out).streamed(), {1.0, position});
+                        EXPECT_TRUE(std::equal(cached.begin(), cached.end(), out))
+                            << function << " at " << position;
+                        std::ranges::copy(before, out);
+                        EXPECT_EQ(room, around) << function << " writes outside its frame";
+                    });
                 }
     }
 }
@@ -85,13 +67,20 @@ TEST(Stage, MayBeDrawnOverAnInput) {
                 for (const bool overTo : {false, true}) {
                     if (moves(function)) continue;
                     const Bytes from = contentOf(g, 0), to = contentOf(g, 1);
-                    Bytes beside = overTo ? to : from, over = beside;
+                    const Bytes& input = overTo ? to : from;
+                    Bytes beside = input, over = input;
+                    const vantle::Stage stage(g.width, g.height, g.pitch, over.data(),
+                                              overTo ? from.data() : over.data(),
+                                              overTo ? over.data() : to.data());
                     draw({g.width, g.height, g.pitch, beside.data(), from.data(), to.data()},
                          {1.0, position});
-                    draw({g.width, g.height, g.pitch, over.data(), overTo ? from.data() : over.data(),
-                          overTo ? over.data() : to.data()},
-                         {1.0, position});
-                    EXPECT_EQ(over, beside) << function << " at " << position;
+                    forEachLevel([&, draw = draw, function = function] {
+                        for (const vantle::Stage& drawn : {stage, stage.streamed()}) {
+                            std::ranges::copy(input, over.begin());
+                            draw(drawn, {1.0, position});
+                            EXPECT_EQ(over, beside) << function << " at " << position;
+                        }
+                    });
                 }
 }
 

@@ -1,4 +1,5 @@
 // Pictures of the shapes worked out by hand.
+#include "catalogue/effects.h"
 #include "frames.h"
 
 using namespace tests;
@@ -52,4 +53,13 @@ TEST(Zoom, FadesARectangleInOnceItIsSixWideAndHasEndedWhereverBothTimesAreAlike)
     EXPECT_EQ(scene.draw(transition("TrZoom"), 0.06).rowValues(48, 1), "48x100 5x118 47x100");
     for (const double same : {0.0, -1.0})
         EXPECT_EQ(scene.draw(transition("TrZoom"), same, same).rowValues(48, 1), "100x201");
+}
+
+// Single precision takes the last column of so many for the one after it.
+TEST(Zoom, StaysWithinAFrameOfMoreColumnsThanSinglePrecisionCounts) {
+    constexpr std::int32_t width = (1 << 24) + 4;
+    const auto from = guarded(Bytes(std::size_t{4} * width, 7), Guard::after, PROT_READ);
+    Bytes out(std::size_t{4} * width);
+    vantle::zoom({width, 1, 4 * width, out.data(), from.get(), from.get()}, {1.0, 0.0});
+    EXPECT_EQ(out[out.size() - 2], 7);
 }

@@ -87,9 +87,19 @@ Bytes rowCosine(const Scene& s, double position, double duration) {
 }
 
 constexpr PlainRule rules[] = {
-    // The edge leaves the picture, and its soft part ends on pixels at an eighth of a turn and beyond.
-    {"TrRollClockwise", roll<true>, {0.6730827249126458, 0.5151816409497323, 0.6799158056530729}, -3, 3},
-    {"TrRollAntiClockwise", roll<false>, {0.6730827249126458, 0.5151816409497323, 0.6799158056530729}, -3, 3},
+    // The edge leaves the picture, and its soft part ends on pixels at an eighth of a turn and beyond; at
+    // last on one
+    // where the share of what is soft would round to one less.
+    {"TrRollClockwise",
+     roll<true>,
+     {0.6730827249126458, 0.5151816409497323, 0.6799158056530729, 0.71016914106253015},
+     -3,
+     3},
+    {"TrRollAntiClockwise",
+     roll<false>,
+     {0.6730827249126458, 0.5151816409497323, 0.6799158056530729, 0.71016914106253015},
+     -3,
+     3},
     {"TrTwrl", twirl, {0.01}},
     {"TrTopple", topple},
     {"TrRowCosVantle", rowCosine<false>},

@@ -27,8 +27,10 @@ VANTLE_INLINE void lookNear(std::uint8_t* found, const std::uint8_t* table, cons
     const Bytes looked = __builtin_shuffle(all, wanted - lowest);
     std::memcpy(found, &looked, sizeof looked);
 #else
+    std::uint8_t all[nearBytes];
+    std::memcpy(all, table, sizeof all);
     for (std::int32_t i = 0; i < nearBytes; ++i)
-        found[i] = table[static_cast<std::uint8_t>(places[i] - lowest)];
+        found[i] = all[static_cast<std::uint8_t>(places[i] - lowest)];
 #endif
 }
 
@@ -50,9 +52,9 @@ VANTLE_INLINE void lookNear(std::uint32_t* found, const std::uint8_t* table, con
     const Words looked = __builtin_shuffle(low, high, wanted - first);
     std::memcpy(found, &looked, sizeof looked);
 #else
-    for (std::int32_t i = 0; i < nearWords; ++i)
-        std::memcpy(found + i, table + std::ptrdiff_t{4} * places[i], sizeof *found);
-    static_cast<void>(first);
+    std::uint32_t all[wordsReach];
+    std::memcpy(all, table + std::ptrdiff_t{4} * first, sizeof all);
+    for (std::int32_t i = 0; i < nearWords; ++i) found[i] = all[places[i] - first];
 #endif
 }
 

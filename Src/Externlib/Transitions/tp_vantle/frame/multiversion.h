@@ -5,10 +5,19 @@
 
 #include <cstdlib>  // any header of the C library tells whether it is glibc
 
+// VANTLE_SANITIZED: what watches every load and store is one build for any processor, of plain loops and
+// stores.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define VANTLE_SANITIZED 1
+#elif defined(__has_feature)
+#define VANTLE_SANITIZED (__has_feature(address_sanitizer) || __has_feature(thread_sanitizer))
+#else
+#define VANTLE_SANITIZED 0
+#endif
+
 // VANTLE_BASE_LEVEL, VANTLE_WIDE_LEVEL: for functions of one name that are written for each level by hand,
 // which those that see all of them call by it.
-#if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && \
-    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) && !VANTLE_SANITIZED
 #define VANTLE_LEVELS 1
 #define VANTLE_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #define VANTLE_BASE_LEVEL __attribute__((target("default")))
@@ -31,6 +40,13 @@ namespace vantle {
 inline bool registersHoldHalfLines() { return __builtin_cpu_supports("avx2") != 0; }
 /// Whether they hold a line.
 inline bool registersHoldLines() { return __builtin_cpu_supports("avx512bw") != 0; }
+#elif VANTLE_SANITIZED
+/// Nothing that is drawn for wide registers needs them: tests draw as each level does, whatever the processor
+/// has.
+enum class Level { base, halfLines, lines };
+inline Level testedLevel = Level::base;
+inline bool registersHoldHalfLines() { return testedLevel >= Level::halfLines; }
+inline bool registersHoldLines() { return testedLevel >= Level::lines; }
 #else
 inline bool registersHoldHalfLines() { return false; }
 inline bool registersHoldLines() { return false; }

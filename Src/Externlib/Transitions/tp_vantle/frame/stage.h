@@ -234,7 +234,7 @@ class Row {
 };
 
 struct Row::Samples {
-    const Row& row;
+    Row row;
     Source source;
     const std::int32_t* columns;
     std::int32_t first;
@@ -304,7 +304,7 @@ class Stage {
         return stage;
     }
 
-    /// The same frames, written past the cache as large ones are.
+    /// The same frames, written past the cache as large ones are, for tests.
     Stage streamed() const {
         Stage stage = *this;
         stage.frames_.bytes = std::int64_t{1} << 31;

@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#include "frame/multiversion.h"
+
+#if defined(__x86_64__) && !VANTLE_SANITIZED
 #define VANTLE_STREAMS 1
 #include <emmintrin.h>
 #else
@@ -15,8 +17,8 @@
 
 namespace vantle {
 
-/// Whether there are such stores: elsewhere all go through the cache.
-constexpr bool canStream = VANTLE_STREAMS != 0;
+/// Whether large frames are drawn as if there were such stores: where there are, and where each is watched.
+constexpr bool canStream = VANTLE_STREAMS != 0 || VANTLE_SANITIZED != 0;
 
 /// A line of memory: only whole ones are worth it.
 constexpr std::int32_t lineBytes = 64;
