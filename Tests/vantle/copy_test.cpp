@@ -1,6 +1,7 @@
 // Films of which most is copied packet by packet: every copied picture is its source's to the byte.
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -30,6 +31,15 @@ class Copies : public CommandTest {
         for (std::string line; std::getline(lines, line);)
             if (line.front() != '#') sums.push_back(line.substr(line.rfind(' ') + 1));
         return sums;
+    }
+
+    /// The sound of a file, of one channel.
+    std::vector<double> sound(const std::string& name) const {
+        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
+        std::vector<double> samples(bytes.size() / 2);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
+        return samples;
     }
 
     nlohmann::json plan(const std::string& arguments) const {
@@ -173,13 +183,6 @@ TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
     clip("mono.mp4", "-g 25", "testsrc2", "30", "-ac 1 -c:a aac");
     clip("mute.mp4", "-g 25", "testsrc2", "30", "-an");
     const std::string film = "plain.mp4 in=0.31 plain.mp4 out=3.57 mute.mp4 plain.mp4 -t 0 --duration 0.7 ";
-    const auto sound = [&](const std::string& name) {
-        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
-        std::vector<double> samples(bytes.size() / 2);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
-        return samples;
-    };
     render(film + "--copy always -o copied.mp4");
     render(film + "--copy never --sound-encoder pcm_s16le -o mixed.mkv");
     const std::vector<double> made = sound("copied.mp4");
@@ -205,6 +208,50 @@ TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
     // Sound of several forms is encoded, and the pictures are copied all the same.
     EXPECT_GT(copied("plain.mp4 mono.mp4 -t 0 --copy always", "a.mp4"), 150);
     EXPECT_GT(copied("plain.mp4 plain.mp4 -t 0 --copy always --music mono.mp4", "a.mp4"), 150);
+}
+
+TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
+    const auto tone = [&](const std::string& name, int hertz) {
+        ffmpeg(
+            "-f lavfi -i testsrc2=s=64x48:r=25 -f lavfi -i \"aevalsrc=0.5*sin(2*PI*" + std::to_string(hertz) +
+            "*t):s=48000\" -t 4 -pix_fmt yuv420p -c:v libx264 -preset ultrafast -g 25 -c:a aac -b:a 128k " +
+            name);
+    };
+    tone("a.mp4", 440);
+    tone("b.mp4", 1000);
+    std::vector<double> film;
+    // A tone's strength and phase in the 50 ms (whole waves of both) from a time on.
+    const auto heard = [&](double hertz, double seconds) {
+        const auto first = static_cast<std::size_t>(std::llround(seconds * 48000));
+        std::complex<double> sum;
+        for (std::size_t at = first; at < first + 2400; ++at)
+            sum += film.at(at) * std::polar(1.0 / 1200, -2 * M_PI * hertz * static_cast<double>(at) / 48000);
+        return sum;
+    };
+    const auto make = [&](const std::string& arguments) {
+        render(arguments + " -f -o x.mp4 --copy always");
+        film = sound("x.mp4");
+    };
+    // Where it is copied and where it is mixed, a clip's sound lies in the same place.
+    make("a.mp4 in=0.31 b.mp4 -t 0 --duration 1");
+    for (double at = 0.1; at < 3.6; at += 0.05) {
+        const auto here = heard(440, at);
+        EXPECT_NEAR(std::abs(here), 0.5 * std::clamp(3.655 - at, 0.0, 1.0), 0.02) << at;
+        EXPECT_NEAR(at < 3.5 ? std::arg(here / heard(440, 0.1)) : 0.0, 0.0, 0.1) << at;
+    }
+    for (double at = 2.9; at < 6.6; at += 0.05)
+        EXPECT_NEAR(std::arg(heard(1000, at) / heard(1000, 6.0)), 0.0, 0.1) << at;
+    // One that lies in its join alone, at either end of the film.
+    make("a.mp4 b.mp4 out=1 -t 0 --duration 1");
+    EXPECT_NEAR(std::abs(heard(440, 3.9)), 0.04, 0.03);
+    EXPECT_NEAR(std::abs(heard(1000, 3.9)), 0.46, 0.03);
+    make("a.mp4 out=1 b.mp4 -t 0 --duration 1");
+    EXPECT_NEAR(std::abs(heard(440, 0.05)), 0.46, 0.03);
+    EXPECT_NEAR(std::abs(heard(1000, 0.05)), 0.04, 0.03);
+    // Nothing of what was cut off is heard.
+    make("a.mp4 out=2.24 +cut b.mp4 in=1");
+    EXPECT_NEAR(std::abs(heard(440, 2.25)), 0.0, 0.005);
+    EXPECT_NEAR(std::abs(heard(1000, 2.25)), 0.5, 0.02);
 }
 
 }  // namespace tests

@@ -171,11 +171,10 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
         const std::int64_t first = portionAt(meant);
         part.soundDelay = first * CodedSound::portion - meant;
         const auto sounds = [&](std::size_t other) { return film.parts[other].sounds(); };
-        const bool last = part.end() == film.frames();
         const std::int64_t cleanFrom =
-            part.start == 0 ? -CodedSound::portion
-                            : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
-        const std::int64_t cleanTo = last
+            number == 0 ? -CodedSound::portion
+                        : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
+        const std::int64_t cleanTo = number == film.joins.size()
                                          ? std::numeric_limits<std::int64_t>::max() / 2
                                          : sample(sounds(number + 1) ? film.joins[number].start : part.end());
         const std::int64_t from =
