@@ -233,10 +233,10 @@ TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
         film = sound("x.mp4");
     };
     // Where it is copied and where it is mixed, a clip's sound lies in the same place.
-    make("a.mp4 in=0.31 b.mp4 -t 0 --duration 1");
+    make("a.mp4 in=9f b.mp4 -t 0 --duration 1");
     for (double at = 0.1; at < 3.6; at += 0.05) {
         const auto here = heard(440, at);
-        EXPECT_NEAR(std::abs(here), 0.5 * std::clamp(3.655 - at, 0.0, 1.0), 0.02) << at;
+        EXPECT_NEAR(std::abs(here), 0.5 * std::clamp(3.615 - at, 0.0, 1.0), 0.02) << at;
         EXPECT_NEAR(at < 3.5 ? std::arg(here / heard(440, 0.1)) : 0.0, 0.0, 0.1) << at;
     }
     for (double at = 2.9; at < 6.6; at += 0.05)
