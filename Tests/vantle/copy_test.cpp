@@ -100,6 +100,10 @@ TEST_F(Copies, AreExactWhateverTheEncodersWereToldToDo) {
     // No frame is ever encoded alone beside one with which decoding may begin: the next such one is taken.
     EXPECT_EQ(plan("no_b.mov in=19f +cut plain.mp4 -o a.mp4")["copied"][0]["first"], 21);
     EXPECT_GT(copied("no_b.mov in=19f +cut pyramid.mp4 out=20f +cut no_b.mov --copy always", "a.mp4"), 100);
+    // Or what is copied before it ends earlier.
+    const nlohmann::json shortened = plan("no_b.mov out=20f +cut no_b.mov in=19f -o a.mp4")["copied"];
+    EXPECT_EQ(shortened[0]["frames"], 19);
+    EXPECT_EQ(shortened[1]["first"], 21);
     clip("film.mp4", "-g 30 -bf 3", "testsrc2", "24000/1001");
     clip("film2.mp4", "-g 24 -bf 0", "mandelbrot", "24000/1001");
     EXPECT_GT(copied("film.mp4 film2.mp4" + join, "a.mp4"), 120);
@@ -252,6 +256,56 @@ TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
     make("a.mp4 out=2.24 +cut b.mp4 in=1");
     EXPECT_NEAR(std::abs(heard(440, 2.25)), 0.0, 0.005);
     EXPECT_NEAR(std::abs(heard(1000, 2.25)), 0.5, 0.02);
+}
+
+TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
+    using Lines = std::vector<std::string>;
+    const auto warnings = [&](const std::string& arguments) {
+        return plan(arguments + " -o a.mp4")["warnings"].get<Lines>();
+    };
+    clip("plain.mp4", "-g 25");
+    clip("long.mp4", "-t 16 -g 999 -sc_threshold 0 -force_key_frames 14.5", "mandelbrot");
+    // What is longer than a seam, or no seam, is as large as in other films.
+    const auto isAsLargeAsOthers = [&](const std::string& film, int atLeast) {
+        EXPECT_GT(copied(film, "a.mp4"), atLeast);
+        render(film + " --copy never -o whole.mp4 -f");
+        EXPECT_LT(std::ssize(contents("a.mp4")), 1.3 * static_cast<double>(contents("whole.mp4").size()))
+            << film;
+    };
+    isAsLargeAsOthers("plain.mp4 long.mp4 -t Row_split --verify", 120);
+    EXPECT_EQ(warnings("long.mp4 in=1f out=13 plain.mp4 long.mp4 in=1f out=13 -t 0").front(),
+              "nothing is copied: 40 of 838 frames are too few");
+    // Joins of what no encoder makes are encoded otherwise; without joins there is nothing to encode.
+    clip("rgb.mp4", "-g 25 -c:v libx264rgb -pix_fmt rgb24");
+    const std::string why =
+        "rgb.mp4: joins cannot be encoded like it: libx264 does not take pictures of gbrp";
+    EXPECT_EQ(warnings("rgb.mp4 rgb.mp4 -t 0"), Lines{"nothing is copied: " + why});
+    const Outcome encoded = vantle("render rgb.mp4 rgb.mp4 -t 0 -o b.mp4");
+    EXPECT_EQ(encoded.text(), "vantle: nothing is copied: " + why + "\nb.mp4: 210 frames of 160x96\n");
+    EXPECT_EQ(vantle("render rgb.mp4 rgb.mp4 -t 0 -o c.mp4 --copy always").status, 1);
+    EXPECT_EQ(copied("rgb.mp4 +cut rgb.mp4", "a.mp4"), 240);
+    EXPECT_EQ(warnings("rgb.mp4 plain.mp4 plain.mp4 -t 0"), Lines{"not copied: " + why});
+    isAsLargeAsOthers("rgb.mp4 plain.mp4 plain.mp4 -t 0", 100);
+    // What is copied loses nothing.
+    clip("deep.mp4", "-g 25 -pix_fmt yuv420p10");
+    clip("full.mp4", "-g 25 -pix_fmt yuv420p10 -color_range pc");
+    const std::string lost = "deep.mp4: its colours of 10 bits become ones of 8";
+    EXPECT_EQ(warnings("deep.mp4 deep.mp4 -t 0"), Lines{lost + " in joins"});
+    EXPECT_EQ(warnings("deep.mp4 +cut deep.mp4"), Lines{});
+    EXPECT_EQ(warnings("deep.mp4 deep.mp4 -t 0 --copy never"), Lines{lost});
+    EXPECT_NE(warnings("deep.mp4 full.mp4 -t 0").back().find("full.mp4: its range of colours"),
+              std::string::npos);
+    EXPECT_GT(plan("plain.mp4 plain.mp4 -t 0 --fps 30 -o a.mp4")["copiedShare"], 0.5);
+    EXPECT_EQ(plan("plain.mp4 plain.mp4 -t 0 --fps 25 -o a.mp4")["copiedShare"], 0.0);
+    // Damage is told of beside copies too.
+    shell(in(
+        "cp plain.mp4 bad.mp4; at=$(ffprobe -v error -select_streams v -show_entries packet=pos -of csv=p=0 "
+        "bad.mp4 | sed -n 40p | tr -d ,); printf '\\0\\0\\0\\1\\377\\377' | dd of=bad.mp4 bs=1 seek=$at "
+        "conv=notrunc status=none"));
+    const Outcome damaged = vantle("render plain.mp4 bad.mp4 plain.mp4 -t 0 -f -o a.mp4");
+    EXPECT_NE(damaged.text().find("bad.mp4: passed over 1 damaged packet\n"), std::string::npos)
+        << damaged.text();
+    EXPECT_NE(damaged.text().find(" of them copied\n"), std::string::npos) << damaged.text();
 }
 
 }  // namespace tests
