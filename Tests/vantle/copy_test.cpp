@@ -284,6 +284,8 @@ TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
     EXPECT_EQ(encoded.text(), "vantle: nothing is copied: " + why + "\nb.mp4: 210 frames of 160x96\n");
     EXPECT_EQ(vantle("render rgb.mp4 rgb.mp4 -t 0 -o c.mp4 --copy always").status, 1);
     EXPECT_EQ(copied("rgb.mp4 +cut rgb.mp4", "a.mp4"), 240);
+    // Nor are pictures in a graphics card's memory to be had.
+    EXPECT_EQ(vantle("render rgb.mp4 rgb.mp4 -t 0 -o c.mp4 --encoder h264_vaapi").status, 2);
     EXPECT_EQ(warnings("rgb.mp4 plain.mp4 plain.mp4 -t 0"), Lines{"not copied: " + why});
     isAsLargeAsOthers("rgb.mp4 plain.mp4 plain.mp4 -t 0", 100);
     // What is copied loses nothing.
@@ -306,6 +308,24 @@ TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
     EXPECT_NE(damaged.text().find("bad.mp4: passed over 1 damaged packet\n"), std::string::npos)
         << damaged.text();
     EXPECT_NE(damaged.text().find(" of them copied\n"), std::string::npos) << damaged.text();
+}
+
+TEST_F(Copies, AndWhatIsEncodedShowTheSamePicturesWhenSoundBeginsFirst) {
+    // In thousandths of a second, from one on at which the sound has run for 21: half a picture later.
+    for (const std::string rate : {"24", "24000/1001"}) {
+        ffmpeg(
+            "-f lavfi -i \"color=s=64x64:r=" + rate +
+            ",format=yuv420p,geq=lum=16+2*N:cb=128:cr=128\" -f lavfi -i sine=r=48000 -t 4 -c:v libx264 -g 24 "
+            "-crf 4 -c:a aac clip.mkv");
+        const Outcome outcome =
+            vantle("render clip.mkv in=5f out=95f +cut clip.mkv in=7f out=95f -f -o a.mp4");
+        EXPECT_NE(outcome.text().find("178 frames of 64x64, 142 of them copied"), std::string::npos)
+            << outcome.text();
+        const Pictures film = decode("a.mp4", 64, 64);
+        ASSERT_EQ(film.count, 178U);
+        for (std::size_t frame = 0; frame < film.count; ++frame)
+            EXPECT_NEAR(film.luma(frame, 32, 32), 16 + 2 * (frame < 90 ? frame + 5 : frame - 83), 1) << frame;
+    }
 }
 
 }  // namespace tests
