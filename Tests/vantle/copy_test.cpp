@@ -319,12 +319,14 @@ TEST_F(Copies, AndWhatIsEncodedShowTheSamePicturesWhenSoundBeginsFirst) {
             "-crf 4 -c:a aac clip.mkv");
         const Outcome outcome =
             vantle("render clip.mkv in=5f out=95f +cut clip.mkv in=7f out=95f -f -o a.mp4");
-        EXPECT_NE(outcome.text().find("178 frames of 64x64, 142 of them copied"), std::string::npos)
+        EXPECT_NE(outcome.text().find("178 frames of 64x64, 138 of them copied"), std::string::npos)
             << outcome.text();
         const Pictures film = decode("a.mp4", 64, 64);
         ASSERT_EQ(film.count, 178U);
-        for (std::size_t frame = 0; frame < film.count; ++frame)
-            EXPECT_NEAR(film.luma(frame, 32, 32), 16 + 2 * (frame < 90 ? frame + 5 : frame - 83), 1) << frame;
+        for (int frame = 0; frame < 178; ++frame)
+            EXPECT_NEAR(film.luma(static_cast<std::size_t>(frame), 32, 32),
+                        16 + 2 * (frame < 90 ? frame + 5 : frame - 83), 1)
+                << frame;
     }
 }
 

@@ -114,15 +114,16 @@ std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>&
     std::vector<std::string> notes;
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         const Input& input = *film.parts[i].input;
+        const auto tell = [&](const std::string& what) {
+            const std::string note = input.name() + ": " + what;
+            if (std::ranges::find(notes, note) == notes.end()) notes.push_back(note);
+        };
         const int bits = bitsOf(input.first().format);
-        std::string note;
         if (isHdr(input.first()))
-            note = "its HDR colours are mapped to ordinary ones of 8 bits";
+            tell("its HDR colours are mapped to ordinary ones of 8 bits");
         else if (bits > 8 && !input.still() && (bits > kept || isDrawn(i) || (i > 0 && isDrawn(i - 1))))
-            note = "its colours of " + std::to_string(bits) + " bits become ones of 8" +
-                   (bits > kept ? "" : " in joins");
-        if (!note.empty() && std::ranges::find(notes, note.insert(0, input.name() + ": ")) == notes.end())
-            notes.push_back(note);
+            tell("its colours of " + std::to_string(bits) + " bits become ones of 8" +
+                 (bits > kept ? "" : " in joins"));
     }
     return notes;
 }

@@ -193,7 +193,10 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
     const int rate = target.wish->sampleRate;
     const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
     constexpr std::int64_t fewest = 16;
-    const std::int64_t end = av_rescale_rnd(sample(film.frames()), 1, CodedSound::portion, AV_ROUND_UP);
+    // .mp4 and .mov say to a thousandth of a second where sound ends: a portion heard for less would be cut
+    // off.
+    const std::int64_t end =
+        av_rescale_rnd(sample(film.frames()) - rate / 1000, 1, CodedSound::portion, AV_ROUND_UP);
     std::vector<SoundStretch>& stretches = plan.soundStretches;
     std::int64_t next = -1;
     const auto encodeTo = [&](std::int64_t portion) {
