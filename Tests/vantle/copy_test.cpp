@@ -1,6 +1,7 @@
 // Films of which most is copied packet by packet: every copied picture is its source's to the byte.
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -30,6 +31,15 @@ class Copies : public CommandTest {
         for (std::string line; std::getline(lines, line);)
             if (line.front() != '#') sums.push_back(line.substr(line.rfind(' ') + 1));
         return sums;
+    }
+
+    /// The sound of a file, of one channel.
+    std::vector<double> sound(const std::string& name) const {
+        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
+        std::vector<double> samples(bytes.size() / 2);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
+        return samples;
     }
 
     nlohmann::json plan(const std::string& arguments) const {
@@ -90,6 +100,10 @@ TEST_F(Copies, AreExactWhateverTheEncodersWereToldToDo) {
     // No frame is ever encoded alone beside one with which decoding may begin: the next such one is taken.
     EXPECT_EQ(plan("no_b.mov in=19f +cut plain.mp4 -o a.mp4")["copied"][0]["first"], 21);
     EXPECT_GT(copied("no_b.mov in=19f +cut pyramid.mp4 out=20f +cut no_b.mov --copy always", "a.mp4"), 100);
+    // Or what is copied before it ends earlier.
+    const nlohmann::json shortened = plan("no_b.mov out=20f +cut no_b.mov in=19f -o a.mp4")["copied"];
+    EXPECT_EQ(shortened[0]["frames"], 19);
+    EXPECT_EQ(shortened[1]["first"], 21);
     clip("film.mp4", "-g 30 -bf 3", "testsrc2", "24000/1001");
     clip("film2.mp4", "-g 24 -bf 0", "mandelbrot", "24000/1001");
     EXPECT_GT(copied("film.mp4 film2.mp4" + join, "a.mp4"), 120);
@@ -173,13 +187,6 @@ TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
     clip("mono.mp4", "-g 25", "testsrc2", "30", "-ac 1 -c:a aac");
     clip("mute.mp4", "-g 25", "testsrc2", "30", "-an");
     const std::string film = "plain.mp4 in=0.31 plain.mp4 out=3.57 mute.mp4 plain.mp4 -t 0 --duration 0.7 ";
-    const auto sound = [&](const std::string& name) {
-        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
-        std::vector<double> samples(bytes.size() / 2);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
-        return samples;
-    };
     render(film + "--copy always -o copied.mp4");
     render(film + "--copy never --sound-encoder pcm_s16le -o mixed.mkv");
     const std::vector<double> made = sound("copied.mp4");
@@ -205,6 +212,122 @@ TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
     // Sound of several forms is encoded, and the pictures are copied all the same.
     EXPECT_GT(copied("plain.mp4 mono.mp4 -t 0 --copy always", "a.mp4"), 150);
     EXPECT_GT(copied("plain.mp4 plain.mp4 -t 0 --copy always --music mono.mp4", "a.mp4"), 150);
+}
+
+TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
+    const auto tone = [&](const std::string& name, int hertz) {
+        ffmpeg(
+            "-f lavfi -i testsrc2=s=64x48:r=25 -f lavfi -i \"aevalsrc=0.5*sin(2*PI*" + std::to_string(hertz) +
+            "*t):s=48000\" -t 4 -pix_fmt yuv420p -c:v libx264 -preset ultrafast -g 25 -c:a aac -b:a 128k " +
+            name);
+    };
+    tone("a.mp4", 440);
+    tone("b.mp4", 1000);
+    std::vector<double> film;
+    // A tone's strength and phase in the 50 ms (whole waves of both) from a time on.
+    const auto heard = [&](double hertz, double seconds) {
+        const auto first = static_cast<std::size_t>(std::llround(seconds * 48000));
+        std::complex<double> sum;
+        for (std::size_t at = first; at < first + 2400; ++at)
+            sum += film.at(at) * std::polar(1.0 / 1200, -2 * M_PI * hertz * static_cast<double>(at) / 48000);
+        return sum;
+    };
+    const auto make = [&](const std::string& arguments) {
+        render(arguments + " -f -o x.mp4 --copy always");
+        film = sound("x.mp4");
+    };
+    // Where it is copied and where it is mixed, a clip's sound lies in the same place.
+    make("a.mp4 in=9f b.mp4 -t 0 --duration 1");
+    for (double at = 0.1; at < 3.6; at += 0.05) {
+        const auto here = heard(440, at);
+        EXPECT_NEAR(std::abs(here), 0.5 * std::clamp(3.615 - at, 0.0, 1.0), 0.02) << at;
+        EXPECT_NEAR(at < 3.5 ? std::arg(here / heard(440, 0.1)) : 0.0, 0.0, 0.1) << at;
+    }
+    for (double at = 2.9; at < 6.6; at += 0.05)
+        EXPECT_NEAR(std::arg(heard(1000, at) / heard(1000, 6.0)), 0.0, 0.1) << at;
+    // One that lies in its join alone, at either end of the film.
+    make("a.mp4 b.mp4 out=1 -t 0 --duration 1");
+    EXPECT_NEAR(std::abs(heard(440, 3.9)), 0.04, 0.03);
+    EXPECT_NEAR(std::abs(heard(1000, 3.9)), 0.46, 0.03);
+    make("a.mp4 out=1 b.mp4 -t 0 --duration 1");
+    EXPECT_NEAR(std::abs(heard(440, 0.05)), 0.46, 0.03);
+    EXPECT_NEAR(std::abs(heard(1000, 0.05)), 0.04, 0.03);
+    // Nothing of what was cut off is heard.
+    make("a.mp4 out=2.24 +cut b.mp4 in=1");
+    EXPECT_NEAR(std::abs(heard(440, 2.25)), 0.0, 0.005);
+    EXPECT_NEAR(std::abs(heard(1000, 2.25)), 0.5, 0.02);
+}
+
+TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
+    using Lines = std::vector<std::string>;
+    const auto warnings = [&](const std::string& arguments) {
+        return plan(arguments + " -o a.mp4")["warnings"].get<Lines>();
+    };
+    clip("plain.mp4", "-g 25");
+    clip("long.mp4", "-t 16 -g 999 -sc_threshold 0 -force_key_frames 14.5", "mandelbrot");
+    // What is longer than a seam, or no seam, is as large as in other films.
+    const auto isAsLargeAsOthers = [&](const std::string& film, int atLeast) {
+        EXPECT_GT(copied(film, "a.mp4"), atLeast);
+        render(film + " --copy never -o whole.mp4 -f");
+        EXPECT_LT(std::ssize(contents("a.mp4")), 1.3 * static_cast<double>(contents("whole.mp4").size()))
+            << film;
+    };
+    isAsLargeAsOthers("plain.mp4 long.mp4 -t Row_split --verify", 120);
+    EXPECT_EQ(warnings("long.mp4 in=1f out=13 plain.mp4 long.mp4 in=1f out=13 -t 0").front(),
+              "nothing is copied: 40 of 838 frames are too few");
+    // Joins of what no encoder makes are encoded otherwise; without joins there is nothing to encode.
+    clip("rgb.mp4", "-g 25 -c:v libx264rgb -pix_fmt rgb24");
+    const std::string why =
+        "rgb.mp4: joins cannot be encoded like it: libx264 does not take pictures of gbrp";
+    EXPECT_EQ(warnings("rgb.mp4 rgb.mp4 -t 0"), Lines{"nothing is copied: " + why});
+    const Outcome encoded = vantle("render rgb.mp4 rgb.mp4 -t 0 -o b.mp4");
+    EXPECT_EQ(encoded.text(), "vantle: nothing is copied: " + why + "\nb.mp4: 210 frames of 160x96\n");
+    EXPECT_EQ(vantle("render rgb.mp4 rgb.mp4 -t 0 -o c.mp4 --copy always").status, 1);
+    EXPECT_EQ(copied("rgb.mp4 +cut rgb.mp4", "a.mp4"), 240);
+    // Nor are pictures in a graphics card's memory to be had.
+    EXPECT_EQ(vantle("render rgb.mp4 rgb.mp4 -t 0 -o c.mp4 --encoder h264_vaapi").status, 2);
+    EXPECT_EQ(warnings("rgb.mp4 plain.mp4 plain.mp4 -t 0"), Lines{"not copied: " + why});
+    isAsLargeAsOthers("rgb.mp4 plain.mp4 plain.mp4 -t 0", 100);
+    // What is copied loses nothing.
+    clip("deep.mp4", "-g 25 -pix_fmt yuv420p10");
+    clip("full.mp4", "-g 25 -pix_fmt yuv420p10 -color_range pc");
+    const std::string lost = "deep.mp4: its colours of 10 bits become ones of 8";
+    EXPECT_EQ(warnings("deep.mp4 deep.mp4 -t 0"), Lines{lost + " in joins"});
+    EXPECT_EQ(warnings("deep.mp4 +cut deep.mp4"), Lines{});
+    EXPECT_EQ(warnings("deep.mp4 deep.mp4 -t 0 --copy never"), Lines{lost});
+    EXPECT_NE(warnings("deep.mp4 full.mp4 -t 0").back().find("full.mp4: its range of colours"),
+              std::string::npos);
+    EXPECT_GT(plan("plain.mp4 plain.mp4 -t 0 --fps 30 -o a.mp4")["copiedShare"], 0.5);
+    EXPECT_EQ(plan("plain.mp4 plain.mp4 -t 0 --fps 25 -o a.mp4")["copiedShare"], 0.0);
+    // Damage is told of beside copies too.
+    shell(in(
+        "cp plain.mp4 bad.mp4; at=$(ffprobe -v error -select_streams v -show_entries packet=pos -of csv=p=0 "
+        "bad.mp4 | sed -n 40p | tr -d ,); printf '\\0\\0\\0\\1\\377\\377' | dd of=bad.mp4 bs=1 seek=$at "
+        "conv=notrunc status=none"));
+    const Outcome damaged = vantle("render plain.mp4 bad.mp4 plain.mp4 -t 0 -f -o a.mp4");
+    EXPECT_NE(damaged.text().find("bad.mp4: passed over 1 damaged packet\n"), std::string::npos)
+        << damaged.text();
+    EXPECT_NE(damaged.text().find(" of them copied\n"), std::string::npos) << damaged.text();
+}
+
+TEST_F(Copies, AndWhatIsEncodedShowTheSamePicturesWhenSoundBeginsFirst) {
+    // In thousandths of a second, from one on at which the sound has run for 21: half a picture later.
+    for (const std::string rate : {"24", "24000/1001"}) {
+        ffmpeg(
+            "-f lavfi -i \"color=s=64x64:r=" + rate +
+            ",format=yuv420p,geq=lum=16+2*N:cb=128:cr=128\" -f lavfi -i sine=r=48000 -t 4 -c:v libx264 -g 24 "
+            "-crf 4 -c:a aac clip.mkv");
+        const Outcome outcome =
+            vantle("render clip.mkv in=5f out=95f +cut clip.mkv in=7f out=95f -f -o a.mp4");
+        EXPECT_NE(outcome.text().find("178 frames of 64x64, 138 of them copied"), std::string::npos)
+            << outcome.text();
+        const Pictures film = decode("a.mp4", 64, 64);
+        ASSERT_EQ(film.count, 178U);
+        for (int frame = 0; frame < 178; ++frame)
+            EXPECT_NEAR(film.luma(static_cast<std::size_t>(frame), 32, 32),
+                        16 + 2 * (frame < 90 ? frame + 5 : frame - 83), 1)
+                << frame;
+    }
 }
 
 }  // namespace tests

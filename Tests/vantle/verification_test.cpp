@@ -1,8 +1,13 @@
 // What a film that was copied together is looked at for: damage done on purpose is found.
 #include "copying/verification.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include "command.h"
 #include "copying/copy_film.h"
+#include "copying/stretch_encoder.h"
 #include "timeline/lay_out.h"
 
 namespace tests {
@@ -14,7 +19,7 @@ class Verification : public CommandTest {
     Verification() {
         av_log_set_level(AV_LOG_QUIET);
         clip("a.mp4", "1", "-bf 0 -preset fast");
-        clip("b.mp4", "2", "-bf 4 -x264-params b-adapt=0:scenecut=0");
+        clip("b.mp4", "2", options_);
         Sequence sequence;
         for (const char* const name : {"a.mp4", "b.mp4"})
             sequence.shots.push_back({(folder_ / name).string()});
@@ -23,8 +28,8 @@ class Verification : public CommandTest {
         std::vector<std::string> notes;
         plan_ = planCopy(layOut(sequence, inputs_, transitionsFor(sequence, plugin_, 0), {{96, 64}, {25, 1}},
                                 {.duration = {10, true}}, notes),
-                         {SoundWish{48000, 1}});
-        for (std::int64_t frame = 0; frame < plan_.film.frames(); ++frame) drawn_[frame].fill(0.49F);
+                         {SoundWish{48000, 1}}, [](const CopyPlan& plan) { tryEncoding(plan, {}); });
+        for (std::int64_t frame = 0; frame < plan_.film.frames(); ++frame) drawn_[frame].fill(125);
     }
 
     void clip(const std::string& name, const std::string& seed, const std::string& options) const {
@@ -49,12 +54,18 @@ class Verification : public CommandTest {
                   "");
     }
 
+    void write(const Bytes& film) const {
+        std::ofstream(folder_ / "bad.mp4", std::ios::binary)
+            .write(reinterpret_cast<const char*>(film.data()), static_cast<std::streamsize>(film.size()));
+    }
+
     std::string filtered(const std::string& filters, bool everything = false) const {
         return fault("ffmpeg -v error -y -i good.mp4 -c copy -copyts -avoid_negative_ts disabled " + filters +
                          " bad.mp4",
                      everything);
     }
 
+    const std::string options_ = "-qp 25 -bf 4 -x264-params b-adapt=0:scenecut=0";
     Plugin plugin_{PLUGIN_PATH};
     std::vector<std::unique_ptr<Input>> inputs_;
     CopyPlan plan_;
@@ -71,10 +82,29 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_NE(filtered("-bsf:v \"setts=pts=PTS+if(eq(N\\,50)\\,1200\\,0)\"").find("no packet has the time"),
               std::string::npos);
     EXPECT_NE(filtered("-bsf:v \"filter_units=remove_types=7|8\""), "");
+    // Encoded pictures have parameter sets of their own.
+    const Demuxer made((folder_ / "good.mp4").string());
+    const AVCodecParameters& form = *made.stream(*made.best(AVMEDIA_TYPE_VIDEO)).codecpar;
+    const DecoderConfiguration configuration(NalCoding::h264,
+                                             {form.extradata, static_cast<std::size_t>(form.extradata_size)});
+    std::vector<int> identifiers;
+    for (const Bytes& set : configuration.sets())
+        identifiers.push_back(pictureSet(set) ? pictureSet(set)->id : sequenceSet(NalCoding::h264, set)->id);
+    EXPECT_EQ(identifiers, (std::vector<int>{0, 1, 0, 1}));
+    // A picture that is decoded when the one before it is: how long these two take is changed in the file.
+    filtered("-bsf:v \"setts=dts=DTS-if(eq(N\\,50)\\,1\\,0)\"");
+    Bytes film = contents("bad.mp4");
+    constexpr auto apart = std::to_array<std::uint8_t>({0, 0, 0, 1, 0, 0, 1, 255, 0, 0, 0, 1, 0, 0, 2, 1});
+    constexpr auto together = std::to_array<std::uint8_t>({0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 4, 0});
+    const auto found = std::search(film.begin(), film.end(), apart.begin(), apart.end());
+    ASSERT_NE(found, film.end());
+    std::ranges::copy(together, found);
+    write(film);
+    EXPECT_NE(fault("true").find("wrong times at packet"), std::string::npos);
     // Two places become one in all sets: as many bits. From mp4 decoders know better.
     write(".mkv");
     EXPECT_EQ(fault("cp good.mkv bad.mp4"), "");
-    Bytes film = contents("good.mkv");
+    film = contents("good.mkv");
     int sets = 0;
     for (std::size_t at = 4; at + 64 < film.size(); ++at) {
         const std::size_t length = film[at - 2] * 256U + film[at - 1];
@@ -87,21 +117,32 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
         ++sets;
     }
     EXPECT_GT(sets, 4);
-    std::ofstream(folder_ / "bad.mp4", std::ios::binary)
-        .write(reinterpret_cast<const char*>(film.data()), static_cast<std::streamsize>(film.size()));
+    write(film);
     EXPECT_NE(fault("true").find("frame"), std::string::npos);
     // Another picture far from the seams is seen when all are looked at; what was drawn must show as well.
     EXPECT_EQ(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\""), "");
     EXPECT_NE(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\"", true), "");
-    EXPECT_NE(filtered("-bsf:a \"noise=drop=gte(n\\,250)\"").find("number of packets of sound"),
-              std::string::npos);
-    const float drawn = drawn_.at(70).front();
-    drawn_[70].fill(0.9F);
+    EXPECT_NE(
+        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.soundStretches.back().end()) + ")\"")
+            .find("number of packets of sound"),
+        std::string::npos);
+    const std::uint8_t drawn = drawn_.at(70).front();
+    drawn_[70].fill(230);
     EXPECT_NE(fault("cp good.mp4 bad.mp4").find("another picture"), std::string::npos);
     drawn_[70].fill(drawn);
-    // And what is no fault of the coding: other pictures, of another clip.
+    // A clip that was thought to be shorter than it is.
+    CodedPictures longer = codedPictures(*inputs_[1], {25, 1});
+    longer.pictures.push_back({.number = 75});
+    const auto pictures =
+        std::exchange(plan_.pictures[1], std::make_shared<const CodedPictures>(std::move(longer)));
+    EXPECT_NE(fault("cp good.mp4 bad.mp4").find("b.mp4 is left before its frame 75"), std::string::npos);
+    plan_.pictures[1] = pictures;
+    // And what is no fault of the coding: other pictures, of another clip, up to the second key picture
+    // behind.
+    clip("b.mp4", "2", options_ + " -vf \"drawbox=w=20:h=20:t=fill:enable=gte(n\\,40)\"");
+    EXPECT_EQ(fault("cp good.mp4 bad.mp4"), "another picture shows in frame 105");
     clip("a.mp4", "3", "-bf 0 -preset fast");
-    EXPECT_NE(fault("cp good.mp4 bad.mp4").find("another picture"), std::string::npos);
+    EXPECT_EQ(fault("cp good.mp4 bad.mp4").find("another picture shows in frame 6"), 0U);
 }
 
 }  // namespace tests

@@ -25,6 +25,7 @@ extern "C" {
 #include "Host/plugin.h"
 #include "copying/copy_film.h"
 #include "copying/copy_plan.h"
+#include "copying/stretch_encoder.h"
 #include "operands.h"
 #include "options.h"
 #include "output/picture_writer.h"
@@ -101,18 +102,33 @@ Size canvasSize(const RenderOptions& options, const Input& from, bool even) {
     return size;
 }
 
-/// What the inputs lose on the way, in a line for each.
-void noteLosses(std::span<const std::unique_ptr<Input>> inputs, std::vector<std::string>& notes) {
-    for (const std::unique_ptr<Input>& input : inputs) {
-        const AVFrame& first = input->first();
-        const AVPixFmtDescriptor* const pixels =
-            av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first.format));
-        if (isHdr(first))
-            notes.push_back(input->name() + ": its HDR colours are mapped to ordinary ones of 8 bits");
-        else if (pixels != nullptr && pixels->comp[0].depth > 8 && !input->still())
-            notes.push_back(input->name() + ": its colours of " + std::to_string(pixels->comp[0].depth) +
-                            " bits become ones of 8");
+int bitsOf(int pixelFormat) {
+    const AVPixFmtDescriptor* const pixels = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pixelFormat));
+    return pixels != nullptr ? pixels->comp[0].depth : 8;
+}
+
+/// What the film loses of its inputs, in a line for each. With copies it has as many bits as these, and those
+/// of joins alone are drawn with 8.
+std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>& copies) {
+    const int kept = copies ? bitsOf(copies->modelPictures().form->format) : 8;
+    const auto isDrawn = [&](std::size_t join) {
+        return join < film.joins.size() && film.joins[join].transition != nullptr;
+    };
+    std::vector<std::string> notes;
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        const Input& input = *film.parts[i].input;
+        const auto tell = [&](const std::string& what) {
+            const std::string note = input.name() + ": " + what;
+            if (std::ranges::find(notes, note) == notes.end()) notes.push_back(note);
+        };
+        const int bits = bitsOf(input.first().format);
+        if (isHdr(input.first()))
+            tell("its HDR colours are mapped to ordinary ones of 8 bits");
+        else if (bits > 8 && !input.still() && (bits > kept || isDrawn(i) || (i > 0 && isDrawn(i - 1))))
+            tell("its colours of " + std::to_string(bits) + " bits become ones of 8" +
+                 (bits > kept ? "" : " in joins"));
     }
+    return notes;
 }
 
 /// The sound of the film: the first input's rate, and as many channels as all agree on, else two.
@@ -219,10 +235,19 @@ CopyMode copyMode(const RenderOptions& options, const std::optional<OutputKind>&
 std::optional<CopyPlan> planCopies(const RenderOptions& options, CopyMode mode, const Film& film,
                                    std::vector<std::string>& notes) {
     if (mode == CopyMode::never) return {};
-    CopyPlan plan = planCopy(
-        film, {soundOf(options, film), options.music.file.empty() && options.encoders.sound.empty()});
-    const bool none = plan.copied() == 0;
-    if (plan.refusals.empty() && none) plan.refusals.emplace_back("all frames lie in joins");
+    CopyPlan plan =
+        planCopy(film, {soundOf(options, film), options.music.file.empty() && options.encoders.sound.empty()},
+                 [&](const CopyPlan& tried) {
+                     tryEncoding(tried, {options.encoders.video, options.encoderOptions});
+                 });
+    // Below a tenth it saves next to nothing, and all else would have to be like what is copied.
+    const bool few = mode == CopyMode::automatic && plan.copied() > 0 && plan.copied() < film.frames() / 10;
+    const bool none = few || plan.copied() == 0;
+    if (few)
+        plan.refusals = {std::to_string(plan.copied()) + " of " + std::to_string(film.frames()) +
+                         " frames are too few"};
+    else if (none && plan.refusals.empty())
+        plan.refusals.emplace_back("all frames lie in joins");
     if (!plan.refusals.empty()) {
         if (mode == CopyMode::always) throw Error("--copy always: " + plan.refusals.front());
         const std::size_t others = plan.refusals.size() - 1;
@@ -240,7 +265,8 @@ void tellWritten(const std::string& output, std::int64_t frames, Size size, std:
 }
 
 /// Writes the film as planned; false when it did not become what it should be.
-bool writeCopies(const RenderOptions& options, const OutputKind& kind, const CopyPlan& plan) {
+bool writeCopies(const RenderOptions& options, const OutputKind& kind, const CopyPlan& plan,
+                 std::span<const std::unique_ptr<Input>> inputs) {
     const JoinOptions& asked = options.join;
     ProgressBar progress(plan.film.frames(), asked.quiet);
     std::string fault;
@@ -261,7 +287,9 @@ bool writeCopies(const RenderOptions& options, const OutputKind& kind, const Cop
     }
     progress.finish();
     if (fault.empty()) {
-        if (!asked.quiet) tellWritten(asked.output, plan.film.frames(), plan.film.canvas.size, plan.copied());
+        if (asked.quiet) return true;
+        reportDamage(inputs);
+        tellWritten(asked.output, plan.film.frames(), plan.film.canvas.size, plan.copied());
         return true;
     }
     if (options.copy == CopyMode::always) throw Error("--copy always: " + fault);
@@ -346,7 +374,6 @@ void render(const RenderOptions& options) {
     const Canvas canvas{canvasSize(options, *inputs.front(), !pictures && (!kind || kind->evenSize)),
                         asked.fps.value_or(commonRate(inputs)), asked.fit};
     std::vector<std::string> notes;
-    noteLosses(inputs, notes);
     // A video shows its stills before and after; of pictures one wants the transition.
     const Film film = layOut(
         sequence, inputs, transitions, canvas,
@@ -356,6 +383,8 @@ void render(const RenderOptions& options) {
     const CopyMode mode = copyMode(options, kind, canvas, inputs);
     const std::optional<CopyPlan> copies =
         options.joins.empty() ? planCopies(options, mode, film, notes) : std::nullopt;
+    const std::vector<std::string> lost = losses(film, copies);
+    notes.insert(notes.begin(), lost.begin(), lost.end());
     if (options.plan) {
         printPlan(film, copies ? copies->stretches : std::vector<Stretch>{}, notes, options.json);
         return;
@@ -366,7 +395,13 @@ void render(const RenderOptions& options) {
         drawJoins(film, options.joins, asked.force, asked.quiet);
         return;
     }
-    if (!copies || !writeCopies(options, *kind, *copies)) writeFilm(options, *kind, film, inputs);
+    if (copies) {
+        if (writeCopies(options, *kind, *copies, inputs)) return;
+        for (const std::string& note : losses(film, {}))
+            if (!asked.quiet && std::ranges::find(lost, note) == lost.end())
+                std::fprintf(stderr, "vantle: %s\n", note.c_str());
+    }
+    writeFilm(options, *kind, film, inputs);
 }
 
 // Functions that CLI11 calls with an option's text; what they throw becomes a line of "wrong usage".

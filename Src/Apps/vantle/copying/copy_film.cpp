@@ -77,7 +77,7 @@ std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressB
     Muxer muxer("file:" + file.path().string(), options.kind.muxer, options.name);
     // They are opened again where they are wanted, two at a time.
     for (const Part& part : plan.film.parts) part.input->close();
-    FilmPictures pictures(plan, options.encoders.video, options.encoderOptions);
+    FilmPictures pictures(plan, {options.encoders.video, options.encoderOptions}, options.verifyAll);
     const AVRational rate = plan.film.canvas.rate;
     const AVStream& pictureStream = muxer.add(*pictures.form(), av_inv_q(rate), rate);
     std::optional<Sound> sound;

@@ -13,6 +13,10 @@ namespace vantle {
 namespace {
 
 constexpr std::int64_t shortest = 2;  // pictures of a stretch: two fresh ones in a row confuse browsers
+constexpr int longestSeam = 12;       // seconds: a join, and ten up to the next key picture
+constexpr int compared = 2;           // seconds at either end of a longer stretch
+
+std::int64_t framesIn(int seconds, AVRational rate) { return av_rescale(seconds, rate.num, rate.den); }
 
 std::string sizeText(int width, int height) { return std::to_string(width) + "x" + std::to_string(height); }
 
@@ -85,11 +89,11 @@ class Layout {
             if (plan_.pictures[part]) lay(part);
         std::int64_t next = 0;
         for (const Laid& laid : laid_) {
-            if (laid.first > next) plan_.stretches.push_back({next, laid.first - next});
+            encode(next, laid.first);
             plan_.stretches.push_back({laid.first, laid.end - laid.first, laid.part});
             next = laid.end;
         }
-        if (film_.frames() > next) plan_.stretches.push_back({next, film_.frames() - next});
+        encode(next, film_.frames());
     }
 
    private:
@@ -99,6 +103,15 @@ class Layout {
         std::int64_t first;  // frames of the film
         std::int64_t end;
     };
+
+    void encode(std::int64_t first, std::int64_t end) {
+        if (end <= first) return;
+        bool isSeam = end - first <= framesIn(longestSeam, film_.canvas.rate);
+        for (std::size_t i = 0; i < film_.parts.size(); ++i)
+            if (film_.parts[i].start < end && film_.parts[i].end() > first)
+                isSeam = isSeam && std::ranges::find(laid_, i, &Laid::part) != laid_.end();
+        plan_.stretches.push_back({first, end - first, {}, isSeam});
+    }
 
     void lay(std::size_t number) {
         const Part& part = film_.parts[number];
@@ -142,6 +155,33 @@ class Layout {
     std::vector<Laid> laid_;
 };
 
+/// The pictures of inputs by their names; null where they cannot be copied.
+using CodedInputs = std::map<std::string, std::shared_ptr<const CodedPictures>>;
+
+/// Takes the first input that can be copied as the model, and all that are like it.
+void findAlike(CopyPlan& plan, const CodedInputs& inputs) {
+    const std::vector<Part>& parts = plan.film.parts;
+    plan.pictures.assign(parts.size(), nullptr);
+    const AVCodecParameters* model = nullptr;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::string& name = parts[i].input->name();
+        const std::shared_ptr<const CodedPictures>& pictures = inputs.at(name);
+        if (!pictures) continue;
+        if (model == nullptr) {
+            model = pictures->form.get();
+            plan.model = i;
+        }
+        const std::string other = mismatch(*pictures->form, *model);
+        if (other.empty()) {
+            plan.pictures[i] = pictures;
+            continue;
+        }
+        const std::string why = name + ": its " + other + " is not that of " +
+                                parts[plan.model].input->name() + "; clips made alike can be copied";
+        if (std::ranges::find(plan.refusals, why) == plan.refusals.end()) plan.refusals.push_back(why);
+    }
+}
+
 /// The nearest multiple of a portion.
 std::int64_t portionAt(std::int64_t sample) {
     return av_rescale_rnd(sample, 1, CodedSound::portion, AV_ROUND_NEAR_INF);
@@ -153,7 +193,10 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
     const int rate = target.wish->sampleRate;
     const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
     constexpr std::int64_t fewest = 16;
-    const std::int64_t end = av_rescale_rnd(sample(film.frames()), 1, CodedSound::portion, AV_ROUND_UP);
+    // .mp4 and .mov say to a thousandth of a second where sound ends: a portion heard for less would be cut
+    // off.
+    const std::int64_t end =
+        av_rescale_rnd(sample(film.frames()) - rate / 1000, 1, CodedSound::portion, AV_ROUND_UP);
     std::vector<SoundStretch>& stretches = plan.soundStretches;
     std::int64_t next = -1;
     const auto encodeTo = [&](std::int64_t portion) {
@@ -171,11 +214,10 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
         const std::int64_t first = portionAt(meant);
         part.soundDelay = first * CodedSound::portion - meant;
         const auto sounds = [&](std::size_t other) { return film.parts[other].sounds(); };
-        const bool last = part.end() == film.frames();
         const std::int64_t cleanFrom =
-            part.start == 0 ? -CodedSound::portion
-                            : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
-        const std::int64_t cleanTo = last
+            number == 0 ? -CodedSound::portion
+                        : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
+        const std::int64_t cleanTo = number == film.joins.size()
                                          ? std::numeric_limits<std::int64_t>::max() / 2
                                          : sample(sounds(number + 1) ? film.joins[number].start : part.end());
         const std::int64_t from =
@@ -222,44 +264,46 @@ std::int64_t copiedFrames(const std::vector<Stretch>& stretches) {
     return frames;
 }
 
+bool CopyPlan::isCompared(const Stretch& stretch, std::int64_t frame) const {
+    const std::int64_t near = framesIn(compared, film.canvas.rate);
+    return stretch.isSeam || frame < stretch.first + near || frame >= stretch.end() - near;
+}
+
 const AVCodecParameters& CopyPlan::modelSound() const {
     const auto has = [](const std::shared_ptr<const CodedSound>& sound) { return sound != nullptr; };
     return *(*std::ranges::find_if(sounds, has))->form;
 }
 
-CopyPlan planCopy(const Film& film, const SoundTarget& sound) {
+CopyPlan planCopy(const Film& film, const SoundTarget& sound, const TryEncoding& tryEncoding) {
     CopyPlan plan;
     plan.film = film;
-    plan.pictures.resize(film.parts.size());
     plan.sounds.resize(film.parts.size());
-    std::map<std::string, std::shared_ptr<const CodedPictures>> known;  // null: refused before
-    const AVCodecParameters* model = nullptr;
-    for (std::size_t i = 0; i < film.parts.size(); ++i) {
-        const Part& part = film.parts[i];
-        const std::string& name = part.input->name();
+    CodedInputs inputs;
+    std::vector<std::string> refusals;
+    for (const Part& part : film.parts) {
+        const auto [found, isNew] = inputs.try_emplace(part.input->name());
+        if (!isNew) continue;
         try {
-            auto found = known.find(name);
-            if (found == known.end()) {
-                found = known.emplace(name, nullptr).first;
-                found->second = picturesOf(film, part);
-            }
-            if (!found->second) continue;
-            const AVCodecParameters& form = *found->second->form;
-            if (model == nullptr) {
-                model = &form;
-                plan.model = i;
-            }
-            const std::string other = mismatch(form, *model);
-            if (!other.empty())
-                throw NotCopied(name + ": its " + other + " is not that of " +
-                                film.parts[plan.model].input->name() + "; clips made alike can be copied");
-            plan.pictures[i] = found->second;
+            found->second = picturesOf(film, part);
         } catch (const NotCopied& why) {
-            if (std::ranges::find(plan.refusals, why.what()) == plan.refusals.end())
-                plan.refusals.emplace_back(why.what());
+            refusals.emplace_back(why.what());
         }
     }
-    Layout(plan).run();
+    for (bool settled = false; !settled;) {
+        plan.refusals = refusals;
+        findAlike(plan, inputs);
+        plan.stretches.clear();
+        Layout(plan).run();
+        try {
+            if (plan.copied() > 0 && plan.copied() < film.frames()) tryEncoding(plan);
+            settled = true;
+        } catch (const NotCopied& why) {
+            // Others may do.
+            refusals.emplace_back(why.what());
+            for (std::size_t i = 0; i < film.parts.size(); ++i)
+                if (plan.pictures[i]) inputs[film.parts[i].input->name()] = nullptr;
+        }
+    }
     if (plan.copied() > 0 && findSound(plan, sound)) planSound(plan, sound);
     return plan;
 }

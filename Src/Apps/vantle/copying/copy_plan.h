@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +21,7 @@ struct Stretch {
     std::int64_t first = 0;
     std::int64_t frames = 0;
     std::optional<std::size_t> part{};  ///< from which it is copied
+    bool isSeam = false;  ///< it is encoded, is short and holds parts only that are copied around it
 
     std::int64_t end() const { return first + frames; }
 };
@@ -47,6 +49,11 @@ struct CopyPlan {
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
 
     std::int64_t copied() const { return copiedFrames(stretches); }
+
+    /// Whether a frame of an encoded stretch is compared with what was drawn: of long ones, those near the
+    /// ends.
+    bool isCompared(const Stretch& stretch, std::int64_t frame) const;
+
     const CodedPictures& modelPictures() const { return *pictures[model]; }
 
     /// The description of the sound that is copied.
@@ -59,7 +66,10 @@ struct SoundTarget {
     bool ordinary = true;  ///< no music lies under it, and nobody asked for an encoder
 };
 
-/// Plans to copy what lies outside the joins of a film.
-CopyPlan planCopy(const Film& film, const SoundTarget& sound);
+/// Throws NotCopied when what a plan does not copy cannot be encoded like what it copies.
+using TryEncoding = std::function<void(const CopyPlan&)>;
+
+/// Plans to copy what lies outside the joins of a film, where the others can be encoded.
+CopyPlan planCopy(const Film& film, const SoundTarget& sound, const TryEncoding& tryEncoding);
 
 }  // namespace vantle

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <set>
 #include <span>
 #include <utility>
 
@@ -27,19 +26,6 @@ int reorderOf(const CodedPictures& coded, std::int64_t first, std::int64_t end) 
     return static_cast<int>(most);
 }
 
-/// Identifiers of sequence and picture sets that the plan's inputs use.
-std::set<int> identifiers(const CopyPlan& plan) {
-    std::set<int> used;
-    for (const auto& pictures : plan.pictures) {
-        if (!pictures || pictures->coding != NalCoding::h264) continue;
-        for (const Bytes& set : pictures->configuration.sets()) {
-            if (const auto sequence = sequenceSet(NalCoding::h264, set)) used.insert(sequence->id);
-            if (const auto picture = pictureSet(set)) used.insert(picture->id);
-        }
-    }
-    return used;
-}
-
 av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
     av::Packet packet = av::makePacket();
     av::check(av_new_packet(packet.get(), static_cast<int>(bytes.size())), "packet");
@@ -52,70 +38,17 @@ av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
 
 }  // namespace
 
-StretchEncoder::StretchEncoder(const CopyPlan& copyPlan, const std::string& name, const av::Options& users)
-    : plan(copyPlan), codec(nullptr), reorder(0) {
-    for (const Stretch& stretch : plan.stretches) {
-        if (!stretch.part) continue;
-        const Part& part = plan.film.parts[*stretch.part];
-        const std::int64_t first = part.first + stretch.first - part.start;
-        reorder = std::max(reorder, reorderOf(*plan.pictures[*stretch.part], first, first + stretch.frames));
-    }
-    const bool isH264 = plan.modelPictures().coding == NalCoding::h264;
-    const std::string usual = isH264 ? "libx264" : "libx265";
-    const std::string& chosen = name.empty() ? usual : name;
-    codec = avcodec_find_encoder_by_name(chosen.c_str());
-    if (codec == nullptr || codec->id != plan.modelPictures().form->codec_id)
-        throw NotCopied("its joins need an encoder like that of " +
-                        plan.film.parts[plan.model].input->name() + ", which " + chosen + " is not; " +
-                        usual + " is");
-    if (chosen == "libx264") {
-        // Its parameter sets must not take the place of those that copied pictures refer to.
-        const std::set<int> used = identifiers(plan);
-        int id = 0;
-        while (used.contains(id)) ++id;
-        // At this quality most of the time would go into arithmetic coding, for six hundredths of the size.
-        options = {{"preset", "superfast"},
-                   {"crf", "16"},
-                   {"coder", "cavlc"},
-                   {"x264-params", "sps-id=" + std::to_string(id)}};
-    } else if (chosen == "libx265") {
-        options = {{"preset", "superfast"},
-                   {"crf", "16"},
-                   {"x265-params", "log-level=error:open-gop=0:info=0:repeat-headers=0"}};
-    }
-    options = withUsersOptions(options, users);
-}
-
-std::unique_ptr<Encoder> StretchEncoder::open() const {
-    return std::make_unique<Encoder>(*codec, options, [&](AVCodecContext& context) {
-        const AVCodecParameters& like = *plan.modelPictures().form;
-        context.width = like.width;
-        context.height = like.height;
-        context.pix_fmt = static_cast<AVPixelFormat>(like.format);
-        context.sample_aspect_ratio = {1, 1};
-        context.framerate = plan.film.canvas.rate;
-        context.time_base = av_inv_q(plan.film.canvas.rate);
-        context.color_range = like.color_range;
-        context.colorspace = like.color_space;
-        context.color_primaries = like.color_primaries;
-        context.color_trc = like.color_trc;
-        context.chroma_sample_location = like.chroma_location;
-        context.profile = like.profile;
-        context.level = plan.modelPictures().coding == NalCoding::h264 ? like.level : context.level;
-        // They would need room among the references, and here they save neither time nor size.
-        context.max_b_frames = 0;
-        context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    });
-}
-
-EncodedPictures::EncodedPictures(const StretchEncoder& encoder, const Stretch& stretch)
-    : film_(encoder.plan.film),
+EncodedPictures::EncodedPictures(const CopyPlan& plan, const StretchEncoder& encoder, const Stretch& stretch,
+                                 bool comparesAll)
+    : plan_(plan),
+      film_(plan.film),
       stretch_(stretch),
+      comparesAll_(comparesAll),
       encoder_(encoder.open()),
       reader_(film_, stretch.first, false),
       painter_(film_.canvas.size,
-               {encoder_->context().pix_fmt, film_.parts[encoder.plan.model].input->first().colorspace,
-                film_.parts[encoder.plan.model].input->first().color_range}),
+               {encoder_->context().pix_fmt, film_.parts[plan.model].input->first().colorspace,
+                film_.parts[plan.model].input->first().color_range}),
       frame_(stretch.first) {}
 
 EncodedPictures::~EncodedPictures() {
@@ -135,7 +68,9 @@ av::Packet EncodedPictures::next() {
         const av::Frame picture = painter_.paint(reader_.next());
         picture->pict_type = AV_PICTURE_TYPE_NONE;
         picture->pts = frame_;
-        drawn_.emplace(frame_++, brightnessOf(*picture));
+        if (comparesAll_ || plan_.isCompared(stretch_, frame_))
+            drawn_.emplace(frame_, brightnessOf(*picture));
+        ++frame_;
         encoder_->send(picture.get());
     }
 }
@@ -154,7 +89,7 @@ CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& cod
     };
     if (input_.seek(coded.stream, entry->time) && find()) return;
     input_.reopen();
-    if (!find()) throw Error(name + ": its picture " + std::to_string(first) + " is not found again");
+    if (!find()) throw NotCopied(name + ": its picture " + std::to_string(first) + " is not found again");
 }
 
 av::Packet CopiedPictures::next() {
@@ -163,42 +98,36 @@ av::Packet CopiedPictures::next() {
     // Pictures shown before the first are of the stretch before.
     while (!packet || coded_.numberOf(*packet) < first_) {
         packet = input_.read(coded_.stream);
-        if (!packet) throw Error(input_.name() + ": ends before its time");
+        if (!packet) throw NotCopied(input_.name() + ": ends before its time");
     }
     --left_;
     packet->pts = coded_.numberOf(*packet);
     return packet;
 }
 
-FilmPictures::FilmPictures(const CopyPlan& plan, const std::string& encoder, const av::Options& users)
-    : plan_(plan),
-      encoder_(plan, encoder, users),
-      reorder_(encoder_.reorder),
-      copiedSets_(plan.pictures.size()) {
+FilmPictures::FilmPictures(const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll)
+    : plan_(plan), comparesAll_(comparesAll), copiedSets_(plan.pictures.size()) {
     const NalCoding coding = plan.modelPictures().coding;
-    const bool encodes =
-        std::ranges::any_of(plan.stretches, [](const Stretch& stretch) { return !stretch.part; });
-    if (encodes) {
-        const std::unique_ptr<Encoder> first = encoder_.open();
-        const AVCodecContext& context = first->context();
-        for (const ByteView set :
-             unitsWithStartCodes({context.extradata, static_cast<std::size_t>(context.extradata_size)}))
-            if (kindOf(coding, set) == NalKind::parameterSet)
-                encodedSets_.emplace_back(set.begin(), set.end());
-    }
-    const auto note = [&](const std::vector<Bytes>& sets) {
-        int depth = 0;
+    const auto noteLevels = [&](const std::vector<Bytes>& sets) {
         for (const Bytes& set : sets)
-            if (const auto sequence = sequenceSet(coding, set)) {
-                level_ = std::max(level_, sequence->level);
-                depth = std::max(depth, sequence->reorder);
-            }
-        return depth;
+            if (const auto sequence = sequenceSet(coding, set)) level_ = std::max(level_, sequence->level);
     };
-    reorder_ = std::max(reorder_, note(encodedSets_));
+    for (const Stretch& stretch : plan.stretches) {
+        if (stretch.part) {
+            const Part& part = plan.film.parts[*stretch.part];
+            const std::int64_t first = part.first + stretch.first - part.start;
+            reorder_ =
+                std::max(reorder_, reorderOf(*plan.pictures[*stretch.part], first, first + stretch.frames));
+        } else if (!encoders_.contains(stretch.isSeam)) {
+            const auto& encoder =
+                encoders_.try_emplace(stretch.isSeam, plan, choice, stretch.isSeam).first->second;
+            reorder_ = std::max(reorder_, encoder.reorder());
+            noteLevels(encoder.sets());
+        }
+    }
     for (const auto& pictures : plan.pictures)
-        if (pictures) note(pictures->configuration.sets());
-    encodedSets_ = setsOf(encodedSets_);
+        if (pictures) noteLevels(pictures->configuration.sets());
+    for (const auto& [seams, encoder] : encoders_) encodedSets_[seams] = setsOf(encoder.sets());
     for (std::size_t i = 0; i < plan.pictures.size(); ++i)
         if (plan.pictures[i]) copiedSets_[i] = setsOf(plan.pictures[i]->configuration.sets());
 }
@@ -215,7 +144,9 @@ av::Parameters FilmPictures::form() const {
     av::Parameters form = copyOf(*model.form);
     // Those of the first stretch, and all others that do not take their place: beside being in each stretch.
     std::vector<Bytes> sets = copiedSets_[plan_.model];
-    if (model.coding == NalCoding::h264) sets.insert(sets.end(), encodedSets_.begin(), encodedSets_.end());
+    if (model.coding == NalCoding::h264)
+        for (const auto& [seams, encoded] : encodedSets_)
+            sets.insert(sets.end(), encoded.begin(), encoded.end());
     const Bytes record = model.configuration.withSets(sets);
     av_freep(&form->extradata);
     form->extradata = static_cast<std::uint8_t*>(
@@ -231,7 +162,7 @@ av::Packet FilmPictures::nextOfStretch() {
     const Stretch& stretch = plan_.stretches[stretch_];
     begun_ = encoding_ || copying_;
     if (!stretch.part) {
-        if (!encoding_) encoding_.emplace(encoder_, stretch);
+        if (!encoding_) encoding_.emplace(plan_, encoders_.at(stretch.isSeam), stretch, comparesAll_);
         av::Packet packet = encoding_->next();
         if (!packet) drawn_.merge(encoding_->drawn());
         return packet;
@@ -262,7 +193,8 @@ av::Packet FilmPictures::next() {
 
 av::Packet FilmPictures::rewritten(av::Packet packet) const {
     const NalCoding coding = plan_.modelPictures().coding;
-    const std::optional<std::size_t>& part = plan_.stretches[stretch_].part;
+    const Stretch& stretch = plan_.stretches[stretch_];
+    const std::optional<std::size_t>& part = stretch.part;
     const ByteView bytes(packet->data, static_cast<std::size_t>(packet->size));
     const std::vector<ByteView> units = part ? unitsWithLengths(bytes) : unitsWithStartCodes(bytes);
     const bool key = (packet->flags & AV_PKT_FLAG_KEY) != 0;
@@ -278,7 +210,8 @@ av::Packet FilmPictures::rewritten(av::Packet packet) const {
     for (const ByteView unit : units) {
         const NalKind kind = kindOf(coding, unit);
         if (!opened && kind != NalKind::delimiter) {
-            for (const Bytes& set : part ? copiedSets_[*part] : encodedSets_) appendUnit(contents, set);
+            for (const Bytes& set : part ? copiedSets_[*part] : encodedSets_.at(stretch.isSeam))
+                appendUnit(contents, set);
             opened = true;
         }
         // What an encoder says of itself is not what the film is.

@@ -11,6 +11,7 @@
 
 #include "copying/copy_plan.h"
 #include "copying/picture_likeness.h"
+#include "copying/stretch_encoder.h"
 #include "media/demuxer.h"
 #include "media/encoder.h"
 #include "timeline/film.h"
@@ -18,25 +19,12 @@
 
 namespace vantle {
 
-/// How stretches that are not copied are encoded: like those that are.
-struct StretchEncoder {
-    /// The encoder of this name, or the usual one, with the user's options. Throws NotCopied when it does not
-    /// make what the plan's pictures are.
-    StretchEncoder(const CopyPlan& plan, const std::string& name, const av::Options& users);
-
-    /// Opens it for one stretch.
-    std::unique_ptr<Encoder> open() const;
-
-    const CopyPlan& plan;
-    const AVCodec* codec;
-    av::Options options;
-    int reorder;  ///< the most places by which copied pictures are coded early
-};
-
 /// One stretch of a film's frames, encoded.
 class EncodedPictures {
    public:
-    EncodedPictures(const StretchEncoder& encoder, const Stretch& stretch);
+    /// Remembers what is drawn in the frames that the plan compares, or in all.
+    EncodedPictures(const CopyPlan& plan, const StretchEncoder& encoder, const Stretch& stretch,
+                    bool comparesAll);
     EncodedPictures(const EncodedPictures&) = delete;
     EncodedPictures& operator=(const EncodedPictures&) = delete;
     ~EncodedPictures();
@@ -44,12 +32,14 @@ class EncodedPictures {
     /// The next packet, its times in frames of the film, or null at the end.
     av::Packet next();
 
-    /// What has been drawn, by frame.
+    /// What has been drawn, as far as it is remembered, by frame.
     std::map<std::int64_t, Brightness>& drawn() { return drawn_; }
 
    private:
+    const CopyPlan& plan_;
     const Film& film_;
     Stretch stretch_;
+    bool comparesAll_;
     std::unique_ptr<Encoder> encoder_;
     FilmReader reader_;
     Painter painter_;
@@ -79,15 +69,15 @@ class CopiedPictures {
 /// decoding rises by one from packet to packet and is never after that of showing.
 class FilmPictures {
    public:
-    /// Encodes as StretchEncoder does.
-    FilmPictures(const CopyPlan& plan, const std::string& encoder, const av::Options& users);
+    /// Encodes as StretchEncoder does, and remembers what EncodedPictures does.
+    FilmPictures(const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
 
     /// The stream's description for a file.
     av::Parameters form() const;
 
     av::Packet next();
 
-    /// What has been drawn for the encoder, by frame.
+    /// What has been drawn for the encoders, as far as it is remembered, by frame.
     const std::map<std::int64_t, Brightness>& drawn() const { return drawn_; }
 
    private:
@@ -97,11 +87,12 @@ class FilmPictures {
     av::Packet rewritten(av::Packet packet) const;
 
     const CopyPlan& plan_;
-    StretchEncoder encoder_;
-    int reorder_;
+    bool comparesAll_;
+    std::map<bool, StretchEncoder> encoders_;  // by whether they are for seams
+    int reorder_ = 0;
     int level_ = 0;
-    std::vector<std::vector<Bytes>> copiedSets_;  // by part
-    std::vector<Bytes> encodedSets_;
+    std::vector<std::vector<Bytes>> copiedSets_;      // by part
+    std::map<bool, std::vector<Bytes>> encodedSets_;  // by whether they are seams'
     std::size_t stretch_ = 0;
     bool begun_ = false;  // the stretch has given its first packet
     std::int64_t packets_ = 0;

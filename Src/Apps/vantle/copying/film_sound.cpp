@@ -75,7 +75,8 @@ av::Packet CopiedSound::next() {
     av::Packet packet;
     do packet = input_.read(coded_.stream);
     while (packet && numberOf(*packet) < next_);
-    if (!packet || numberOf(*packet) != next_) throw Error(input_.name() + ": its sound is not found again");
+    if (!packet || numberOf(*packet) != next_)
+        throw NotCopied(input_.name() + ": its sound is not found again");
     ++next_;
     av_packet_free_side_data(packet.get());
     return packet;

@@ -5,8 +5,9 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
-#include <cmath>
+#include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 
 namespace vantle {
@@ -43,20 +44,23 @@ Brightness brightnessOf(const AVFrame& picture) {
         const std::uint8_t* const row = picture.data[0] + std::ptrdiff_t{y} * picture.linesize[0];
         return depth > 8 ? reinterpret_cast<const std::uint16_t*>(row)[x] : row[x];
     };
-    Brightness cells{};
+    std::array<std::int64_t, across * down> sums{};
     for (int y = 0; y < down * samples; ++y)
         for (int x = 0; x < across * samples; ++x)
-            cells[static_cast<std::size_t>(y / samples * across + x / samples)] += static_cast<float>(
-                at(x * picture.width / (across * samples), y * picture.height / (down * samples)));
-    for (float& cell : cells) cell /= static_cast<float>(samples * samples * ((1 << depth) - 1));
+            sums[static_cast<std::size_t>(y / samples * across + x / samples)] +=
+                at(x * picture.width / (across * samples), y * picture.height / (down * samples));
+    Brightness cells{};
+    std::ranges::transform(sums, cells.begin(), [&](std::int64_t sum) {
+        return static_cast<std::uint8_t>(sum * 255 / (samples * samples * ((1 << depth) - 1)));
+    });
     return cells;
 }
 
 bool alike(const Brightness& a, const Brightness& b) {
-    constexpr float most = 0.08F;
-    float difference = 0.0F;
-    for (std::size_t i = 0; i < a.size(); ++i) difference += std::abs(a[i] - b[i]);
-    return difference <= most * static_cast<float>(a.size());
+    constexpr std::size_t most = 20;  // on average
+    std::size_t difference = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) difference += static_cast<std::size_t>(std::abs(a[i] - b[i]));
+    return difference <= most * a.size();
 }
 
 }  // namespace vantle

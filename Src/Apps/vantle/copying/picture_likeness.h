@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 
 #include "media/av.h"
 
@@ -10,8 +11,8 @@ namespace vantle {
 /// True for pictures of one form and the same pixels.
 bool samePixels(const AVFrame& a, const AVFrame& b);
 
-/// How bright a picture is, 0 to 1, in each cell of a coarse grid.
-using Brightness = std::array<float, 128>;
+/// How bright a picture is, 0 to 255, in each cell of a coarse grid.
+using Brightness = std::array<std::uint8_t, 128>;
 Brightness brightnessOf(const AVFrame& picture);
 
 /// True when one picture may be the other, encoded with a loss.

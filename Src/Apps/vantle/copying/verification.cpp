@@ -108,8 +108,19 @@ class PicturePackets {
 class Verification {
    public:
     Verification(const std::string& file, const CopyPlan& plan,
-                 const std::map<std::int64_t, Brightness>& drawn)
-        : file_(file), plan_(plan), drawn_(drawn), rate_(plan.film.canvas.rate) {}
+                 const std::map<std::int64_t, Brightness>& drawn, bool everything)
+        : file_(file), plan_(plan), drawn_(drawn), everything_(everything), rate_(plan.film.canvas.rate) {}
+
+    /// An input that is shown to its end shows all that it holds.
+    void checkEnds() const {
+        for (std::size_t i = 0; i < plan_.film.parts.size(); ++i) {
+            const Part& part = plan_.film.parts[i];
+            const std::int64_t end = part.first + part.frames;
+            if (plan_.pictures[i] && end < std::ssize(plan_.pictures[i]->pictures) &&
+                end == part.input->frames(rate_))
+                fail(part.input->name() + " is left before its frame", end);
+        }
+    }
 
     void checkPackets() {
         Demuxer input(file_);
@@ -134,9 +145,9 @@ class Verification {
         checkTimes(pictures, input.stream(stream_).time_base);
     }
 
-    void checkSeams(bool everything) {
+    void checkSeams() {
         std::vector<std::pair<std::int64_t, std::int64_t>> ranges;
-        if (everything)
+        if (everything_)
             ranges = {{0, plan_.film.frames()}};
         else
             for (std::size_t i = 1; i < plan_.stretches.size(); ++i) {
@@ -165,12 +176,15 @@ class Verification {
         return av_rescale_q_rnd(time - start_, timeBase, av_inv_q(rate_), AV_ROUND_NEAR_INF);
     }
 
-    /// The frames of the film at which decoding may begin, as far as they are known, ascending.
+    /// The frames of the film at which decoding may begin, ascending.
     std::vector<std::int64_t> entries() const {
         std::vector<std::int64_t> frames;
         for (const Stretch& stretch : plan_.stretches) {
             if (!stretch.part) {
                 frames.push_back(stretch.first);
+                if (stretch.isSeam) continue;  // all of it is looked at
+                for (const auto& [key, time] : keys_)
+                    if (key > stretch.first && key < stretch.end()) frames.push_back(key);
                 continue;
             }
             const Part& part = plan_.film.parts[*stretch.part];
@@ -213,8 +227,10 @@ class Verification {
             }
             for (std::int64_t frame = from; frame < to; ++frame) {
                 const av::Frame picture = made.picture(frame);
-                const bool same = source ? samePixels(*picture, *source->picture(frame - offset))
-                                         : alike(brightnessOf(*picture), drawn_.at(frame));
+                const bool compared = source || everything_ || plan_.isCompared(stretch, frame);
+                const bool same =
+                    !compared || (source ? samePixels(*picture, *source->picture(frame - offset))
+                                         : alike(brightnessOf(*picture), drawn_.at(frame)));
                 if (!same) fail("another picture shows in frame", frame);
             }
         }
@@ -223,6 +239,7 @@ class Verification {
     const std::string& file_;
     const CopyPlan& plan_;
     const std::map<std::int64_t, Brightness>& drawn_;
+    bool everything_;
     AVRational rate_;
     int stream_ = 0;
     std::int64_t start_ = 0;
@@ -235,9 +252,10 @@ class Verification {
 std::string faultOf(const std::string& file, const CopyPlan& plan,
                     const std::map<std::int64_t, Brightness>& drawn, bool everything) {
     try {
-        Verification verification(file, plan, drawn);
+        Verification verification(file, plan, drawn, everything);
+        verification.checkEnds();
         verification.checkPackets();
-        verification.checkSeams(everything);
+        verification.checkSeams();
     } catch (const Fault& fault) {
         return fault.what();
     } catch (const Error& error) {

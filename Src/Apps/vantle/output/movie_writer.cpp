@@ -27,18 +27,6 @@ constexpr MovieKind kinds[] = {
     {".gif", "gif", "gif", nullptr},        {".webp", "webp", "libwebp_anim", nullptr},
 };
 
-/// No loss that one sees, at the encoders' usual effort.
-av::Options usualOptions(std::string_view encoder) {
-    if (encoder == "libx264") return {{"preset", "medium"}, {"crf", "18"}};
-    if (encoder == "libx265")
-        return {{"preset", "medium"}, {"crf", "20"}, {"x265-params", "log-level=error"}};
-    if (encoder == "libvpx-vp9")
-        return {{"b", "0"}, {"crf", "24"}, {"deadline", "good"}, {"cpu-used", "4"}, {"row-mt", "1"}};
-    if (encoder == "libwebp_anim") return {{"quality", "80"}};
-    if (encoder == "libsvtav1") return {{"crf", "28"}, {"preset", "8"}};
-    return {};
-}
-
 /// The encoder that was asked for, or the kind's own.
 const AVCodec& encoderFor(const std::string& asked, const char* own, AVMediaType type, const char* option) {
     const AVCodec* const codec = avcodec_find_encoder_by_name(asked.empty() ? own : asked.c_str());
@@ -70,6 +58,9 @@ AVPixelFormat pixelsFor(const AVCodec& encoder) {
     std::erase_if(formats, [](AVPixelFormat format) {
         return (av_pix_fmt_desc_get(format)->flags & AV_PIX_FMT_FLAG_HWACCEL) != 0;
     });
+    if (formats.empty())
+        throw UsageError(std::string("--encoder: ") + encoder.name +
+                         " takes pictures from a graphics card's memory only, where none are drawn");
     formats.push_back(AV_PIX_FMT_NONE);
     int loss = 0;
     return avcodec_find_best_pix_fmt_of_list(formats.data(), AV_PIX_FMT_YUV420P, 0, &loss);
@@ -207,6 +198,17 @@ class MovieWriter final : public Writer {
 };
 
 }  // namespace
+
+av::Options usualOptions(std::string_view encoder) {
+    if (encoder == "libx264") return {{"preset", "medium"}, {"crf", "18"}};
+    if (encoder == "libx265")
+        return {{"preset", "medium"}, {"crf", "20"}, {"x265-params", "log-level=error"}};
+    if (encoder == "libvpx-vp9")
+        return {{"b", "0"}, {"crf", "24"}, {"deadline", "good"}, {"cpu-used", "4"}, {"row-mt", "1"}};
+    if (encoder == "libwebp_anim") return {{"quality", "80"}};
+    if (encoder == "libsvtav1") return {{"crf", "28"}, {"preset", "8"}};
+    return {};
+}
 
 const MovieKind* movieKind(std::string_view ending) {
     const auto* const kind = std::ranges::find(kinds, ending, &MovieKind::ending);

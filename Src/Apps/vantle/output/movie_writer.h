@@ -21,6 +21,9 @@ struct MovieKind {
 /// The kind of video with this ending (as ".mp4"), or null.
 const MovieKind* movieKind(std::string_view ending);
 
+/// The options of a video's encoder: no loss that one sees, at the encoder's usual effort.
+av::Options usualOptions(std::string_view encoder);
+
 /// True when pictures for these encoders must have an even width and height. Throws UsageError when the kind
 /// of file does not hold what the encoders make, or FFmpeg does not have them.
 bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
