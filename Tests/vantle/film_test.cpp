@@ -3,10 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <thread>
 #include <utility>
 
 #include "command.h"
+#include "timeline/input.h"
 
 namespace tests {
 
@@ -307,6 +310,18 @@ TEST_F(Films, TakeNoMoreMemoryForMoreInputsOrLongerOnes) {
     for (const auto& [time, loud] :
          {std::pair{4.9, true}, {5.02, false}, {300.0, false}, {544.9, false}, {545.1, true}})
         EXPECT_EQ(level(heard, time) > 0.2, loud) << time;
+}
+
+// Many inputs are opened side by side.
+TEST_F(Films, OpenTheirInputsWithOneThreadEach) {
+    countingClip("clip.mp4", 20, 128);
+    const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
+    const auto before = threads();
+    vantle::Input input((folder_ / "clip.mp4").string());
+    EXPECT_EQ(input.frames({25, 1}), 20);
+    EXPECT_EQ(threads(), before);
+    input.start(0, {25, 1}, false);  // to be shown, with as many as there are cores
+    EXPECT_EQ(threads() > before, std::thread::hardware_concurrency() > 1);
 }
 
 }  // namespace tests

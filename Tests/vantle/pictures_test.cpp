@@ -67,6 +67,17 @@ TEST_F(PicturesAsMeant, StandUprightAsTheirCameraWasHeld) {
 TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
     ffmpeg(std::string(quarters) + "-vf setsar=2 -t 0.4 -c:v libx264 -crf 4 -pix_fmt yuv420p oblong.mkv");
     EXPECT_TRUE(shown("oblong.mkv").starts_with("128,32 R"));
+    // What only the container says counts too, and before what the pictures themselves say.
+    ffmpeg("-i oblong.mkv -c copy -aspect 8:1 wider.mp4");
+    EXPECT_TRUE(shown("wider.mp4").starts_with("256,32 R"));
+    ffmpeg(std::string(quarters) + "-t 0.4 -c:v libx264 -pix_fmt yuv420p square.mp4");
+    ffmpeg("-i square.mp4 -c copy -aspect 4:1 wide.mp4");
+    EXPECT_TRUE(shown("wide.mp4").starts_with("128,32 R"));
+    EXPECT_NE(vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("128x32"),
+              std::string::npos);
+    EXPECT_NE(
+        vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("Note: nothing is copied"),
+        std::string::npos);
     ffmpeg("-f lavfi -i color=white@0.5:s=64x32,format=rgba -frames:v 1 glass.png");
     render("glass.png lavfi:testsrc2=s=64x32 -t 0 --at 0 -o seen.png");
     EXPECT_NEAR(rgb("seen.png").at(0), 128, 2);

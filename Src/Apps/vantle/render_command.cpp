@@ -101,6 +101,7 @@ Size canvasSize(const RenderOptions& options, const Input& from, bool even) {
 /// What the inputs lose on the way, in a line for each.
 void noteLosses(std::span<const std::unique_ptr<Input>> inputs, std::vector<std::string>& notes) {
     for (const std::unique_ptr<Input>& input : inputs) {
+        if (!input->leftOut().empty()) notes.push_back(input->name() + ": " + input->leftOut());
         const AVFrame& first = input->first();
         const AVPixFmtDescriptor* const pixels =
             av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first.format));

@@ -113,7 +113,7 @@ void number(const Input& input, CodedPictures& coded) {
             static_cast<double>(times[i] - first) * av_q2d(coded.timeBase) * av_q2d(coded.rate);
         const auto nearest = std::llround(place);
         const bool onGrid = std::abs(place - static_cast<double>(nearest)) <= 0.3 &&
-                            input.gridNumber(times[i], coded.rate) - input.gridStart(coded.rate) == nearest;
+                            input.gridNumber(times[i], coded.rate) == nearest;
         if (!onGrid || nearest >= std::ssize(times) || seen[static_cast<std::size_t>(nearest)])
             refuse(input,
                    "its pictures do not follow each other at the film's even pace; with another input first, "
