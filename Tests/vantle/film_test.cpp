@@ -3,9 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <thread>
+#include <utility>
 
 #include "command.h"
+#include "timeline/input.h"
 
 namespace tests {
 
@@ -270,11 +274,25 @@ TEST_F(Films, MixSoundAndMusicAsAsked) {
     const auto ducked = levels(film + " --music music.wav --music-duck");
     EXPECT_NEAR(level(ducked, 1), full, 0.03);
     EXPECT_NEAR(level(ducked, 3.5), full * 1.25, 0.05);
+    EXPECT_NEAR(level(ducked, 1.75), full * 0.625, 0.05);  // half way down, and up again
+    EXPECT_NEAR(level(ducked, 5.25), full * 0.625, 0.05);
+    ffmpeg("-f lavfi -i \"aevalsrc='0.2*t*sin(6283*t)'\" -t 4 rising.wav");
+    EXPECT_NEAR(level(levels(film + " --mute --music rising.wav --frames 50-74"), 0.5), 0.34, 0.03);
     EXPECT_LT(level(levels(film + " --mute --music music.wav --music-volume 0.1"), 4), full / 8);
     EXPECT_EQ(level(levels("loud.mp4 mute=yes +cut loud.mp4"), 1), 0.0);
     // Sound that is in the film's form already, its times in those of the container.
     ffmpeg("-i loud.mp4 -c copy loud.mkv");
     EXPECT_NEAR(level(levels("loud.mkv +cut loud.mkv"), 2.9), full, 0.05);
+
+    // Beside a clip that is copied, sound is read on its own: it stays in its place after a long pause.
+    ffmpeg(
+        "-f lavfi -i color=s=16x16:r=25:d=16 -f lavfi -i "
+        "\"sine=f=400:d=16,volume=4,aselect='lt(t,2)+gt(t,14)'\" "
+        "-c:v libx264 -c:a aac pause.ts");
+    render("loud.mp4 pause.ts -t 0 --duration 0.4 -f -o film.mp4");
+    const auto paused = sound("film.mp4", "-ar 8000");
+    for (const auto& [time, loud] : {std::pair{4.5, 1.0}, {4.8, 0.0}, {16.5, 0.0}, {17, 1.0}})
+        EXPECT_NEAR(level(paused, time), loud * full, 0.06) << time;
 
     ffmpeg("-i mute.mp4 -f lavfi -i anullsrc=cl=5.1:d=3 -c:v copy -c:a ac3 around.mkv");
     const auto channels = [&](const std::string& arguments) {
@@ -312,21 +330,47 @@ TEST_F(Films, AreWrittenByOtherEncodersAndIntoPipes) {
     EXPECT_EQ(files(), (std::set<std::string>{"a.mkv", "a.mov", "a.mp4", "joins.png"}));
 }
 
-TEST_F(Films, TakeNoMoreMemoryForMoreInputs) {
+TEST_F(Films, TakeNoMoreMemoryForMoreInputsOrLongerOnes) {
     ffmpeg("-f lavfi -i testsrc2=s=640x360:r=25:d=0.6 -f lavfi -i sine=d=0.6 -c:v libx264 -c:a aac clip.mp4");
-    const auto peak = [&](int clips) {
+    const auto peak = [&](const std::string& arguments) {
         const std::string text =
             shell(
                 in("python3 -c \"import resource, subprocess, sys; subprocess.run(sys.argv[1:], check=True); "
                    "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)\" " VANTLE
                    " render -q -f " +
-                   times(clips, "clip.mp4") +
-                   "-t random --seed 3 --duration 0.2 -o film.mkv --encoder-option preset=ultrafast"))
+                   arguments))
                 .text();
         return std::stod(text);
     };
-    const double few = peak(4);
-    EXPECT_LT(peak(60), 1.3 * few);
+    const std::string joined =
+        "-t random --seed 3 --duration 0.2 -o film.mkv --encoder-option preset=ultrafast";
+    const double few = peak(times(4, "clip.mp4") + joined);
+    EXPECT_LT(peak(times(60, "clip.mp4") + joined), 1.3 * few);
+    // Nine minutes without sound, in which 190 MB of pictures lie: neither waits in memory.
+    ffmpeg(
+        "-f lavfi -i color=gray:s=640x360:r=1:d=550 -f lavfi -i \"sine=f=400:r=48000:d=550,volume=4,"
+        "aselect='lt(t,5)+gt(t,545)'\" -pix_fmt yuv420p -c:v rawvideo -c:a pcm_s16le gap.mkv");
+    EXPECT_LT(peak("gap.mkv lavfi:color=gray:s=64x36:r=1 -t 0 --duration 1f --hold 0 --size 64x36 -o "
+                   "film.mkv --encoder "
+                   "mpeg4 --sound-encoder pcm_s16le"),
+              1.3 * few);
+    const auto heard = sound("film.mkv", "-ar 8000");
+    EXPECT_EQ(std::ssize(heard), 550 * 8000);
+    for (const auto& [time, loud] :
+         {std::pair{4.9, true}, {5.02, false}, {300.0, false}, {544.9, false}, {545.1, true}})
+        EXPECT_EQ(level(heard, time) > 0.2, loud) << time;
+}
+
+// Many inputs are opened side by side.
+TEST_F(Films, OpenTheirInputsWithOneThreadEach) {
+    countingClip("clip.mp4", 20, 128);
+    const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
+    const auto before = threads();
+    vantle::Input input((folder_ / "clip.mp4").string());
+    EXPECT_EQ(input.frames({25, 1}), 20);
+    EXPECT_EQ(threads(), before);
+    input.start(0, {25, 1}, false);  // to be shown, with as many as there are cores
+    EXPECT_EQ(threads() > before, std::thread::hardware_concurrency() > 1);
 }
 
 }  // namespace tests

@@ -1,6 +1,7 @@
 // What files say of their own pictures: turned, mirrored, of oblong pixels, transparent, of other colours.
 #include <array>
 #include <fstream>
+#include <utility>
 
 #include "command.h"
 
@@ -66,6 +67,17 @@ TEST_F(PicturesAsMeant, StandUprightAsTheirCameraWasHeld) {
 TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
     ffmpeg(std::string(quarters) + "-vf setsar=2 -t 0.4 -c:v libx264 -crf 4 -pix_fmt yuv420p oblong.mkv");
     EXPECT_TRUE(shown("oblong.mkv").starts_with("128,32 R"));
+    // What only the container says counts too, and before what the pictures themselves say.
+    ffmpeg("-i oblong.mkv -c copy -aspect 8:1 wider.mp4");
+    EXPECT_TRUE(shown("wider.mp4").starts_with("256,32 R"));
+    ffmpeg(std::string(quarters) + "-t 0.4 -c:v libx264 -pix_fmt yuv420p square.mp4");
+    ffmpeg("-i square.mp4 -c copy -aspect 4:1 wide.mp4");
+    EXPECT_TRUE(shown("wide.mp4").starts_with("128,32 R"));
+    EXPECT_NE(vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("128x32"),
+              std::string::npos);
+    EXPECT_NE(
+        vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("Note: nothing is copied"),
+        std::string::npos);
     ffmpeg("-f lavfi -i color=white@0.5:s=64x32,format=rgba -frames:v 1 glass.png");
     render("glass.png lavfi:testsrc2=s=64x32 -t 0 --at 0 -o seen.png");
     EXPECT_NEAR(rgb("seen.png").at(0), 128, 2);
@@ -91,6 +103,33 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
                 EXPECT_NEAR(b, 0x28, 3) << matrix << range << output;
             }
         }
+    // What a file does not say is meant by its height.
+    for (const auto& [size, matrix] : {std::pair{"16x720", "bt709"}, {"16x718", "bt601"}}) {
+        ffmpeg(std::string("-f lavfi -i color=c=0xA05028:s=") + size +
+               ",format=gbrp -vf scale=out_color_matrix=" + matrix +
+               ",format=yuv444p,setparams=colorspace=unknown -t 0.4 -c:v ffv1 coded.mkv");
+        EXPECT_NEAR(firstPixel("coded.mkv", "out_%d.png")[1], 0x50, 3) << size;
+    }
+    // From one range to the other and back, in joins and between them.
+    std::string film;
+    for (const std::string range : {"pc", "tv"}) {
+        ffmpeg(
+            "-f lavfi -i color=c=0xA05028:s=64x32,format=gbrp -vf scale=out_color_matrix=bt709:out_range=" +
+            range + ",format=yuv420p -colorspace bt709 -color_range " + range + " -t 0.24 -c:v ffv1 " +
+            range + ".mkv");
+        film += range + ".mkv ";
+    }
+    render(film + film + "-t 0 --duration 2f -f -o out.mkv --encoder ffv1");
+    const Bytes pixels = rgb("out.mkv");
+    for (std::size_t i = 0; i < pixels.size(); i += std::size_t{3} * 64 * 32)
+        EXPECT_NEAR(pixels[i + 1], 0x50, 3) << i;
+    // HDR is mapped, and says so no more.
+    ffmpeg(
+        "-f lavfi -i color=gray:s=64x32,format=yuv420p10le -t 0.4 -color_trc arib-std-b67 -color_primaries "
+        "bt2020 "
+        "-colorspace bt2020nc -c:v ffv1 hdr.mkv");
+    render("hdr.mkv hdr.mkv -t 0 --duration 2f -o mapped.mp4");
+    EXPECT_EQ(probe("mapped.mp4", "stream=color_space,color_transfer,color_primaries"), "bt709,bt709,bt709");
 }
 
 // A video's chroma comes back from a transition as it went in; of a picture to look at it is interpolated.

@@ -1,5 +1,8 @@
 // What `vantle render` makes of real inputs.
+#include <algorithm>
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 #include "command.h"
 
@@ -178,6 +181,14 @@ TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {
     EXPECT_GT(joined.luma(62, 4, 24), 100);
     const Bytes sound = shell(in("ffmpeg -v error -i joined.mp4 -f s16le -ac 1 -ar 8000 -")).output;
     for (const double time : {0.5, 1.5, 2.5}) EXPECT_GT(loudness(sound, time), 0.1) << time;
+    // Times that go back by two pictures are no new start.
+    ffmpeg(
+        "-f lavfi -i color=gray:s=64x48:r=25:d=1 -c:v libx264 -bf 0 one.ts -c:v libx264 -bf 0 "
+        "-output_ts_offset 0.92 "
+        "two.ts");
+    shell(in("cat one.ts two.ts > back.ts"));
+    EXPECT_NE(vantle("render back.ts back.ts -t 0 --duration 5f --plan").text().find("\n91 frames"),
+              std::string::npos);
 }
 
 TEST_F(Render, CountsPicturesAndGoesToThemInAnyContainer) {
@@ -217,14 +228,117 @@ TEST_F(Render, PlaysOnPastADamagedPacketButNotPastMany) {
                "seek=$((at)) conv=notrunc status=none; done"));
         return vantle("render bad.mp4 lavfi:testsrc2=s=64x320 -t 0 --duration 0.2 --hold 0 -f -o joined.mkv");
     };
-    const Outcome one = damaged("20p");
-    EXPECT_EQ(one.status, 0) << one.text();
-    EXPECT_NE(one.text().find("vantle: bad.mp4: passed over 1 damaged packet\n"), std::string::npos)
-        << one.text();
+    const Outcome few = damaged("20p;30p;40p");
+    EXPECT_EQ(few.status, 0) << few.text();
+    EXPECT_NE(few.text().find("vantle: bad.mp4: passed over 3 damaged packets\n"), std::string::npos)
+        << few.text();
     EXPECT_EQ(probe("joined.mkv", "stream=nb_read_frames"), "50");
     const Outcome many = damaged("20,29p");
     EXPECT_EQ(many.status, 1);
     EXPECT_NE(many.text().find("packets are damaged\n"), std::string::npos) << many.text();
+}
+
+TEST_F(Render, ShowsEveryPictureOnceWhateverTheTimesOfItsFile) {
+    // Matroska's times are whole milliseconds, and the first one is what the sound's encoder makes it.
+    for (const std::string rate : {"24", "24000/1001", "30", "60"}) {
+        ffmpeg("-f lavfi -i \"color=s=64x16:r=" + rate +
+               ",format=yuv420p,geq=lum='40+8*N':cb=128:cr=128\" -frames:v 20 -c:v ffv1 clip.nut");
+        std::string copies;
+        std::string film;
+        for (const std::string first : {"0", "7", "17", "21", "33"}) {
+            copies += " -c copy -output_ts_offset " + first + "ms " + first + ".mkv";
+            film += (film.empty() ? "" : "+cut ") + first + ".mkv ";
+        }
+        ffmpeg("-i clip.nut" + copies);
+        render(film + "-f -o film.mkv --encoder-option crf=4");
+        const Pictures pictures = decode("film.mkv", 64, 16);
+        ASSERT_EQ(pictures.count, 100U) << rate;
+        for (std::size_t i = 0; i < 100; ++i)
+            EXPECT_NEAR(pictures.luma(i, 32, 8), 40.0 + 8.0 * static_cast<double>(i % 20), 2)
+                << rate << ", " << i;
+    }
+    // The last packet says that it shows for a 24th of a frame.
+    ffmpeg(
+        "-f lavfi -i \"color=s=64x16:r=25,format=yuv420p,geq=lum='40+3*N':cb=128:cr=128\" -frames:v 50 -c:v "
+        "libx264 -crf 4 -g 25 -video_track_timescale 600 short.mp4");
+    for (const std::string options : {" --copy never", " --copy always"}) {
+        render("short.mp4 short.mp4 -t 0 --duration 5f -f -o film.mp4" + options);
+        const Pictures pictures = decode("film.mp4", 64, 16);
+        ASSERT_EQ(pictures.count, 95U) << options;
+        EXPECT_NEAR(pictures.luma(94, 32, 8), number(49), 1.5) << options;
+    }
+    render("short.mp4 +cut short.mp4 --fps 50 -f -o film.mp4");
+    EXPECT_EQ(probe("film.mp4", "stream=nb_read_frames"), "200");
+    // A camera's clock is a little off.
+    ffmpeg("-f lavfi -i color=s=64x16:r=90000/3001:d=1 -c:v libx264 -video_track_timescale 90000 camera.mp4");
+    EXPECT_NE(vantle("render camera.mp4 camera.mp4 -t 0 --plan").text().find(", 30 frames per second"),
+              std::string::npos);
+}
+
+TEST_F(Render, TakesFilesForTruncatedOnlyByTheirOwnIndex) {
+    ffmpeg("-f lavfi -i color=s=64x48:r=25:d=9 -f lavfi -i sine=d=9 -c:v libx264 -g 25 -c:a aac clip.mp4");
+    ffmpeg(
+        "-i clip.mp4 -c copy -movflags +faststart front.mp4 -c copy clip.mkv -c copy clip.flv -c copy "
+        "-output_ts_offset 5 late.mp4 -c copy -output_ts_offset 5 late.mkv -c copy -output_ts_offset 5 "
+        "late.asf -c copy -movflags "
+        "+frag_keyframe+empty_moov live.mp4");
+    const auto changed = [&](const std::string& from, const std::string& to, const Bytes& after,
+                             const Bytes& wrong) {
+        Bytes file = contents(from);
+        const auto at = std::search(file.begin(), file.end(), after.begin(), after.end());
+        ASSERT_NE(at, file.end());
+        std::ranges::copy(wrong, at + std::ssize(after));
+        std::ofstream(folder_ / to, std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    };
+    // Lengths that are not true: of 2600 seconds, in a file of fragments, and of 100 seconds.
+    changed("live.mp4", "wrong.mp4", {'m', 'd', 'h', 'd'},
+            {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x32, 0, 2, 0, 0, 0});
+    changed("clip.mkv", "wrong.mkv", {0x44, 0x89, 0x88}, {0x40, 0xF8, 0x6A, 0, 0, 0, 0, 0});
+    for (const std::string name : {"front.mp4", "clip.mkv", "clip.flv"})
+        shell(in("head -c $(($(stat -c %s " + name + ") * 4 / 10)) " + name + " > cut_" + name));
+    for (const auto& [name, says, status] :
+         {std::tuple{"late.mp4", "", 0},
+          {"late.mkv", "", 0},
+          {"late.asf", "", 0},
+          {"wrong.mp4", "", 0},
+          {"wrong.mkv", "", 0},
+          {"cut_front.mp4", " of 9.00 seconds: the file is truncated or damaged", 1},
+          {"cut_clip.mkv", " of 9.02 seconds: the file is truncated or damaged", 1},
+          {"cut_clip.flv", "cut_clip.flv: ends after ", 0}}) {
+        const Outcome outcome = vantle(std::string("render ") + name +
+                                       " lavfi:color=s=64x48 -t 0 --duration 5f --hold 0 -f -o film.mkv");
+        EXPECT_EQ(outcome.status, status) << name << outcome.text();
+        EXPECT_NE(outcome.text().find(says), std::string::npos) << name << outcome.text();
+        if (*says == 0) {
+            EXPECT_EQ(probe("film.mkv", "stream=nb_read_frames -select_streams v"), "225") << name;
+            EXPECT_EQ(outcome.text().find("ends after"), std::string::npos) << name << outcome.text();
+        }
+    }
+}
+
+TEST_F(Render, SaysWhatCannotBeDecodedAndLeavesOutSoundOfThatKind) {
+    ffmpeg("-f lavfi -i color=s=64x48:r=25:d=1 -f lavfi -i sine=d=1 -c:v libx264 -c:a pcm_s16le clip.mov");
+    shell(in("sed s/sowt/nvr1/ clip.mov > sound.mov; sed s/avc1/nvr2/g clip.mov > pictures.mov"));
+    ffmpeg("-f lavfi -i sine=d=1 -c:a pcm_s16le tone.mov");
+    shell(in("sed s/sowt/nvr1/ tone.mov > tone_nvr1.mov"));
+    ffmpeg(
+        "-i clip.mov -c:v copy -c:a aac -encryption_scheme cenc-aes-ctr -encryption_key "
+        "00112233445566778899aabbccddeeff -encryption_kid 00112233445566778899aabbccddeeff secret.mp4");
+    const Outcome silent = vantle("render sound.mov clip.mov -t 0 --duration 5f --copy never -f -o film.mp4");
+    EXPECT_EQ(silent.status, 0) << silent.text();
+    EXPECT_NE(silent.text().find("sound.mov: FFmpeg has no decoder for its sound (nvr1); it is left out\n"),
+              std::string::npos)
+        << silent.text();
+    EXPECT_EQ(probe("film.mp4", "stream=codec_name,nb_read_frames"), "h264,45\naac,78");
+    for (const auto& [operands, says] :
+         {std::pair{"pictures.mov clip.mov", "pictures.mov: FFmpeg has no decoder for its pictures (nvr2)\n"},
+          {"secret.mp4 clip.mov", "secret.mp4: is encrypted\n"},
+          {"clip.mov clip.mov --music tone_nvr1.mov",
+           "tone_nvr1.mov: FFmpeg has no decoder for its sound (nvr1)\n"}})
+        EXPECT_EQ(vantle(std::string("render -q ") + operands + " -t 0 --duration 5f -f -o none.mp4").text(),
+                  std::string("vantle: ") + says);
+    EXPECT_FALSE(files().contains("none.mp4"));
 }
 
 TEST_F(Render, LetsTheUserControlTheRateOfAVideo) {

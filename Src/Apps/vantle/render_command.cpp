@@ -121,6 +121,7 @@ std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>&
             const std::string note = input.name() + ": " + what;
             if (std::ranges::find(notes, note) == notes.end()) notes.push_back(note);
         };
+        if (!input.leftOut().empty()) tell(input.leftOut());
         const int bits = bitsOf(input.first().format);
         if (isHdr(input.first()))
             tell("its HDR colours are mapped to ordinary ones of 8 bits");

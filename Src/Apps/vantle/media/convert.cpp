@@ -1,8 +1,11 @@
 #include "media/convert.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <utility>
 
 extern "C" {
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -17,7 +20,10 @@ bool sameLayout(const PixelView& a, const PixelView& b) {
 
 const int* coefficients(AVColorSpace space) { return sws_getCoefficients(space); }
 
-int isFullRange(const PixelView& view) { return view.range == AVCOL_RANGE_JPEG ? 1 : 0; }
+int isFullRange(const PixelView& view) {
+    const bool isRgb = (av_pix_fmt_desc_get(view.format)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    return view.range == AVCOL_RANGE_JPEG && !isRgb ? 1 : 0;
+}
 
 }  // namespace
 
@@ -56,8 +62,20 @@ void Converter::convert(const PixelView& from, const PixelView& to) {
     if (!scaler_ || !sameLayout(from, lastFrom_) || !sameLayout(to, lastTo_)) {
         const int flags =
             filter_ | (smoothChroma_ ? SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_ACCURATE_RND : 0);
-        scaler_.reset(sws_getContext(from.width, from.height, from.format, to.width, to.height, to.format,
-                                     flags, nullptr, nullptr, nullptr));
+        scaler_.reset(av::check(sws_alloc_context(), "scaler"));
+        // The ranges are told before it chooses its way: between equal formats it would else only copy.
+        for (const auto& [option, value] :
+             std::initializer_list<std::pair<const char*, int>>{{"srcw", from.width},
+                                                                {"srch", from.height},
+                                                                {"src_format", from.format},
+                                                                {"src_range", isFullRange(from)},
+                                                                {"dstw", to.width},
+                                                                {"dsth", to.height},
+                                                                {"dst_format", to.format},
+                                                                {"dst_range", isFullRange(to)},
+                                                                {"sws_flags", flags}})
+            av_opt_set_int(scaler_.get(), option, value, 0);
+        if (sws_init_context(scaler_.get(), nullptr, nullptr) < 0) scaler_.reset();
         if (!scaler_)
             throw Error(std::string("cannot convert pixels from ") + av_get_pix_fmt_name(from.format) +
                         " to " + av_get_pix_fmt_name(to.format));

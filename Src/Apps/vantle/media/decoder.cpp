@@ -18,15 +18,15 @@ bool isPicture(const AVFormatContext& container) {
 
 }  // namespace
 
-Decoder::Decoder(const AVStream& stream, const std::string& name, bool strict)
-    : name_(name), strict_(strict) {
+Decoder::Decoder(const AVStream& stream, std::string name, bool strict, int threads)
+    : name_(std::move(name)), strict_(strict) {
     const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* const decoder = avcodec_find_decoder(parameters.codec_id);
     if (decoder == nullptr) throw Error(name_ + ": no decoder for " + avcodec_get_name(parameters.codec_id));
     codec_.reset(av::check(avcodec_alloc_context3(decoder), name_));
     av::check(avcodec_parameters_to_context(codec_.get(), &parameters), name_);
     codec_->pkt_timebase = stream.time_base;
-    codec_->thread_count = 0;
+    codec_->thread_count = threads;
     if (strict_) codec_->err_recognition |= AV_EF_EXPLODE;
     av::check(avcodec_open2(codec_.get(), decoder, nullptr), name_);
 }
@@ -62,10 +62,10 @@ void Decoder::flush() {
     ended_ = false;
 }
 
-StreamReader::StreamReader(Demuxer& input, int stream)
+StreamReader::StreamReader(Demuxer& input, int stream, int threads)
     : input_(input),
       stream_(stream),
-      decoder_(input.stream(stream), input.name(), isPicture(input.container())) {
+      decoder_(input.stream(stream), input.name(), isPicture(input.container()), threads) {
     input_.use(stream_);
 }
 
@@ -81,6 +81,8 @@ av::Frame StreamReader::next() {
         if (decoder_.ended()) break;
         const av::Packet packet = input_.read(stream_);
         if (packet) {
+            if (av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr) != nullptr)
+                throw Error(input_.name() + ": is encrypted");
             ++health.packets;
             flagged_ += (packet->flags & AV_PKT_FLAG_CORRUPT) != 0 ? 1 : 0;
         }

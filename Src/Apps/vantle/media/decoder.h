@@ -13,8 +13,9 @@ namespace vantle {
 class Decoder {
    public:
     /// For packets of this stream, called `name` in errors; a `strict` one lets no damage pass, as in a still
-    /// it would be all there is. Throws Error when FFmpeg has no decoder for it.
-    Decoder(const AVStream& stream, const std::string& name, bool strict);
+    /// it would be all there is. Of `threads` 0 means as many as there are cores. Throws Error when FFmpeg
+    /// has no decoder for it.
+    Decoder(const AVStream& stream, std::string name, bool strict, int threads);
 
     /// Takes a packet, null for the end.
     void send(const AVPacket* packet);
@@ -45,14 +46,15 @@ class Decoder {
 /// The decoded frames of one stream of an input.
 class StreamReader {
    public:
-    /// Reads `stream` of `input`, which must outlive it. Throws Error when FFmpeg has no decoder for it.
-    StreamReader(Demuxer& input, int stream);
+    /// Reads `stream` of `input`, which must outlive it, with so many threads (0: as many as there are
+    /// cores). Throws Error when FFmpeg has no decoder for it.
+    StreamReader(Demuxer& input, int stream, int threads = 0);
     StreamReader(const StreamReader&) = delete;
     StreamReader& operator=(const StreamReader&) = delete;
     ~StreamReader() { input_.drop(stream_); }
 
-    /// The next frame, or null at the end. Throws Error when more than a tenth of the input's packets are
-    /// damaged.
+    /// The next frame, or null at the end. Throws Error when they are encrypted, or more than a tenth of the
+    /// input's packets are damaged.
     av::Frame next();
 
     /// To be called when the input has gone elsewhere.

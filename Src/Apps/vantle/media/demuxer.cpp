@@ -6,8 +6,11 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -41,11 +44,51 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
     context->interrupt_callback.callback = [](void*) { return interrupted() ? 1 : 0; };
     const int code = avformat_open_input(&context, url.c_str(),
                                          isGenerated ? av_find_input_format("lavfi") : nullptr, nullptr);
+    av::Input input(context);  // null by now when it failed to open
     throwIfInterrupted();
-    av::check(code, name);  // a context that fails to open is freed
-    av::Input input(context);
+    av::check(code, name);
     av::check(avformat_find_stream_info(input.get(), nullptr), name);
     return input;
+}
+
+/// What a packet that waits takes of memory.
+std::size_t sizeOf(const AVPacket& packet) { return sizeof packet + static_cast<std::size_t>(packet.size); }
+
+/// A number of Matroska's, whose first byte says of how many bytes it is; none for "unknown".
+std::optional<std::int64_t> matroskaNumber(std::istream& file) {
+    const auto first = static_cast<std::uint8_t>(file.get());
+    const int bytes = std::countl_zero(first) + 1;
+    const int ones = 0xFF >> bytes;  // what is left of it
+    std::int64_t value = first & ones;
+    bool known = value != ones;
+    for (int i = 1; i < bytes; ++i) {
+        const int byte = file.get();
+        value = value << 8 | (byte & 0xFF);
+        known = known || byte != 0xFF;
+    }
+    return known && bytes <= 8 && file ? std::optional(value) : std::nullopt;
+}
+
+/// Where a file of Matroska's, or of RIFF's (.avi, .wav), ends by the size in its head.
+std::optional<std::int64_t> statedEnd(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    std::array<char, 4> id{};
+    const auto isNext = [&](std::string_view wanted) {
+        file.read(id.data(), id.size());
+        return file && std::string_view(id.data(), id.size()) == wanted;
+    };
+    if (isNext("RIFF")) {
+        std::int64_t size = 0;
+        for (int i = 0; i < 4; ++i) size |= std::int64_t{file.get() & 0xFF} << 8 * i;
+        const bool known = size > 0 && size < 0xFFFFFFFF;  // not written as a stream
+        return known ? std::optional(size + 8) : std::nullopt;
+    }
+    file.seekg(0);
+    if (!isNext("\x1A\x45\xDF\xA3")) return {};
+    if (const std::optional<std::int64_t> head = matroskaNumber(file)) file.seekg(*head, std::ios::cur);
+    if (!isNext("\x18\x53\x80\x67")) return {};
+    const std::optional<std::int64_t> size = matroskaNumber(file);
+    return size ? std::optional(*size + file.tellg()) : std::nullopt;
 }
 
 }  // namespace
@@ -53,8 +96,32 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
 Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name, *opened_)) {}
 
 std::optional<int> Demuxer::best(AVMediaType type) const {
-    const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
+    const AVCodec* decoder = nullptr;  // asked for, it must be there
+    const int stream = av_find_best_stream(input_.get(), type, -1, -1, &decoder, 0);
     return stream >= 0 ? std::optional(stream) : std::nullopt;
+}
+
+bool Demuxer::holds(AVMediaType type) const {
+    return av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0) >= 0;
+}
+
+std::string Demuxer::whyNone(AVMediaType type) const {
+    const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
+    const bool pictures = type == AVMEDIA_TYPE_VIDEO;
+    if (stream < 0) return pictures ? "holds no picture" : "holds no sound";
+    const AVCodecParameters& form = *this->stream(stream).codecpar;
+    std::array<char, AV_FOURCC_MAX_STRING_SIZE> tag{};
+    av_fourcc_make_string(tag.data(), form.codec_tag);
+    return std::string("FFmpeg has no decoder for its ") + (pictures ? "pictures" : "sound") + " (" +
+           (form.codec_id != AV_CODEC_ID_NONE ? avcodec_get_name(form.codec_id) + std::string(", ") : "") +
+           tag.data() + ")";
+}
+
+void Demuxer::drop(int stream) {
+    if (const auto queue = queues_.find(stream); queue != queues_.end())
+        while (!queue->second.empty()) taken(queue->second);
+    queues_.erase(stream);
+    apart_.erase(stream);
 }
 
 void Demuxer::useAlone(int stream) {
@@ -69,10 +136,37 @@ void Demuxer::passOverOthers() {
 }
 
 av::Packet Demuxer::read(int stream) {
+    // Of other streams, while this one has none for long.
+    constexpr std::size_t mostWaiting = std::size_t{16} << 20;
     std::deque<av::Packet>& queue = queues_.at(stream);
-    while (queue.empty())
+    while (queue.empty()) {
+        if (apart_.contains(stream) || (waiting_ > mostWaiting && readApart(stream)))
+            return apart_.at(stream)->read(stream);
         if (!readOne()) return nullptr;
+    }
     return taken(queue);
+}
+
+bool Demuxer::readApart(int stream) {
+    if (jumped() || (input_->iformat->flags & (AVFMT_NOFILE | AVFMT_NOTIMESTAMPS)) != 0) return false;
+    // On from the last packet that was read here. All others are read there too, as times jump for all at
+    // once.
+    const auto last = times_.find(stream);
+    const std::int64_t from = last != times_.end() ? last->second.decoded : begin_;
+    const std::int64_t start = input_->start_time != AV_NOPTS_VALUE ? input_->start_time : 0;
+    auto apart = std::make_unique<Demuxer>(name_);
+    apart->use(stream);
+    const AVRational timeBase = this->stream(stream).time_base;
+    if (!apart->seek(stream, av_rescale_q(av_sat_add64(from, start), microseconds, timeBase)))
+        apart->reopen();
+    while (av::Packet packet = last != times_.end() ? apart->read(stream) : nullptr) {
+        if (apart->times_.at(stream).decoded <= from) continue;
+        apart->waiting_ += sizeOf(*packet);
+        apart->queues_.at(stream).push_front(std::move(packet));
+        break;
+    }
+    apart_.emplace(stream, std::move(apart));
+    return true;
 }
 
 av::Packet Demuxer::read() {
@@ -86,6 +180,7 @@ av::Packet Demuxer::read() {
 av::Packet Demuxer::taken(std::deque<av::Packet>& queue) {
     av::Packet packet = std::move(queue.front());
     queue.pop_front();
+    waiting_ -= sizeOf(*packet);
     return packet;
 }
 
@@ -102,7 +197,10 @@ bool Demuxer::readOne() {
         } else if (code >= 0) {
             bridgeJump(*packet);
             const auto queue = queues_.find(packet->stream_index);
-            if (queue != queues_.end()) queue->second.push_back(std::move(packet));
+            if (queue != queues_.end() && !apart_.contains(queue->first)) {
+                waiting_ += sizeOf(*packet);
+                queue->second.push_back(std::move(packet));
+            }
             return true;
         } else if (code == AVERROR_INVALIDDATA || code == AVERROR(EAGAIN)) {
             ++health_.damaged;
@@ -132,8 +230,11 @@ void Demuxer::reopen() {
 
 void Demuxer::forget() {
     for (auto& [stream, queue] : queues_) queue.clear();
+    waiting_ = 0;
+    apart_.clear();
     ended_ = false;
     times_.clear();
+    begin_ = std::numeric_limits<std::int64_t>::max();
     shift_ = end_ = othersEnd_ = 0;
 }
 
@@ -188,6 +289,7 @@ void Demuxer::bridgeJump(AVPacket& packet) {
     }
     own.decoded = sum(readDecoded, own.shift);
 
+    begin_ = std::min(begin_, own.decoded);
     end_ = std::max(end_, sum(sum(read, own.shift), length));
     const std::int64_t shift = av_rescale_q(own.shift, microseconds, stream.time_base);
     if (packet.pts != AV_NOPTS_VALUE) packet.pts = sum(packet.pts, shift);
@@ -199,17 +301,34 @@ bool Demuxer::statesLength() const {
     return input_->duration > 0 && input_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
 }
 
-void Demuxer::checkLength() const {
+void Demuxer::checkLength() {
     // Times that jump say nothing about the length, and one stream may be shorter than the others.
     if (!statesLength() || shift_ != 0 || alone_) return;
-    // Containers round, and some leave out the length of the last picture: only a clear shortfall counts.
+    // Lengths are stated from the first picture or from time 0. Containers round, and some leave out the
+    // length of the last picture: only a clear shortfall counts.
     const double stated = static_cast<double>(input_->duration) / AV_TIME_BASE;
-    const double end = static_cast<double>(std::max(end_, othersEnd_)) / AV_TIME_BASE;
+    const std::int64_t start = std::max<std::int64_t>(input_->start_time, 0);  // or none
+    const double end = static_cast<double>(std::max(end_, othersEnd_) + start) / AV_TIME_BASE;
     if (stated < 1.0 || end_ <= 0 || end >= stated - std::min(0.1 * stated, 10.0) - 0.5) return;
+    // A length may be wrong: of what was recorded live, cut or put together it often is. An index is not.
+    const std::optional<std::int64_t> listed = listedBytes();
+    const std::int64_t there = input_->pb != nullptr ? avio_size(input_->pb) : -1;
+    if (listed && (there < 0 || *listed <= there)) return;
     char text[96] = "";
-    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds: the file is truncated or damaged", end,
-                  stated);
-    fail(text);
+    std::snprintf(text, sizeof text, "ends after %.2f of %.2f seconds", end, stated);
+    if (listed) fail(std::string(text) + ": the file is truncated or damaged");
+    health_.shortfall = text;
+}
+
+std::optional<std::int64_t> Demuxer::listedBytes() const {
+    if (!std::string_view(input_->iformat->name).starts_with("mov,")) return statedEnd(name_);
+    std::int64_t end = 0;
+    for (unsigned i = 0; i < input_->nb_streams; ++i)
+        for (int j = 0; j < avformat_index_get_entries_count(input_->streams[i]); ++j) {
+            const AVIndexEntry& entry = *avformat_index_get_entry(input_->streams[i], j);
+            end = std::max(end, entry.pos + entry.size);
+        }
+    return end;
 }
 
 void Demuxer::fail(const std::string& what) const { throw Error(name_ + ": " + what); }

@@ -1,6 +1,7 @@
 /// A media file as packets.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <limits>
@@ -15,7 +16,8 @@
 namespace vantle {
 
 /// Reads the packets of anything FFmpeg's libraries read, or of a generated source written `lavfi:GRAPH`.
-/// All errors, and a file that ends before the length it states, throw Error with the input's name in front.
+/// All errors, and a file that ends before what its own index lists, throw Error with the input's name in
+/// front.
 class Demuxer {
    public:
     /// Opens and probes `name`. Throws Error when it cannot be read.
@@ -25,8 +27,14 @@ class Demuxer {
     AVFormatContext& container() const { return *input_; }
     AVStream& stream(int index) const { return *input_->streams[index]; }
 
-    /// The best stream of this type, if there is one.
+    /// The best stream of this type that FFmpeg has a decoder for, if there is one.
     std::optional<int> best(AVMediaType type) const;
+
+    /// True when there are streams of this type, whether or not they can be decoded.
+    bool holds(AVMediaType type) const;
+
+    /// Why there is no best stream of a type, pictures or sound, in words.
+    std::string whyNone(AVMediaType type) const;
 
     /// Keeps the packets of this stream for `read` while those of another one are read.
     void use(int stream) { queues_[stream]; }
@@ -35,7 +43,7 @@ class Demuxer {
     void useAlone(int stream);
 
     /// Lets go of this stream's packets.
-    void drop(int stream) { queues_.erase(stream); }
+    void drop(int stream);
 
     /// The next packet of a stream that is in use, or null at the end. Times run on where a recording starts
     /// anew half way.
@@ -64,6 +72,7 @@ class Demuxer {
     struct Health {
         std::int64_t packets = 0;
         std::int64_t damaged = 0;
+        std::string shortfall{};  // where a file without an index ended before the length it states
     };
     Health& health() { return health_; }
     const Health& health() const { return health_; }
@@ -71,17 +80,21 @@ class Demuxer {
    private:
     [[noreturn]] void fail(const std::string& what) const;
     bool readOne();
-    static av::Packet taken(std::deque<av::Packet>& queue);
+    av::Packet taken(std::deque<av::Packet>& queue);
+    bool readApart(int stream);
     void bridgeJump(AVPacket& packet);
     void passOverOthers();
     bool statesLength() const;
-    void checkLength() const;
+    void checkLength();
+    std::optional<std::int64_t> listedBytes() const;
     void forget();
 
     std::string name_;
     std::unique_ptr<OpenedFiles> opened_ = std::make_unique<OpenedFiles>();
     av::Input input_;
-    std::map<int, std::deque<av::Packet>> queues_;  // of the streams in use
+    std::map<int, std::deque<av::Packet>> queues_;   // of the streams in use
+    std::size_t waiting_ = 0;                        // bytes of their packets
+    std::map<int, std::unique_ptr<Demuxer>> apart_;  // streams that are read on their own
     Health health_;
     bool ended_ = false;
     std::optional<int> alone_;  // the one stream that is read
@@ -91,10 +104,11 @@ class Demuxer {
         std::int64_t shift = 0;                                           // added to what is read
         std::int64_t decoded = std::numeric_limits<std::int64_t>::min();  // of the last packet
     };
-    std::map<int, Times> times_;  // by stream
-    std::int64_t shift_ = 0;      // for what follows the last jump
-    std::int64_t end_ = 0;        // of the pictures and sound read so far
-    std::int64_t othersEnd_ = 0;  // of subtitles and the like
+    std::map<int, Times> times_;                                     // by stream
+    std::int64_t shift_ = 0;                                         // for what follows the last jump
+    std::int64_t begin_ = std::numeric_limits<std::int64_t>::max();  // of the pictures and sound read so far
+    std::int64_t end_ = 0;                                           // of the same
+    std::int64_t othersEnd_ = 0;                                     // of subtitles and the like
 };
 
 }  // namespace vantle

@@ -74,7 +74,7 @@ bool sameForm(const AVFrame& a, const AVFrame& b) {
 }  // namespace
 
 Clip::Clip(Input& input, const Canvas& canvas, std::int64_t first, bool sound)
-    : input_(input), canvas_(canvas), number_(input.gridStart(canvas.rate) + first) {
+    : input_(input), canvas_(canvas), number_(first) {
     input_.start(number_, canvas_.rate, sound);
 }
 

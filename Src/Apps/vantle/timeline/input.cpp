@@ -1,6 +1,7 @@
 #include "timeline/input.h"
 
 extern "C" {
+#include <libavutil/common.h>
 #include <libavutil/display.h>
 #include <libavutil/opt.h>
 }
@@ -9,6 +10,7 @@ extern "C" {
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -20,10 +22,14 @@ namespace {
 
 constexpr double highestRate = 1000.0;  // as for --fps; damage and some raw streams state more
 
+// Of decoders. With more than one they hold a picture for each; while many inputs are opened side by side,
+// one does.
+constexpr int oneThread = 1;
+constexpr int asManyAsCores = 0;
+
 int pictureStream(const Demuxer& demuxer) {
-    const std::optional<int> stream = demuxer.best(AVMEDIA_TYPE_VIDEO);
-    if (!stream) throw Error(demuxer.name() + ": holds no picture");
-    return *stream;
+    if (const std::optional<int> stream = demuxer.best(AVMEDIA_TYPE_VIDEO)) return *stream;
+    throw Error(demuxer.name() + ": " + demuxer.whyNone(AVMEDIA_TYPE_VIDEO));
 }
 
 /// True when one of a generated graph's own sources runs forever and no filter cuts it.
@@ -74,12 +80,16 @@ AVRational standardRate(AVFormatContext& container, AVStream& stream) {
 
 }  // namespace
 
-Input::Opened::Opened(const std::string& name) : demuxer(name), reader(demuxer, pictureStream(demuxer)) {
+Input::Opened::Opened(const std::string& name, int threads)
+    : demuxer(name),
+      stream(pictureStream(demuxer)),
+      reader(std::in_place, demuxer, stream, threads),
+      probing(threads == oneThread) {
     if (const std::optional<int> sound = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*sound);
 }
 
 Input::Input(const std::string& name) : name_(name) {
-    open();
+    open(oneThread);
     if (opened_->ahead.empty()) throw Error(name + ": holds no picture");
     // What its pixels are does not matter, and those of hundreds of inputs would fill the memory.
     const AVFrame& picture = *opened_->ahead.front();
@@ -89,7 +99,7 @@ Input::Input(const std::string& name) : name_(name) {
     first_->height = picture.height;
     first_->format = picture.format;
 
-    AVStream& stream = opened_->reader.stream();
+    AVStream& stream = opened_->reader->stream();
     still_ = opened_->ahead.size() == 1;
     rate_ = still_ ? AVRational{0, 1} : standardRate(opened_->demuxer.container(), stream);
     if (const std::uint8_t* const matrix = av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX))
@@ -97,35 +107,48 @@ Input::Input(const std::string& name) : name_(name) {
     if (const std::optional<int> sound = opened_->demuxer.best(AVMEDIA_TYPE_AUDIO)) {
         const AVCodecParameters& coded = *opened_->demuxer.stream(*sound).codecpar;
         if (coded.sample_rate > 0) sound_ = {*sound, coded.sample_rate, coded.ch_layout.nb_channels};
+    } else if (opened_->demuxer.holds(AVMEDIA_TYPE_AUDIO)) {
+        leftOut_ = opened_->demuxer.whyNone(AVMEDIA_TYPE_AUDIO) + "; it is left out";
     }
     constexpr std::string_view generated = "lavfi:";
     endlessSource_ = name.starts_with(generated) && runsForever(name.substr(generated.size()));
 }
 
-void Input::open() {
-    opened_ = std::make_unique<Opened>(name_);
-    timeBase_ = opened_->reader.stream().time_base;
+void Input::open(int threads) {
+    opened_ = std::make_unique<Opened>(name_, threads);
+    timeBase_ = opened_->reader->stream().time_base;
     for (int i = 0; i < 2; ++i)
         if (av::Frame frame = decode()) opened_->ahead.push_back(std::move(frame));
 }
 
 void Input::close() {
     if (!opened_) return;
-    damaged_ += opened_->demuxer.health().damaged;
+    health_ = health();
     files_ = opened_->demuxer.files();
     opened_.reset();
 }
 
+Demuxer::Health Input::health() const {
+    if (!opened_) return health_;
+    Demuxer::Health health = opened_->demuxer.health();
+    health.packets += health_.packets;
+    health.damaged += health_.damaged;
+    if (health.shortfall.empty()) health.shortfall = health_.shortfall;
+    return health;
+}
+
 av::Frame Input::decode() {
-    av::Frame frame = opened_->reader.next();
+    av::Frame frame = opened_->reader->next();
     if (!frame) return frame;
     // Video that does not say which colours it means is taken as players do, by its height.
     if (frame->colorspace == AVCOL_SPC_UNSPECIFIED)
         frame->colorspace = frame->height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
     if (frame->color_range == AVCOL_RANGE_UNSPECIFIED)
         frame->color_range = frame->format == AV_PIX_FMT_YUVJ420P ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
-    const AVRational shape = frame->sample_aspect_ratio;
-    if (shape.num <= 0 || shape.den <= 0) frame->sample_aspect_ratio = {1, 1};
+    // What the container states of the pixels' shape goes before what the pictures do.
+    const AVRational shape =
+        av_guess_sample_aspect_ratio(&opened_->demuxer.container(), &opened_->reader->stream(), frame.get());
+    frame->sample_aspect_ratio = shape.num > 0 && shape.den > 0 ? shape : AVRational{1, 1};
     // A stream without a container, or one without times for delayed pictures: they follow each other.
     if (frame->pts == AV_NOPTS_VALUE) frame->pts = opened_->end;
     opened_->end = frame->pts + shownFor(av::duration(*frame));
@@ -133,8 +156,7 @@ av::Frame Input::decode() {
 }
 
 std::int64_t Input::shownFor(std::int64_t duration) const {
-    if (duration > 0) return duration;
-    return rate_.num > 0 ? av_rescale_q(1, av_inv_q(rate_), timeBase_) : 1;
+    return std::max(duration, rate_.num > 0 ? av_rescale_q(1, av_inv_q(rate_), timeBase_) : 1);
 }
 
 const std::int32_t* Input::matrixOf(const AVFrame& picture) const {
@@ -173,24 +195,26 @@ std::vector<Filter> Input::upright(const AVFrame& picture) const {
 }
 
 std::int64_t Input::gridNumber(std::int64_t time, AVRational rate) const {
-    return av_rescale_q_rnd(time, timeBase(), av_inv_q(rate),
+    // Counted from the first picture: a picture's distance from it is a whole number of frames, its time need
+    // not be.
+    return av_rescale_q_rnd(av_sat_sub64(time, first_->pts), timeBase(), av_inv_q(rate),
                             static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
 }
 
 std::int64_t Input::frames(AVRational rate) {
     if (!measuredEnd_) measuredEnd_ = measuredEnd();
-    return std::max<std::int64_t>(gridNumber(*measuredEnd_, rate) - gridStart(rate), 1);
+    return std::max<std::int64_t>(gridNumber(*measuredEnd_, rate), 1);
 }
 
 std::int64_t Input::measuredEnd() {
-    if (!opened_) open();
+    if (!opened_) open(oneThread);
     opened_->atStart = false;
     opened_->ahead.clear();
     // Where a format knows its packets' places, the last few tell; where they contradict it, all of them.
     if (opened_->demuxer.indexed()) {
-        const AVStream& stream = opened_->reader.stream();
+        const AVStream& stream = opened_->reader->stream();
         const AVFormatContext& container = opened_->demuxer.container();
-        const std::int64_t stated = stream.duration > 0
+        const std::int64_t stated = stream.duration > 0 && stream.start_time != AV_NOPTS_VALUE
                                         ? stream.start_time + stream.duration
                                         : av_rescale_q(container.duration, {1, AV_TIME_BASE}, timeBase_);
         const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
@@ -209,36 +233,49 @@ std::int64_t Input::measuredEnd() {
 
 std::optional<std::int64_t> Input::endOfPackets() {
     if (sound_) opened_->demuxer.drop(sound_->stream);
-    std::optional<std::int64_t> end;
-    while (const av::Packet packet = opened_->demuxer.read(opened_->reader.stream().index)) {
+    std::vector<std::int64_t> times;
+    std::int64_t end = std::numeric_limits<std::int64_t>::min();
+    while (const av::Packet packet = opened_->demuxer.read(opened_->stream)) {
         if (packet->pts == AV_NOPTS_VALUE) return {};
         if ((packet->flags & (AV_PKT_FLAG_DISCARD | AV_PKT_FLAG_CORRUPT)) != 0) continue;
-        end = std::max(end.value_or(packet->pts), packet->pts + shownFor(packet->duration));
+        times.push_back(packet->pts);
+        end = std::max(end, av_sat_add64(packet->pts, packet->duration));
     }
-    return end;
+    if (times.empty()) return {};
+    // The last picture's own duration may be missing or far too short: it shows as long as others do at
+    // least.
+    std::ranges::sort(times);
+    std::int64_t step = std::max(shownFor(0), av_rescale_q(1, {1, 10}, timeBase_));
+    for (std::size_t i = 1; i < times.size(); ++i)
+        if (times[i] > times[i - 1]) step = std::min(step, av_sat_sub64(times[i], times[i - 1]));
+    return std::max(end, av_sat_add64(times.back(), step));
 }
 
 bool Input::seek(std::int64_t time) {
-    if (!opened_->demuxer.seek(opened_->reader.stream().index, time)) return false;
-    opened_->reader.flush();
+    if (!opened_->demuxer.seek(opened_->stream, time)) return false;
+    opened_->reader->flush();
     opened_->ahead.clear();
     return true;
 }
 
 void Input::restart() {
     opened_->demuxer.reopen();
-    opened_->reader.flush();
+    opened_->reader->flush();
     opened_->ahead.clear();
     opened_->end = 0;
 }
 
 void Input::start(std::int64_t number, AVRational rate, bool sound) {
-    if (!opened_) open();
+    if (!opened_) open(asManyAsCores);
     if (sound_ && !sound) opened_->demuxer.drop(sound_->stream);
     const bool reread = !std::exchange(opened_->atStart, false);
     const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
-    const std::int64_t time = av_rescale_q(number, av_inv_q(rate), timeBase_);
+    const std::int64_t time = first_->pts + av_rescale_q(number, av_inv_q(rate), timeBase_);
     if (still_ || (!reread && time - first_->pts < second)) return;
+    if (std::exchange(opened_->probing, false)) {
+        opened_->reader.reset();  // which lets go of its stream
+        opened_->reader.emplace(opened_->demuxer, opened_->stream, asManyAsCores);
+    }
     if (sound_ && sound) opened_->demuxer.use(sound_->stream);
     // A decoder may show its first picture only some way behind a key packet; sound needs a run-up.
     for (const int before : {sound ? 1 : 0, 5, 30}) {
@@ -273,10 +310,14 @@ FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs) {
 }
 
 void reportDamage(std::span<const std::unique_ptr<Input>> inputs) {
-    for (const std::unique_ptr<Input>& input : inputs)
-        if (const std::int64_t damaged = input->damaged(); damaged > 0)
+    for (const std::unique_ptr<Input>& input : inputs) {
+        const Demuxer::Health health = input->health();
+        if (health.damaged > 0)
             std::fprintf(stderr, "vantle: %s: passed over %lld damaged packet%s\n", input->name().c_str(),
-                         static_cast<long long>(damaged), damaged > 1 ? "s" : "");
+                         static_cast<long long>(health.damaged), health.damaged > 1 ? "s" : "");
+        if (!health.shortfall.empty())
+            std::fprintf(stderr, "vantle: %s: %s\n", input->name().c_str(), health.shortfall.c_str());
+    }
 }
 
 }  // namespace vantle

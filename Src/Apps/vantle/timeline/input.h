@@ -46,7 +46,7 @@ class Input {
     /// True when the input never ends of itself: a single picture, or a generated source without an end.
     bool endless() const { return still_ || endlessSource_; }
 
-    /// Its sound, if it has any.
+    /// Its sound, if it has any that can be decoded.
     struct Sound {
         int stream = 0;
         int sampleRate = 0;
@@ -54,19 +54,20 @@ class Input {
     };
     const std::optional<Sound>& sound() const { return sound_; }
 
+    /// What of it is left out, and why; empty when nothing is.
+    const std::string& leftOut() const { return leftOut_; }
+
     /// The sample of its sound at which its first picture shows, counted from the input's time 0.
     std::int64_t startSample(int sampleRate) const {
         return av_rescale_q(first_->pts, timeBase_, {1, sampleRate});
     }
 
-    /// The number of the first picture in the grid of `rate`, counted from the input's time 0.
-    std::int64_t gridStart(AVRational rate) const { return gridNumber(first_->pts, rate); }
-
-    /// The number of the picture that shows at `time`.
+    /// The number of the picture that shows at `time` in a grid of `rate`, which begins with the first
+    /// picture.
     std::int64_t gridNumber(std::int64_t time, AVRational rate) const;
 
     /// How many pictures the input has in the grid of `rate`, at least 1; not for endless ones. Measured
-    /// once, from its packets, where these do not tell by decoding it.
+    /// once, from its packets; where these do not tell, by decoding it.
     std::int64_t frames(AVRational rate);
 
     /// Makes `nextPicture` go on with the picture that shows at number `number` of the grid of `rate`, or
@@ -84,19 +85,21 @@ class Input {
     /// Lets go of the file.
     void close();
 
-    /// Packets that were damaged and passed over.
-    std::int64_t damaged() const { return damaged_ + (opened_ ? opened_->demuxer.health().damaged : 0); }
+    /// What was found to be wrong with it so far.
+    Demuxer::Health health() const;
 
    private:
     struct Opened {
-        explicit Opened(const std::string& name);
+        Opened(const std::string& name, int threads);
         Demuxer demuxer;
-        StreamReader reader;
+        int stream;
+        std::optional<StreamReader> reader;
+        bool probing;                 // with one thread
         std::deque<av::Frame> ahead;  // decoded, and not yet given
         std::int64_t end = 0;         // of the last picture decoded
         bool atStart = true;          // the first pictures are still to be given
     };
-    void open();
+    void open(int threads);
     const std::int32_t* matrixOf(const AVFrame& picture) const;
     av::Frame decode();
     std::int64_t shownFor(std::int64_t duration) const;
@@ -113,8 +116,9 @@ class Input {
     AVRational timeBase_{};
     AVRational rate_{};
     std::optional<Sound> sound_;
+    std::string leftOut_;
     std::optional<std::int64_t> measuredEnd_;  // of the last picture, in the stream's time base
-    std::int64_t damaged_ = 0;                 // packets, while it was open before
+    Demuxer::Health health_;                   // while it was open before
     bool still_ = false;
     bool endlessSource_ = false;
 };
@@ -125,7 +129,7 @@ AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs);
 /// All files that inputs are read from.
 FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs);
 
-/// Tells on standard error, in a line, of each input some packets of which were passed over.
+/// Tells on standard error, in a line, of each input that is damaged or ends early.
 void reportDamage(std::span<const std::unique_ptr<Input>> inputs);
 
 }  // namespace vantle

@@ -30,7 +30,9 @@ float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
 std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::int64_t first, int sampleRate) {
     const int stream = input.sound()->stream;
     auto demuxer = std::make_unique<Demuxer>(input.name());
-    demuxer->useAlone(stream);
+    // Beside the pictures, though they are not wanted: of sound alone a long pause might look like a jump in
+    // time.
+    demuxer->use(stream);
     // A decoder needs a run-up.
     const std::int64_t time = std::max<std::int64_t>(first - sampleRate, 0);
     if (!demuxer->seek(stream, av_rescale_q(time, {1, sampleRate}, demuxer->stream(stream).time_base)))

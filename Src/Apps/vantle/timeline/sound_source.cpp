@@ -5,6 +5,8 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+#include <algorithm>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -18,9 +20,8 @@ bool sameForm(const AVFrame& a, const AVFrame& b) {
 }
 
 int soundStream(const Demuxer& input) {
-    const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO);
-    if (!stream) throw Error(input.name() + ": holds no sound");
-    return *stream;
+    if (const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO)) return *stream;
+    throw Error(input.name() + ": " + input.whyNone(AVMEDIA_TYPE_AUDIO));
 }
 
 }  // namespace
@@ -53,26 +54,35 @@ av::Frame SoundSource::next() {
 }
 
 SoundReader::SoundReader(Demuxer& input, int stream, const SoundFormat& format, std::int64_t first)
-    : name_(input.name()),
-      source_(input, stream, format),
-      timed_(*silence(format, 1), {1, format.sampleRate},
-             {{"asetpts", {{"expr", "PTS-" + std::to_string(first)}}},
-              {"atrim", {{"start_pts", "0"}}},
-              {"aresample", {{"async", "1"}, {"first_pts", "0"}}},
-              {"apad"}}) {}
+    : source_(input, stream, format), format_(format), next_(first) {}
 
 av::Frame SoundReader::read(int samples) {
-    for (;;) {
-        if (av::Frame frame = timed_.pullSamples(samples)) return frame;
-        if (timed_.ended()) throw Error(name_ + ": its sound cannot be read");
-        if (av::Frame frame = source_.next()) {
-            if (frame->pts != AV_NOPTS_VALUE) end_ = frame->pts;
-            end_ += frame->nb_samples;
-            timed_.push(std::move(frame));
-        } else {
-            timed_.close(end_);
+    av::Frame sound = silence(format_, samples);
+    const std::int64_t start = next_;
+    while (next_ < start + samples && (held_ || take())) {
+        const std::int64_t end = std::min(place_ + held_->nb_samples, start + samples);
+        next_ = std::max(next_, place_);
+        if (next_ < end) {
+            av_samples_copy(sound->extended_data, held_->extended_data, static_cast<int>(next_ - start),
+                            static_cast<int>(next_ - place_), static_cast<int>(end - next_), format_.channels,
+                            format_.sampleFormat);
+            next_ = end;
         }
+        if (place_ + held_->nb_samples <= next_) held_.reset();
     }
+    next_ = start + samples;
+    return sound;
+}
+
+bool SoundReader::take() {
+    held_ = source_.next();
+    if (!held_) return false;
+    // Times are rounded and clocks drift: what lies nearer to the sound before it than this follows it.
+    const std::int64_t slack = format_.sampleRate / 10;
+    const std::int64_t stated = held_->pts != AV_NOPTS_VALUE ? held_->pts : end_.value_or(0);
+    place_ = end_ && std::abs(stated - *end_) <= slack ? *end_ : stated;
+    end_ = place_ + held_->nb_samples;
+    return true;
 }
 
 Music::Music(const std::string& name, const SoundFormat& format)

@@ -41,10 +41,14 @@ class SoundReader {
     av::Frame read(int samples);
 
    private:
-    std::string name_;
+    bool take();
+
     SoundSource source_;
-    Filters timed_;         // puts the sound into its place in time
-    std::int64_t end_ = 0;  // of the sound read so far, in samples
+    SoundFormat format_;
+    std::int64_t next_;                // the sample that is given next
+    av::Frame held_;                   // sound that is yet to be given, at least in part
+    std::int64_t place_ = 0;           // of its first sample
+    std::optional<std::int64_t> end_;  // of the sound read so far
 };
 
 /// Music from its start, again and again.
