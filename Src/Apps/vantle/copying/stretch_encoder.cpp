@@ -48,18 +48,18 @@ av::Options ownOptions(const CopyPlan& plan, std::string_view encoder, bool seam
     return options;
 }
 
-/// With the user's; what is kept in a list of its own is added to it.
-av::Options withUsers(av::Options own, av::Options users) {
-    for (auto& [key, value] : users)
-        if ((key == "x264-params" || key == "x265-params") && own.contains(key))
-            value.insert(0, own[key] + ":");
-    return withUsersOptions(std::move(own), users);
+/// With the user's; what both keep in a list of its own is put together.
+av::Options withUsers(const av::Options& own, const av::Options& users) {
+    av::Options options = withUsersOptions(own, users);
+    for (const char* const list : {"x264-params", "x265-params"})
+        if (own.contains(list) && users.contains(list)) options[list] = own.at(list) + ":" + users.at(list);
+    return options;
 }
 
 }  // namespace
 
 StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice, bool seams)
-    : plan_(plan), codec_(nullptr), seams_(seams) {
+    : plan_(plan), seams_(seams) {
     const CodedPictures& model = plan.modelPictures();
     const AVCodecParameters& form = *model.form;
     const std::string usual = model.coding == NalCoding::h264 ? "libx264" : "libx265";

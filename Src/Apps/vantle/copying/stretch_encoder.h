@@ -35,7 +35,7 @@ class StretchEncoder {
 
    private:
     const CopyPlan& plan_;
-    const AVCodec* codec_;
+    const AVCodec* codec_ = nullptr;
     av::Options options_;
     bool seams_;
     std::vector<Bytes> sets_;
