@@ -118,11 +118,23 @@ Plugin::Plugin(const fs::path& library) {
 
 void* Plugin::symbol(const std::string& name) const { return dlsym(library_.get(), name.c_str()); }
 
-const Transition& Plugin::find(std::string_view wanted) const {
+const std::string& shownName(const Transition& transition) {
+    return transition.name.empty() ? transition.function : transition.name;
+}
+
+void drawTransition(TransFunc* transition, DIImage out, DIImage from, DIImage to, double position,
+                    double duration) {
+    TransParam param{};
+    param.dDuration = duration;
+    param.dPosition = position;
+    transition(out, from, to, &param);
+}
+
+const Transition& findTransition(std::span<const Transition> catalogue, std::string_view wanted) {
     const std::string key = lower(wanted);
     const Transition* nearest = nullptr;
     std::size_t fewest = std::max<std::size_t>(2, key.size() / 3) + 1;
-    for (const Transition& transition : transitions_) {
+    for (const Transition& transition : catalogue) {
         if (transition.index && key == std::to_string(*transition.index)) return transition;
         for (const std::string& text : {transition.name, transition.guid, transition.function}) {
             if (text.empty()) continue;
@@ -136,7 +148,7 @@ const Transition& Plugin::find(std::string_view wanted) const {
     }
     std::string message = "no transition is called \"" + std::string(wanted) + "\"";
     if (nearest != nullptr)
-        message += "; did you mean \"" + (nearest->name.empty() ? nearest->function : nearest->name) + "\"?";
+        message += "; did you mean \"" + shownName(*nearest) + "\"?";
     throw UsageError(message + " (vantle list shows them all)");
 }
 

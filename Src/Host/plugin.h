@@ -25,6 +25,17 @@ struct Transition {
     TransFunc* draw = nullptr;          ///< null when this build of the plug-in does not have it
 };
 
+/// The name under which a transition is shown and can be asked for.
+const std::string& shownName(const Transition& transition);
+
+/// The transition with this catalogue name, index, GUID or function name, in any case of letters. Throws
+/// UsageError when there is none, naming the nearest.
+const Transition& findTransition(std::span<const Transition> catalogue, std::string_view wanted);
+
+/// Draws a transition's frame at `position` of an overlap of `duration`, both in one unit.
+void drawTransition(TransFunc* transition, DIImage out, DIImage from, DIImage to, double position,
+                    double duration);
+
 class Plugin {
    public:
     /// Loads the plug-in at `library`, or the one installed with this program when that is empty. Throws
@@ -34,9 +45,8 @@ class Plugin {
     /// The catalogue in its order, then the transitions that are exported without a record.
     std::span<const Transition> transitions() const { return transitions_; }
 
-    /// The transition with this catalogue name, index, GUID or function name, in any case of letters. Throws
-    /// UsageError when there is none, naming the nearest.
-    const Transition& find(std::string_view wanted) const;
+    /// `findTransition` among them.
+    const Transition& find(std::string_view wanted) const { return findTransition(transitions_, wanted); }
 
     /// Address of an exported symbol, or null.
     void* symbol(const std::string& name) const;

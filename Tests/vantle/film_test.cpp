@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "command.h"
-#include "timeline/input.h"
+#include "playing/input.h"
 
 namespace tests {
 
@@ -367,7 +367,7 @@ TEST_F(Films, OpenTheirInputsWithOneThreadEach) {
     const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
     const auto before = threads();
     vantle::Input input((folder_ / "clip.mp4").string());
-    EXPECT_EQ(input.frames({25, 1}), 20);
+    EXPECT_EQ(input.source().frames({25, 1}), 20);
     EXPECT_EQ(threads(), before);
     input.start(0, {25, 1}, false);  // to be shown, with as many as there are cores
     EXPECT_EQ(threads() > before, std::thread::hardware_concurrency() > 1);

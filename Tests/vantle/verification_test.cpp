@@ -8,7 +8,7 @@
 #include "command.h"
 #include "copying/copy_film.h"
 #include "copying/stretch_encoder.h"
-#include "timeline/lay_out.h"
+#include "playing/open_film.h"
 
 namespace tests {
 
@@ -20,15 +20,12 @@ class Verification : public CommandTest {
         av_log_set_level(AV_LOG_QUIET);
         clip("a.mp4", "1", "-bf 0 -preset fast");
         clip("b.mp4", "2", options_);
-        Sequence sequence;
+        FilmRequest request{.meetings = {{"Row_split"}}, .duration = *parseTime("10f")};
         for (const char* const name : {"a.mp4", "b.mp4"})
-            sequence.shots.push_back({(folder_ / name).string()});
-        sequence.meetings.push_back({"Row_split"});
-        inputs_ = openInputs(sequence, true);
-        std::vector<std::string> notes;
-        plan_ = planCopy(layOut(sequence, inputs_, transitionsFor(sequence, plugin_, 0), {{96, 64}, {25, 1}},
-                                {.duration = {10, true}}, notes),
-                         {SoundWish{48000, 1}}, [](const CopyPlan& plan) { tryEncoding(plan, {}); });
+            request.shots.push_back({(folder_ / name).string()});
+        open_.emplace(openFilm(request, PLUGIN_PATH, true));
+        plan_ = planCopy(open_->film(), scanSources(*open_), true,
+                         [](const CopyPlan& plan) { tryEncoding(plan, {}); });
         for (std::int64_t frame = 0; frame < plan_.film.frames(); ++frame) drawn_[frame].fill(125);
     }
 
@@ -46,12 +43,10 @@ class Verification : public CommandTest {
 
     void write(const std::string& ending) const {
         ProgressBar progress(1, true);
-        ASSERT_EQ(copyFilm(plan_,
-                           {.kind = *movieKind(ending),
-                            .name = (folder_ / "good").string() + ending,
-                            .sound = SoundWish{48000, 1}},
-                           progress),
-                  "");
+        ASSERT_EQ(
+            copyFilm(*open_, plan_,
+                     {.kind = *movieKind(ending), .name = (folder_ / "good").string() + ending}, progress),
+            "");
     }
 
     void write(const Bytes& film) const {
@@ -66,8 +61,7 @@ class Verification : public CommandTest {
     }
 
     const std::string options_ = "-qp 25 -bf 4 -x264-params b-adapt=0:scenecut=0";
-    Plugin plugin_{PLUGIN_PATH};
-    std::vector<std::unique_ptr<Input>> inputs_;
+    std::optional<OpenFilm> open_;
     CopyPlan plan_;
     std::map<std::int64_t, Brightness> drawn_;
 };
@@ -131,7 +125,7 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_NE(fault("cp good.mp4 bad.mp4").find("another picture"), std::string::npos);
     drawn_[70].fill(drawn);
     // A clip that was thought to be shorter than it is.
-    CodedPictures longer = codedPictures(*inputs_[1], {25, 1});
+    CodedPictures longer = codedPictures(*open_->inputs[1], {25, 1});
     longer.pictures.push_back({.number = 75});
     const auto pictures =
         std::exchange(plan_.pictures[1], std::make_shared<const CodedPictures>(std::move(longer)));

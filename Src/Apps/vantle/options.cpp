@@ -44,7 +44,7 @@ CLI::Validator aTime(double longest) {
     return {[longest](const std::string& text) {
                 const std::optional<Time> time = parseTime(text);
                 if (!time) return "\"" + text + "\" is no time (as 2.5, 1:02.5, 500ms or 12f)";
-                if (time->value <= 0.0 || (!time->inFrames && time->value > longest))
+                if (time->value <= 0 || (!time->inFrames && time->number() > longest))
                     return "\"" + text + "\" is no length of time above 0";
                 return std::string();
             },
@@ -53,21 +53,21 @@ CLI::Validator aTime(double longest) {
 
 Time timeOf(const std::string& text) { return parseTime(text).value_or(Time{}); }
 
-void addOverlap(CLI::App& command, JoinOptions& options) {
+void addOverlap(CLI::App& command, FilmRequest& film) {
     command
         .add_option_function<std::string>(
-            "--duration", [&](const std::string& text) { options.duration = timeOf(text); },
+            "--duration", [&](const std::string& text) { film.duration = timeOf(text); },
             "Length of a transition: seconds, or frames as 12f (default: 1)")
         ->type_name("TIME")
         ->check(aTime(3600.0));
     command
         .add_option_function<std::string>(
-            "--fps", [&](const std::string& text) { options.fps = parseRate(text); },
+            "--fps", [&](const std::string& text) { film.rate = parseRate(text); },
             "Frames per second (default: those of the first input that has them)")
         ->type_name("RATE");
     command
         .add_option_function<std::string>(
-            "--fit", [&](const std::string& text) { options.fit = parseFit(text).value_or(Fit::contain); },
+            "--fit", [&](const std::string& text) { film.fit = parseFit(text).value_or(Fit::contain); },
             "How an input of another shape fills the picture (default: contain)")
         ->type_name("contain|cover|stretch")
         ->check(CLI::IsMember({"contain", "cover", "stretch"}));
@@ -80,31 +80,33 @@ void addSize(CLI::App& command, std::optional<Size>& size, const std::string& me
         ->type_name("SIZE");
 }
 
-void addCommon(CLI::App& command, JoinOptions& options) {
-    command.add_flag("-f,--force", options.force, "Overwrite OUT if it exists");
-    command.add_flag("-q,--quiet", options.quiet, "Say nothing but errors");
+void addCommon(CLI::App& command, Delivery& delivery) {
+    command.add_flag("-f,--force", delivery.force, "Overwrite OUT if it exists");
+    command.add_flag("-q,--quiet", delivery.quiet, "Say nothing but errors");
     command.add_flag_callback(
         "-v,--verbose", [] { av_log_set_level(AV_LOG_VERBOSE); }, "Show what FFmpeg's libraries say");
-    command.add_option("--plugin", options.plugin, "The plug-in to load (default: the installed one)")
+    command.add_option("--plugin", delivery.plugin, "The plug-in to load (default: the installed one)")
         ->type_name("FILE");
 }
 
 void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output) {
-    command.add_option("FROM", options.from, "The input that plays first, until the transition ends")
+    command
+        .add_option("FROM", options.film.shots[0].file,
+                    "The input that plays first, until the transition ends")
         ->type_name("FILE")
         ->required();
-    command.add_option("TO", options.to, "The input that the transition leads to")
+    command.add_option("TO", options.film.shots[1].file, "The input that the transition leads to")
         ->type_name("FILE")
         ->required();
-    command.add_option("-o,--output", options.join.output, output)->type_name("FILE")->required();
+    command.add_option("-o,--output", options.delivery.output, output)->type_name("FILE")->required();
     command
         .add_option("-t,--transition", options.transitions,
                     "Only this one, by catalogue name, index, GUID or function name; repeatable")
         ->type_name("TRANSITION")
         ->expected(1)
         ->take_all();
-    addOverlap(command, options.join);
-    addCommon(command, options.join);
+    addOverlap(command, options.film);
+    addCommon(command, options.delivery);
 }
 
 }  // namespace vantle

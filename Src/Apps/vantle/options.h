@@ -6,8 +6,9 @@
 #include <string>
 
 #include "media/canvas.h"
+#include "output/delivery.h"
 #include "overview/overview.h"
-#include "timeline/join_options.h"
+#include "timeline/film_request.h"
 
 namespace vantle {
 
@@ -24,13 +25,13 @@ CLI::Validator aTime(double longest);
 Time timeOf(const std::string& text);
 
 /// How the inputs overlap: --duration, --fps, --fit.
-void addOverlap(CLI::App& command, JoinOptions& options);
+void addOverlap(CLI::App& command, FilmRequest& film);
 
 /// --size, which means what `meaning` says.
 void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning);
 
 /// --force, --quiet, --verbose, --plugin.
-void addCommon(CLI::App& command, JoinOptions& options);
+void addCommon(CLI::App& command, Delivery& delivery);
 
 /// What the commands that show many transitions have in common; `output` says what they write.
 void addOverview(CLI::App& command, OverviewOptions& options, const std::string& output);

@@ -147,7 +147,7 @@ av::Parameters copyOf(const AVCodecParameters& form) {
 }
 
 CodedPictures codedPictures(const Input& input, AVRational rate) try {
-    if (input.still() || input.endless() || input.name().starts_with("lavfi:"))
+    if (input.still() || input.source().endless || input.source().generated)
         refuse(input, "is no clip; only clips can be copied");
     Demuxer packets(input.name());
     const std::string_view format = packets.container().iformat->name;
@@ -186,7 +186,7 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
 }
 
 CodedSound codedSound(const Input& input) {
-    const int stream = input.sound()->stream;
+    const int stream = input.source().audio->stream;
     Demuxer packets(input.name());
     packets.useAlone(stream);
     const AVStream& source = packets.stream(stream);

@@ -9,7 +9,7 @@
 #include "media/av.h"
 #include "media/demuxer.h"
 #include "media/parameter_sets.h"
-#include "timeline/input.h"
+#include "playing/input.h"
 
 namespace vantle {
 

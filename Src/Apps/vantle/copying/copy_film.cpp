@@ -18,16 +18,17 @@ namespace {
 /// A film's sound, part of it copied or all of it encoded.
 class Sound {
    public:
-    Sound(const CopyPlan& plan, const CopyOptions& options, bool globalHeaders) : plan_(plan) {
-        const auto open = [&options, globalHeaders](std::int64_t bitRate) {
-            return makeSoundEncoder(options.kind, options.encoders, *options.sound, bitRate, globalHeaders);
+    Sound(const OpenFilm& open, const CopyPlan& plan, const CopyOptions& options, bool globalHeaders)
+        : plan_(plan) {
+        const auto make = [&options, wanted = *plan.film.audio, globalHeaders](std::int64_t bitRate) {
+            return makeSoundEncoder(options.kind, options.encoders, wanted, bitRate, globalHeaders);
         };
         if (!plan.soundStretches.empty()) {
             const std::int64_t bitRate = plan.modelSound().bit_rate;
-            pieces_.emplace(plan, [open, bitRate] { return open(bitRate); });
+            pieces_.emplace(open, plan, [make, bitRate] { return make(bitRate); });
         } else {
             constexpr std::int64_t ever = std::int64_t{1} << 50;
-            whole_.emplace(plan.film, open(0), options.music, SampleRange{-ever, ever});
+            whole_.emplace(open, make(0), SampleRange{-ever, ever});
         }
     }
 
@@ -53,8 +54,8 @@ class Sound {
 
 /// As other films are written, but that room for the index is left at the start, rather than all moved along
 /// for it.
-av::Options fileOptions(const CopyPlan& plan, const CopyOptions& options) {
-    av::Options wanted = muxerOptions(options.kind);
+av::Options fileOptions(const CopyPlan& plan, const MovieKind& kind) {
+    av::Options wanted = muxerOptions(kind);
     if (wanted.erase("movflags") == 0) return wanted;
     // More than the tables take for a picture and for a packet of sound, of the shortest that there are.
     constexpr std::int64_t perPicture = 64;
@@ -62,9 +63,9 @@ av::Options fileOptions(const CopyPlan& plan, const CopyOptions& options) {
     constexpr std::int64_t shortest = 64;  // samples
     const std::int64_t frames = plan.film.frames();
     const std::int64_t packets =
-        !options.sound ? 0
+        !plan.film.audio ? 0
         : plan.soundStretches.empty()
-            ? sampleOf(frames, plan.film.canvas.rate, options.sound->sampleRate) / shortest
+            ? sampleOf(frames, plan.film.canvas.rate, plan.film.audio->sampleRate) / shortest
             : plan.soundStretches.back().end();
     wanted["moov_size"] = std::to_string(65536 + perPicture * frames + perPacket * packets);
     return wanted;
@@ -72,21 +73,22 @@ av::Options fileOptions(const CopyPlan& plan, const CopyOptions& options) {
 
 }  // namespace
 
-std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressBar& progress) {
+std::string copyFilm(const OpenFilm& open, const CopyPlan& plan, const CopyOptions& options,
+                     ProgressBar& progress) {
     StagedFile file(options.name, options.overwrite);
     Muxer muxer("file:" + file.path().string(), options.kind.muxer, options.name);
     // They are opened again where they are wanted, two at a time.
-    for (const Part& part : plan.film.parts) part.input->close();
-    FilmPictures pictures(plan, {options.encoders.video, options.encoderOptions}, options.verifyAll);
+    for (const std::unique_ptr<Input>& input : open.inputs) input->close();
+    FilmPictures pictures(open, plan, {options.encoders.video, options.encoderOptions}, options.verifyAll);
     const AVRational rate = plan.film.canvas.rate;
     const AVStream& pictureStream = muxer.add(*pictures.form(), av_inv_q(rate), rate);
     std::optional<Sound> sound;
     const AVStream* soundStream = nullptr;
-    if (options.sound) {
-        sound.emplace(plan, options, muxer.wantsGlobalHeaders());
+    if (plan.film.audio) {
+        sound.emplace(open, plan, options, muxer.wantsGlobalHeaders());
         soundStream = &sound->addTo(muxer);
     }
-    muxer.start(fileOptions(plan, options));
+    muxer.start(fileOptions(plan, options.kind));
 
     // Side by side in time, so that neither waits in memory for the other.
     av::Packet picture = pictures.next();

@@ -16,13 +16,12 @@ struct CopyOptions {
     bool overwrite = false;
     EncoderNames encoders{};
     av::Options encoderOptions{};  ///< for what is encoded
-    std::optional<SoundWish> sound{};
-    MusicOptions music{};
-    bool verifyAll = false;  ///< compares all frames, not only those around the seams
+    bool verifyAll = false;        ///< compares all frames, not only those around the seams
 };
 
 /// Writes the film as planned, and looks whether it became what it should be: returns what did not, in a few
 /// words; then nothing was written. Empty when all is well.
-std::string copyFilm(const CopyPlan& plan, const CopyOptions& options, ProgressBar& progress);
+std::string copyFilm(const OpenFilm& open, const CopyPlan& plan, const CopyOptions& options,
+                     ProgressBar& progress);
 
 }  // namespace vantle

@@ -40,19 +40,18 @@ std::string mismatch(const AVCodecParameters& form, const AVCodecParameters& mod
     return {};
 }
 
-std::shared_ptr<const CodedPictures> picturesOf(const Film& film, const Part& part) {
-    const Input& input = *part.input;
-    const auto refuse = [&](const std::string& why) { throw NotCopied(input.name() + ": " + why); };
-    if (!input.still() && !input.endless() && av_cmp_q(input.rate(), film.canvas.rate) != 0)
-        refuse("shows " + rateText(input.rate()) + " pictures a second and the film " +
-               rateText(film.canvas.rate) + "; clips of one rate can be copied");
-    auto pictures = std::make_shared<const CodedPictures>(codedPictures(input, film.canvas.rate));
-    const AVCodecParameters& form = *pictures->form;
+/// Why a source's pictures cannot go into a film; empty when they can.
+std::string refusalOf(const Film& film, const Source& source, const CodedSource& coded) {
+    if (!source.still && !source.endless && av_cmp_q(source.rate, film.canvas.rate) != 0)
+        return source.name + ": shows " + rateText(source.rate) + " pictures a second and the film " +
+               rateText(film.canvas.rate) + "; clips of one rate can be copied";
+    if (!coded.pictures) return coded.refusal;
+    const AVCodecParameters& form = *coded.pictures->form;
     const Size& size = film.canvas.size;
     if (form.width != size.width || form.height != size.height)
-        refuse("is " + sizeText(form.width, form.height) + " and the film " +
-               sizeText(size.width, size.height) + "; clips of one size can be copied");
-    return pictures;
+        return source.name + ": is " + sizeText(form.width, form.height) + " and the film " +
+               sizeText(size.width, size.height) + "; clips of one size can be copied";
+    return {};
 }
 
 /// All pictures from an entry on that are decoded before any from `limit` on: the number after the last.
@@ -118,14 +117,14 @@ class Layout {
         const CodedPictures& coded = *plan_.pictures[number];
         const std::int64_t from = number > 0 ? film_.joins[number - 1].end() : 0;
         const std::int64_t to = number < film_.joins.size() ? film_.joins[number].start : part.end();
-        const std::int64_t offset = part.start - part.first;  // of a picture's number to its frame
+        const std::int64_t offset = part.offset();
         std::optional<std::size_t> entry = entryFrom(coded, from - offset, to - offset);
         if (entry && isLoneFrame(coded.pictures[*entry].number + offset))
             entry = entryFrom(coded, coded.pictures[*entry].number + 1, to - offset);
         if (!entry) {
             if (to - from > shortest)
                 plan_.refusals.push_back(
-                    part.input->name() + ": has no key picture in its frames " +
+                    film_.sourceOf(part).name + ": has no key picture in its frames " +
                     std::to_string(from - offset) + " to " + std::to_string(to - offset - 1) +
                     ", with which copying could begin; one every few seconds (x264: keyint) "
                     "helps");
@@ -142,7 +141,7 @@ class Layout {
         if (laid_.empty()) return frame == 1;
         Laid& before = laid_.back();
         if (frame - before.end != 1) return false;
-        const std::int64_t offset = film_.parts[before.part].start - film_.parts[before.part].first;
+        const std::int64_t offset = film_.parts[before.part].offset();
         const std::int64_t end =
             cleanEnd(*plan_.pictures[before.part], before.entry, before.end - offset - 1) + offset;
         if (end - before.first < shortest) return true;
@@ -155,30 +154,31 @@ class Layout {
     std::vector<Laid> laid_;
 };
 
-/// The pictures of inputs by their names; null where they cannot be copied.
-using CodedInputs = std::map<std::string, std::shared_ptr<const CodedPictures>>;
+/// Pictures by part; null where they cannot be copied.
+using Copyable = std::vector<std::shared_ptr<const CodedPictures>>;
 
-/// Takes the first input that can be copied as the model, and all that are like it.
-void findAlike(CopyPlan& plan, const CodedInputs& inputs) {
-    const std::vector<Part>& parts = plan.film.parts;
-    plan.pictures.assign(parts.size(), nullptr);
+void addOnce(std::vector<std::string>& lines, const std::string& line) {
+    if (std::ranges::find(lines, line) == lines.end()) lines.push_back(line);
+}
+
+/// Takes the first part that can be copied as the model, and all that are like it.
+void findAlike(CopyPlan& plan, const Copyable& copyable) {
+    const Film& film = plan.film;
+    plan.pictures.assign(film.parts.size(), nullptr);
     const AVCodecParameters* model = nullptr;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        const std::string& name = parts[i].input->name();
-        const std::shared_ptr<const CodedPictures>& pictures = inputs.at(name);
-        if (!pictures) continue;
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        if (!copyable[i]) continue;
         if (model == nullptr) {
-            model = pictures->form.get();
+            model = copyable[i]->form.get();
             plan.model = i;
         }
-        const std::string other = mismatch(*pictures->form, *model);
-        if (other.empty()) {
-            plan.pictures[i] = pictures;
-            continue;
-        }
-        const std::string why = name + ": its " + other + " is not that of " +
-                                parts[plan.model].input->name() + "; clips made alike can be copied";
-        if (std::ranges::find(plan.refusals, why) == plan.refusals.end()) plan.refusals.push_back(why);
+        const std::string other = mismatch(*copyable[i]->form, *model);
+        if (other.empty())
+            plan.pictures[i] = copyable[i];
+        else
+            addOnce(plan.refusals, film.sourceOf(film.parts[i]).name + ": its " + other + " is not that of " +
+                                       film.sourceOf(film.parts[plan.model]).name +
+                                       "; clips made alike can be copied");
     }
 }
 
@@ -188,9 +188,10 @@ std::int64_t portionAt(std::int64_t sample) {
 }
 
 /// Lays out which portions of the sound are copied: those in which one part is heard alone and as it is.
-void planSound(CopyPlan& plan, const SoundTarget& target) {
-    Film& film = plan.film;
-    const int rate = target.wish->sampleRate;
+void planSound(CopyPlan& plan) {
+    const Film& film = plan.film;
+    plan.soundDelays.assign(film.parts.size(), 0);
+    const int rate = film.audio->sampleRate;
     const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
     constexpr std::int64_t fewest = 16;
     // .mp4 and .mov say to a thousandth of a second where sound ends: a portion heard for less would be cut
@@ -204,16 +205,16 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
         next = portion;
     };
     for (std::size_t number = 0; number < film.parts.size(); ++number) {
-        Part& part = film.parts[number];
-        if (!part.sounds()) continue;
+        const Part& part = film.parts[number];
+        if (!part.sounds) continue;
         const CodedSound& sound = *plan.sounds[number];
         // Its packets keep their distance from each other, so that all are shifted alike, by half a portion
         // at most.
-        const std::int64_t shown = part.input->startSample(rate) + sample(part.first);
+        const std::int64_t shown = film.sourceOf(part).startSample(rate) + sample(part.first);
         const std::int64_t meant = sample(part.start) + sound.first - shown;
         const std::int64_t first = portionAt(meant);
-        part.soundDelay = first * CodedSound::portion - meant;
-        const auto sounds = [&](std::size_t other) { return film.parts[other].sounds(); };
+        plan.soundDelays[number] = first * CodedSound::portion - meant;
+        const auto sounds = [&](std::size_t other) { return film.parts[other].sounds; };
         const std::int64_t cleanFrom =
             number == 0 ? -CodedSound::portion
                         : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
@@ -233,26 +234,38 @@ void planSound(CopyPlan& plan, const SoundTarget& target) {
 }
 
 /// Finds the sound of all parts, and whether it can be copied as the film's.
-bool findSound(CopyPlan& plan, const SoundTarget& target) {
-    if (!target.wish || !target.ordinary) return false;
+bool findSound(CopyPlan& plan, const std::vector<CodedSource>& coded) {
+    if (!plan.film.audio || !plan.film.music.file.empty()) return false;
     const AVCodecParameters* model = nullptr;
     for (std::size_t i = 0; i < plan.film.parts.size(); ++i) {
         const Part& part = plan.film.parts[i];
-        if (!part.sounds()) continue;
-        try {
-            plan.sounds[i] = std::make_shared<const CodedSound>(codedSound(*part.input));
-        } catch (const NotCopied&) {
-            return false;
-        }
+        if (!part.sounds) continue;
+        plan.sounds[i] = coded[part.source].sound;
+        if (!plan.sounds[i]) return false;
         const AVCodecParameters& form = *plan.sounds[i]->form;
         if (model == nullptr) model = &form;
         // The first two bytes say all that a decoder must know.
         if (!std::equal(form.extradata, form.extradata + 2, model->extradata) ||
-            form.sample_rate != target.wish->sampleRate ||
-            form.ch_layout.nb_channels != target.wish->channels)
+            form.sample_rate != plan.film.audio->sampleRate ||
+            form.ch_layout.nb_channels != plan.film.audio->channels)
             return false;
     }
     return model != nullptr;
+}
+
+CodedSource scan(const Input& input, AVRational rate) {
+    CodedSource coded;
+    try {
+        coded.pictures = std::make_shared<const CodedPictures>(codedPictures(input, rate));
+    } catch (const NotCopied& why) {
+        coded.refusal = why.what();
+    }
+    try {
+        if (input.source().audio) coded.sound = std::make_shared<const CodedSound>(codedSound(input));
+    } catch (const NotCopied&) {
+        // Then all sound is encoded.
+    }
+    return coded;
 }
 
 }  // namespace
@@ -274,24 +287,32 @@ const AVCodecParameters& CopyPlan::modelSound() const {
     return *(*std::ranges::find_if(sounds, has))->form;
 }
 
-CopyPlan planCopy(const Film& film, const SoundTarget& sound, const TryEncoding& tryEncoding) {
+std::vector<CodedSource> scanSources(const OpenFilm& open) {
+    std::map<std::string, CodedSource> known;
+    std::vector<CodedSource> coded;
+    for (const std::unique_ptr<Input>& input : open.inputs) {
+        const auto [found, isNew] = known.try_emplace(input->name());
+        if (isNew) found->second = scan(*input, open.film().canvas.rate);
+        coded.push_back(found->second);
+    }
+    return coded;
+}
+
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsSound,
+                  const TryEncoding& tryEncoding) {
     CopyPlan plan;
     plan.film = film;
     plan.sounds.resize(film.parts.size());
-    CodedInputs inputs;
+    Copyable copyable;
     std::vector<std::string> refusals;
     for (const Part& part : film.parts) {
-        const auto [found, isNew] = inputs.try_emplace(part.input->name());
-        if (!isNew) continue;
-        try {
-            found->second = picturesOf(film, part);
-        } catch (const NotCopied& why) {
-            refusals.emplace_back(why.what());
-        }
+        const std::string refusal = refusalOf(film, film.sourceOf(part), coded[part.source]);
+        if (!refusal.empty()) addOnce(refusals, refusal);
+        copyable.push_back(refusal.empty() ? coded[part.source].pictures : nullptr);
     }
     for (bool settled = false; !settled;) {
         plan.refusals = refusals;
-        findAlike(plan, inputs);
+        findAlike(plan, copyable);
         plan.stretches.clear();
         Layout(plan).run();
         try {
@@ -301,10 +322,10 @@ CopyPlan planCopy(const Film& film, const SoundTarget& sound, const TryEncoding&
             // Others may do.
             refusals.emplace_back(why.what());
             for (std::size_t i = 0; i < film.parts.size(); ++i)
-                if (plan.pictures[i]) inputs[film.parts[i].input->name()] = nullptr;
+                if (plan.pictures[i]) copyable[i] = nullptr;
         }
     }
-    if (plan.copied() > 0 && findSound(plan, sound)) planSound(plan, sound);
+    if (plan.copied() > 0 && keepsSound && findSound(plan, coded)) planSound(plan);
     return plan;
 }
 

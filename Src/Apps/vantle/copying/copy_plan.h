@@ -11,8 +11,8 @@
 
 #include "copying/coded_stream.h"
 #include "output/writer.h"
+#include "playing/open_film.h"
 #include "timeline/film.h"
-#include "timeline/sound.h"
 
 namespace vantle {
 
@@ -46,6 +46,8 @@ struct CopyPlan {
     std::vector<Stretch> stretches;
     std::vector<std::shared_ptr<const CodedSound>> sounds;  ///< by part
     std::vector<SoundStretch> soundStretches;               ///< none: all sound is encoded
+    std::vector<std::int64_t>
+        soundDelays;                    ///< by part, the samples by which its sound comes late on the grid
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
 
     std::int64_t copied() const { return copiedFrames(stretches); }
@@ -60,16 +62,22 @@ struct CopyPlan {
     const AVCodecParameters& modelSound() const;
 };
 
-/// What a film's sound is to become.
-struct SoundTarget {
-    std::optional<SoundWish> wish{};
-    bool ordinary = true;  ///< no music lies under it, and nobody asked for an encoder
+/// What a file holds of one of a film's sources.
+struct CodedSource {
+    std::shared_ptr<const CodedPictures> pictures{};  ///< null where they cannot be copied
+    std::string refusal{};                            ///< why not
+    std::shared_ptr<const CodedSound> sound{};        ///< null where it cannot be copied
 };
+
+/// Looks through the packets of all of a film's sources, of which each file is read once.
+std::vector<CodedSource> scanSources(const OpenFilm& open);
 
 /// Throws NotCopied when what a plan does not copy cannot be encoded like what it copies.
 using TryEncoding = std::function<void(const CopyPlan&)>;
 
-/// Plans to copy what lies outside the joins of a film, where the others can be encoded.
-CopyPlan planCopy(const Film& film, const SoundTarget& sound, const TryEncoding& tryEncoding);
+/// Plans to copy what lies outside the joins of a film whose sources are `coded` so, where the others can be
+/// encoded. With `keepsSound` its sound may be copied too: nobody asked for an encoder.
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsSound,
+                  const TryEncoding& tryEncoding);
 
 }  // namespace vantle

@@ -38,22 +38,22 @@ av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
 
 }  // namespace
 
-EncodedPictures::EncodedPictures(const CopyPlan& plan, const StretchEncoder& encoder, const Stretch& stretch,
-                                 bool comparesAll)
-    : plan_(plan),
-      film_(plan.film),
+EncodedPictures::EncodedPictures(const OpenFilm& open, const CopyPlan& plan, const StretchEncoder& encoder,
+                                 const Stretch& stretch, bool comparesAll)
+    : open_(open),
+      plan_(plan),
       stretch_(stretch),
       comparesAll_(comparesAll),
       encoder_(encoder.open()),
-      reader_(film_, stretch.first, false),
-      painter_(film_.canvas.size,
-               {encoder_->context().pix_fmt, film_.parts[plan.model].input->first().colorspace,
-                film_.parts[plan.model].input->first().color_range}),
+      reader_(open, stretch.first, false),
+      painter_(plan.film.canvas.size,
+               {encoder_->context().pix_fmt, open.inputOf(plan.film.parts[plan.model]).first().colorspace,
+                open.inputOf(plan.film.parts[plan.model]).first().color_range}),
       frame_(stretch.first) {}
 
 EncodedPictures::~EncodedPictures() {
-    for (const Part& part : film_.parts)
-        if (part.start < stretch_.end() && part.end() > stretch_.first) part.input->close();
+    for (const Part& part : plan_.film.parts)
+        if (part.start < stretch_.end() && part.end() > stretch_.first) open_.inputOf(part).close();
 }
 
 av::Packet EncodedPictures::next() {
@@ -105,8 +105,9 @@ av::Packet CopiedPictures::next() {
     return packet;
 }
 
-FilmPictures::FilmPictures(const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll)
-    : plan_(plan), comparesAll_(comparesAll), copiedSets_(plan.pictures.size()) {
+FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice,
+                           bool comparesAll)
+    : open_(open), plan_(plan), comparesAll_(comparesAll), copiedSets_(plan.pictures.size()) {
     const NalCoding coding = plan.modelPictures().coding;
     const auto noteLevels = [&](const std::vector<Bytes>& sets) {
         for (const Bytes& set : sets)
@@ -115,7 +116,7 @@ FilmPictures::FilmPictures(const CopyPlan& plan, const EncoderChoice& choice, bo
     for (const Stretch& stretch : plan.stretches) {
         if (stretch.part) {
             const Part& part = plan.film.parts[*stretch.part];
-            const std::int64_t first = part.first + stretch.first - part.start;
+            const std::int64_t first = stretch.first - part.offset();
             reorder_ =
                 std::max(reorder_, reorderOf(*plan.pictures[*stretch.part], first, first + stretch.frames));
         } else if (!encoders_.contains(stretch.isSeam)) {
@@ -162,16 +163,16 @@ av::Packet FilmPictures::nextOfStretch() {
     const Stretch& stretch = plan_.stretches[stretch_];
     begun_ = encoding_ || copying_;
     if (!stretch.part) {
-        if (!encoding_) encoding_.emplace(plan_, encoders_.at(stretch.isSeam), stretch, comparesAll_);
+        if (!encoding_) encoding_.emplace(open_, plan_, encoders_.at(stretch.isSeam), stretch, comparesAll_);
         av::Packet packet = encoding_->next();
         if (!packet) drawn_.merge(encoding_->drawn());
         return packet;
     }
     const Part& part = plan_.film.parts[*stretch.part];
-    const std::int64_t offset = part.start - part.first;
+    const std::int64_t offset = part.offset();
     if (!copying_)
-        copying_.emplace(part.input->name(), *plan_.pictures[*stretch.part], stretch.first - offset,
-                         stretch.frames);
+        copying_.emplace(plan_.film.sourceOf(part).name, *plan_.pictures[*stretch.part],
+                         stretch.first - offset, stretch.frames);
     av::Packet packet = copying_->next();
     if (packet) packet->pts += offset;
     return packet;

@@ -14,8 +14,8 @@
 #include "copying/stretch_encoder.h"
 #include "media/demuxer.h"
 #include "media/encoder.h"
-#include "timeline/film.h"
-#include "timeline/painter.h"
+#include "playing/film_reader.h"
+#include "playing/painter.h"
 
 namespace vantle {
 
@@ -23,8 +23,8 @@ namespace vantle {
 class EncodedPictures {
    public:
     /// Remembers what is drawn in the frames that the plan compares, or in all.
-    EncodedPictures(const CopyPlan& plan, const StretchEncoder& encoder, const Stretch& stretch,
-                    bool comparesAll);
+    EncodedPictures(const OpenFilm& open, const CopyPlan& plan, const StretchEncoder& encoder,
+                    const Stretch& stretch, bool comparesAll);
     EncodedPictures(const EncodedPictures&) = delete;
     EncodedPictures& operator=(const EncodedPictures&) = delete;
     ~EncodedPictures();
@@ -36,8 +36,8 @@ class EncodedPictures {
     std::map<std::int64_t, Brightness>& drawn() { return drawn_; }
 
    private:
+    const OpenFilm& open_;
     const CopyPlan& plan_;
-    const Film& film_;
     Stretch stretch_;
     bool comparesAll_;
     std::unique_ptr<Encoder> encoder_;
@@ -70,7 +70,7 @@ class CopiedPictures {
 class FilmPictures {
    public:
     /// Encodes as StretchEncoder does, and remembers what EncodedPictures does.
-    FilmPictures(const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
+    FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
 
     /// The stream's description for a file.
     av::Parameters form() const;
@@ -86,6 +86,7 @@ class FilmPictures {
     av::Packet nextOfStretch();
     av::Packet rewritten(av::Packet packet) const;
 
+    const OpenFilm& open_;
     const CopyPlan& plan_;
     bool comparesAll_;
     std::map<bool, StretchEncoder> encoders_;  // by whether they are for seams

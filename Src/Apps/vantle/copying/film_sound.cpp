@@ -19,16 +19,17 @@ SoundFormat formatOf(const AVCodecContext& codec) {
 
 }  // namespace
 
-EncodedSound::EncodedSound(const Film& film, std::unique_ptr<Encoder> encoder, const MusicOptions& music,
-                           const SampleRange& kept)
-    : film_(film),
+EncodedSound::EncodedSound(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
+                           std::vector<std::int64_t> delays)
+    : film_(open.film()),
       encoder_(std::move(encoder)),
       kept_(kept),
       sample_(std::max<std::int64_t>(kept.first - around, 0)),
-      track_(film, formatOf(encoder_->context()), sample_, music, true),
-      frame_(av_rescale_rnd(sample_, film.canvas.rate.num,
-                            static_cast<std::int64_t>(film.canvas.rate.den) * encoder_->context().sample_rate,
-                            AV_ROUND_DOWN)) {}
+      track_(open, formatOf(encoder_->context()), sample_, true, std::move(delays)),
+      frame_(
+          av_rescale_rnd(sample_, film_.canvas.rate.num,
+                         static_cast<std::int64_t>(film_.canvas.rate.den) * encoder_->context().sample_rate,
+                         AV_ROUND_DOWN)) {}
 
 av::Packet EncodedSound::next() {
     for (;;) {
@@ -87,13 +88,14 @@ av::Packet FilmSound::nextOfStretch() {
     constexpr std::int64_t portion = CodedSound::portion;
     if (!stretch.part) {
         if (!encoding_)
-            encoding_.emplace(plan_.film, makeEncoder_(), MusicOptions{},
-                              SampleRange{stretch.first * portion, stretch.end() * portion});
+            encoding_.emplace(open_, makeEncoder_(),
+                              SampleRange{stretch.first * portion, stretch.end() * portion},
+                              plan_.soundDelays);
         return encoding_->next();
     }
     if (!copying_)
-        copying_.emplace(plan_.film.parts[*stretch.part].input->name(), *plan_.sounds[*stretch.part],
-                         stretch.source, stretch.portions);
+        copying_.emplace(plan_.film.sourceOf(plan_.film.parts[*stretch.part]).name,
+                         *plan_.sounds[*stretch.part], stretch.source, stretch.portions);
     return copying_->next();
 }
 

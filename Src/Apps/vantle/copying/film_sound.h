@@ -7,11 +7,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "copying/copy_plan.h"
 #include "media/demuxer.h"
 #include "media/encoder.h"
-#include "timeline/sound.h"
+#include "playing/sound.h"
 
 namespace vantle {
 
@@ -25,8 +26,9 @@ struct SampleRange {
 class EncodedSound {
    public:
     /// The packets that begin in `kept`. What lies around it is heard by the encoder too, as the film has it.
-    EncodedSound(const Film& film, std::unique_ptr<Encoder> encoder, const MusicOptions& music,
-                 const SampleRange& kept);
+    /// `delays` are those of Soundtrack.
+    EncodedSound(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
+                 std::vector<std::int64_t> delays = {});
 
     /// The next packet, its times in samples, or null at the end.
     av::Packet next();
@@ -65,8 +67,8 @@ class CopiedSound {
 class FilmSound {
    public:
     using MakeEncoder = std::function<std::unique_ptr<Encoder>()>;
-    FilmSound(const CopyPlan& plan, MakeEncoder makeEncoder)
-        : plan_(plan), makeEncoder_(std::move(makeEncoder)) {}
+    FilmSound(const OpenFilm& open, const CopyPlan& plan, MakeEncoder makeEncoder)
+        : open_(open), plan_(plan), makeEncoder_(std::move(makeEncoder)) {}
 
     /// The next packet, its times in samples, or null at the end.
     av::Packet next();
@@ -74,6 +76,7 @@ class FilmSound {
    private:
     av::Packet nextOfStretch();
 
+    const OpenFilm& open_;
     const CopyPlan& plan_;
     MakeEncoder makeEncoder_;
     std::size_t stretch_ = 0;

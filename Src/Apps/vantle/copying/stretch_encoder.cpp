@@ -65,7 +65,7 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
     const std::string usual = model.coding == NalCoding::h264 ? "libx264" : "libx265";
     const std::string name = choice.name.empty() ? usual : choice.name;
     const auto refuse = [&](const std::string& why) {
-        throw NotCopied(plan.film.parts[plan.model].input->name() +
+        throw NotCopied(plan.film.sourceOf(plan.film.parts[plan.model]).name +
                         ": joins cannot be encoded like it: " + why);
     };
     codec_ = avcodec_find_encoder_by_name(name.c_str());

@@ -117,8 +117,8 @@ class Verification {
             const Part& part = plan_.film.parts[i];
             const std::int64_t end = part.first + part.frames;
             if (plan_.pictures[i] && end < std::ssize(plan_.pictures[i]->pictures) &&
-                end == part.input->frames(rate_))
-                fail(part.input->name() + " is left before its frame", end);
+                end == plan_.film.sourceOf(part).frames(rate_))
+                fail(plan_.film.sourceOf(part).name + " is left before its frame", end);
         }
     }
 
@@ -189,7 +189,7 @@ class Verification {
             }
             const Part& part = plan_.film.parts[*stretch.part];
             for (const CodedPicture& picture : plan_.pictures[*stretch.part]->pictures) {
-                const std::int64_t frame = picture.number - part.first + part.start;
+                const std::int64_t frame = picture.number + part.offset();
                 if (picture.entry && frame >= stretch.first && frame < stretch.end()) frames.push_back(frame);
             }
         }
@@ -219,11 +219,11 @@ class Verification {
             if (stretch.part) {
                 const Part& part = plan_.film.parts[*stretch.part];
                 const CodedPictures& coded = *plan_.pictures[*stretch.part];
-                offset = part.start - part.first;
+                offset = part.offset();
                 const auto entry = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
                     return picture.entry && picture.number == from - offset;
                 });
-                source.emplace(part.input->name(), coded.stream, coded.start, rate_, entry->time);
+                source.emplace(plan_.film.sourceOf(part).name, coded.stream, coded.start, rate_, entry->time);
             }
             for (std::int64_t frame = from; frame < to; ++frame) {
                 const av::Frame picture = made.picture(frame);

@@ -2,7 +2,6 @@
 
 extern "C" {
 #include <libavutil/channel_layout.h>
-#include <libavutil/mathematics.h>
 #include <libavutil/samplefmt.h>
 }
 
@@ -31,10 +30,6 @@ av::Frame silence(const SoundFormat& format, int samples) {
     av::check(av_samples_set_silence(frame->extended_data, 0, samples, format.channels, format.sampleFormat),
               "sound");
     return frame;
-}
-
-std::int64_t sampleOf(std::int64_t frame, AVRational frameRate, int sampleRate) {
-    return av_rescale(frame, static_cast<std::int64_t>(sampleRate) * frameRate.den, frameRate.num);
 }
 
 }  // namespace vantle

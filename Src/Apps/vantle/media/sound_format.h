@@ -22,7 +22,4 @@ Filter toForm(const SoundFormat& format);
 /// New sound of a form, silent.
 av::Frame silence(const SoundFormat& format, int samples);
 
-/// The number of the first sample of a frame: the one place where frames become samples.
-std::int64_t sampleOf(std::int64_t frame, AVRational frameRate, int sampleRate);
-
 }  // namespace vantle

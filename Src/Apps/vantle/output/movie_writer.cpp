@@ -224,7 +224,7 @@ bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
 }
 
 std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNames& encoders,
-                                          const SoundWish& wish, std::int64_t bitRate, bool globalHeaders) {
+                                          const AudioForm& wish, std::int64_t bitRate, bool globalHeaders) {
     const AVCodec& encoder = soundEncoder(kind, encoders);
     return std::make_unique<Encoder>(encoder, av::Options{}, [&](AVCodecContext& codec) {
         constexpr std::int64_t bitsPerChannel = 96'000;

@@ -12,6 +12,7 @@
 #include "media/convert.h"
 #include "media/opened_files.h"
 #include "media/sound_format.h"
+#include "timeline/film.h"
 
 namespace vantle {
 
@@ -58,17 +59,11 @@ struct EncoderNames {
 /// can be written, or does not hold what the encoders make.
 OutputKind outputKind(const std::string& name, const EncoderNames& encoders);
 
-/// The sound that a video gets.
-struct SoundWish {
-    int sampleRate = 0;
-    int channels = 2;
-};
-
 struct WriterOptions {
     std::string name;
     Canvas canvas{};
     const AVFrame* colours = nullptr;  ///< a picture whose description of its colours a video takes over
-    std::optional<SoundWish> sound{};
+    std::optional<AudioForm> sound{};
     bool overwrite = false;
     EncoderNames encoders{};
     av::Options encoderOptions{};  ///< for a video's encoder, as FFmpeg knows them

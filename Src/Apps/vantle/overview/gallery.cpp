@@ -52,28 +52,29 @@ std::string title(const std::string& input) {
 }
 
 /// The options with which `vantle render` shows the same pictures.
-Json renderOptions(const JoinOptions& options) {
+Json renderOptions(const FilmRequest& film) {
     Json texts = Json::array();
     const auto add = [&](const char* name, const std::string& value) {
         texts.push_back(name);
         texts.push_back(value);
     };
-    const Time duration = options.duration;
-    if (duration.inFrames || duration.value != JoinOptions().duration.value)
-        add("--duration", Json(duration.value).dump() + (duration.inFrames ? "f" : ""));
-    if (options.fps) add("--fps", std::to_string(options.fps->num) + "/" + std::to_string(options.fps->den));
-    if (options.fit != Fit::contain) add("--fit", options.fit == Fit::cover ? "cover" : "stretch");
+    if (const Time time = film.duration; time != FilmRequest().duration)
+        add("--duration", Json(time.number()).dump() + (time.inFrames ? "f" : ""));
+    if (film.rate) add("--fps", std::to_string(film.rate->num) + "/" + std::to_string(film.rate->den));
+    if (film.fit != Fit::contain) add("--fit", film.fit == Fit::cover ? "cover" : "stretch");
     return texts;
 }
 
 std::string data(const OverviewOptions& options, const Overview& overview, const SpriteLayout& layout,
                  const std::vector<double>& positions) {
+    const std::string& from = options.film.shots[0].file;
+    const std::string& to = options.film.shots[1].file;
     Json gallery;
-    gallery["from"] = title(options.from);
-    gallery["to"] = title(options.to);
-    gallery["fromArgument"] = options.from;
-    gallery["toArgument"] = options.to;
-    gallery["options"] = renderOptions(options.join);
+    gallery["from"] = title(from);
+    gallery["to"] = title(to);
+    gallery["fromArgument"] = from;
+    gallery["toArgument"] = to;
+    gallery["options"] = renderOptions(options.film);
     gallery["width"] = layout.frame.width;
     gallery["height"] = layout.frame.height;
     gallery["positions"] = positions;
@@ -97,7 +98,7 @@ std::string data(const OverviewOptions& options, const Overview& overview, const
 }  // namespace
 
 void makeGallery(const GalleryOptions& options) {
-    const JoinOptions& asked = options.overview.join;
+    const Delivery& asked = options.overview.delivery;
     StagedFolder folder(asked.output, asked.force, folderTitle);
     const std::vector<double> positions = evenPositions(options.positions);
     // Frames too large for a sprite are refused before they are loaded.

@@ -13,20 +13,17 @@
 #include "Host/plugin.h"
 #include "media/canvas.h"
 #include "media/opened_files.h"
-#include "timeline/join_options.h"
+#include "output/delivery.h"
+#include "timeline/film_request.h"
 
 namespace vantle {
 
 /// What every overview of transitions is asked for with.
 struct OverviewOptions {
-    JoinOptions join;
-    std::string from;                      ///< outgoing input
-    std::string to;                        ///< incoming input
-    std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions; empty for all
+    FilmRequest film{.shots = {{}, {}}, .meetings = {{}}};  ///< of two inputs
+    std::vector<std::string> transitions{};  ///< names, indices, GUIDs or functions; empty for all
+    Delivery delivery{};
 };
-
-/// The name under which a transition is shown and can be asked for.
-const std::string& shownName(const Transition& transition);
 
 class Overview {
    public:
@@ -59,7 +56,7 @@ class Overview {
         double frame = 0.0;
     };
 
-    Plugin plugin_;
+    std::optional<Plugin> plugin_;  // stays loaded
     std::vector<Transition> transitions_;
     std::vector<Meeting> meetings_;
     std::int64_t overlap_ = 1;

@@ -7,7 +7,7 @@
 namespace vantle {
 
 void drawSheet(const SheetOptions& options) {
-    const JoinOptions& asked = options.overview.join;
+    const Delivery& asked = options.overview.delivery;
     checkSheetName(asked.output, asked.force);
     const std::vector<double> positions = innerPositions(options.form.columns);
     const Overview overview(options.overview, positions, [](Size own) { return own; });

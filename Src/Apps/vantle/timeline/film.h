@@ -1,15 +1,16 @@
-/// A film: inputs one after the other, with joins where they overlap.
+/// A film as a description: inputs one after the other, with joins where they overlap. It can be written
+/// down, compared and laid out without an open file.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <list>
+#include <optional>
+#include <string>
 #include <vector>
 
-#include "Host/plugin.h"
 #include "media/canvas.h"
-#include "timeline/clip.h"
-#include "timeline/input.h"
+#include "timeline/film_request.h"
+#include "timeline/source.h"
 
 namespace vantle {
 
@@ -19,76 +20,56 @@ struct FrameRange {
     std::int64_t last = std::int64_t{1} << 40;  ///< far beyond any video, and countable in samples
 };
 
-/// What is shown of an input, in frames of the film.
+/// What is shown of a source, in frames of the film.
 struct Part {
-    Input* input;
+    std::size_t source = 0;   ///< its place among the film's
     std::int64_t start = 0;   ///< the film's frame with which it begins
     std::int64_t frames = 0;  ///< how many frames show it
-    std::int64_t first = 0;   ///< the input's picture that the first of them shows
+    std::int64_t first = 0;   ///< the source's picture that the first of them shows
     Fit fit = Fit::contain;
-    bool mute = false;
-    std::int64_t soundDelay = 0;  ///< samples by which its sound comes late, so as to lie on a grid
+    bool sounds = false;  ///< it has audio that is heard
 
-    bool sounds() const { return input->sound() && !mute; }
     std::int64_t end() const { return start + frames; }
     bool holds(std::int64_t frame) const { return frame >= start && frame < end(); }
+
+    /// From the number of one of the source's pictures to the film's frame that shows it.
+    std::int64_t offset() const { return start - first; }
+};
+
+/// A transition by its names.
+struct TransitionName {
+    std::string shown;     ///< in the catalogue, else the function's
+    std::string function;  ///< that draws it
 };
 
 /// Where a part and the one after it overlap, or without a transition where one is cut to the other.
 struct Join {
-    const Transition* transition;
+    std::optional<TransitionName> transition{};
     std::int64_t start = 0;
     std::int64_t frames = 0;
 
     std::int64_t end() const { return start + frames; }
 };
 
-/// The list that rendering, sound and overviews are made from. Join i lies between parts i and i + 1; no
-/// frame lies in more than two parts.
+/// The form of a film's audio.
+struct AudioForm {
+    int sampleRate = 0;
+    int channels = 2;
+};
+
+/// Join i lies between parts i and i + 1; no frame lies in more than two parts.
 struct Film {
-    Canvas canvas;
-    std::vector<Part> parts;
-    std::vector<Join> joins;
+    Canvas canvas{};
+    std::vector<Source> sources{};
+    std::vector<Part> parts{};
+    std::vector<Join> joins{};
+    std::optional<AudioForm> audio{};  ///< none: it is silent
+    Music music{};
     /// The frame after each join is drawn by its transition too, at its very end.
     bool drawsEnds = false;
 
     std::int64_t frames() const { return parts.back().end(); }
+    const Source& sourceOf(const Part& part) const { return sources[part.source]; }
 };
-
-/// What shows at a moment: a picture of one input, or pictures of two and the transition between them.
-struct Moment {
-    av::Frame picture;
-    av::Frame incoming;  ///< null outside joins
-    TransFunc* transition = nullptr;
-    double position = 0.0;  ///< in frames of the join
-    double duration = 0.0;
-};
-
-/// The pictures of a film, frame by frame. At most two inputs are open at a time: one is closed when its part
-/// has been read.
-class FilmReader {
-   public:
-    /// From frame `first` on; with `sound`, the sound of its inputs can be read from there too.
-    FilmReader(const Film& film, std::int64_t first, bool sound);
-
-    /// What shows in the next frame. To be called for the film's frames only.
-    Moment next();
-
-   private:
-    struct Player {
-        std::size_t part;
-        Clip clip;
-        av::Frame last;
-    };
-    av::Frame pictureOf(std::size_t part, std::int64_t frame);
-
-    const Film& film_;
-    std::int64_t frame_;
-    bool sound_;
-    std::list<Player> players_;  // of the parts in this frame and the one before
-};
-
-/// What a join shows at each of `positions` (0 to 1, ascending).
-std::vector<Moment> momentsOf(const Film& film, std::size_t join, const std::vector<double>& positions);
 
 }  // namespace vantle

@@ -2,13 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <mutex>
 #include <random>
 #include <utility>
 
 #include "Host/error.h"
-#include "system/progress_bar.h"
-#include "system/workers.h"
 
 namespace vantle {
 
@@ -18,9 +15,12 @@ namespace {
 struct Range {
     std::int64_t first = 0;
     std::int64_t end = 0;
+
+    std::int64_t length() const { return end - first; }
 };
 
 constexpr std::int64_t endlessFrames = std::int64_t{1} << 40;
+constexpr double highestRate = 1000.0;  // as for --fps; damage and some raw streams state more
 
 std::string inSeconds(std::int64_t frames, AVRational rate) {
     char text[48] = "";
@@ -32,128 +32,206 @@ std::string count(std::int64_t frames) {
     return std::to_string(frames) + (frames == 1 ? " frame" : " frames");
 }
 
-Range rangeOf(const Shot& shot, Input& input, AVRational rate) {
-    const std::int64_t length = input.endless() ? endlessFrames : input.frames(rate);
-    Range range{0, length};
-    if (shot.in) range.first = shot.in->frames(rate);
-    if (shot.out) range.end = shot.out->frames(rate);
-    if (range.first >= length)
-        throw Error(input.name() + ": in lies after its end, " + inSeconds(length, rate) + " (" +
-                    count(length) + ")");
-    // A file's stated length may be rounded up by a part of a frame.
-    if (range.end > length + 1)
-        throw Error(input.name() + ": out lies after its end, " + inSeconds(length, rate) + " (" +
-                    count(length) + ")");
-    range.end = std::min(range.end, length);
-    if (range.end <= range.first) throw Error(input.name() + ": out does not lie after in");
-    return range;
-}
+std::string text(Size size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
+
+class Layout {
+   public:
+    Layout(const FilmRequest& request, std::vector<Source> sources,
+           std::vector<std::optional<TransitionName>> transitions)
+        : request_(request), transitions_(std::move(transitions)) {
+        Film& film = laid_.film;
+        film.sources = std::move(sources);
+        film.drawsEnds = request.drawsEnds;
+        film.music = request.music;
+        film.canvas = {canvasSize(), request.rate.value_or(commonRate(film.sources)), request.fit};
+        findRanges();
+        findOverlaps();
+        if (laid_.complaints.empty()) place();
+    }
+
+    LaidOut take() { return std::move(laid_); }
+
+   private:
+    void complain(const std::string& what, bool isUsage = false) {
+        laid_.complaints.push_back({what, isUsage});
+    }
+
+    /// The size of the first input, unless another is asked for.
+    Size canvasSize() {
+        const Source& first = laid_.film.sources.front();
+        Size size = request_.size.value_or(first.size);
+        if (std::max(size.width, size.height) > largestSide)
+            complain(first.name + ": its pictures show at " + text(size) + ", and at most " +
+                     std::to_string(largestSide) + " each can be rendered; --size makes them smaller");
+        if (!request_.evenSize || (size.width % 2 == 0 && size.height % 2 == 0)) return size;
+        if (request_.size) complain("--size: this kind of video needs an even width and height", true);
+        return {std::max(size.width / 2 * 2, 2), std::max(size.height / 2 * 2, 2)};
+    }
+
+    void findRanges() {
+        for (std::size_t i = 0; i < laid_.film.sources.size(); ++i)
+            ranges_.push_back(rangeOf(request_.shots[i], laid_.film.sources[i]));
+    }
+
+    Range rangeOf(const Shot& shot, const Source& source) {
+        const AVRational rate = laid_.film.canvas.rate;
+        const std::int64_t length = source.endless ? endlessFrames : source.frames(rate);
+        const std::string itsEnd = "its end, " + inSeconds(length, rate) + " (" + count(length) + ")";
+        Range range{0, length};
+        if (shot.in) range.first = shot.in->frames(rate);
+        if (shot.out) range.end = shot.out->frames(rate);
+        if (range.first >= length) {
+            complain(source.name + ": in lies after " + itsEnd);
+            return {0, length};
+        }
+        // A file's stated length may be rounded up by a part of a frame.
+        if (range.end > length + 1) complain(source.name + ": out lies after " + itsEnd);
+        range.end = std::min(range.end, length);
+        if (range.length() > 0) return range;
+        complain(source.name + ": out does not lie after in");
+        return {0, length};
+    }
+
+    /// The overlaps before and after an input.
+    static std::pair<std::int64_t, std::int64_t> around(std::size_t shot,
+                                                        const std::vector<std::int64_t>& lengths) {
+        return {shot > 0 ? lengths[shot - 1] : 0, shot < lengths.size() ? lengths[shot] : 0};
+    }
+
+    void findOverlaps() {
+        const AVRational rate = laid_.film.canvas.rate;
+        const std::vector<Source>& sources = laid_.film.sources;
+        std::vector<std::int64_t> wanted;
+        for (std::size_t i = 0; i < transitions_.size(); ++i) {
+            wanted.push_back(
+                transitions_[i] ? request_.meetings[i].duration.value_or(request_.duration).frames(rate) : 0);
+            if (transitions_[i] && wanted.back() < 1) complain("duration: shorter than one frame", true);
+        }
+        overlaps_ = wanted;
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            const std::int64_t length = ranges_[i].length();
+            const auto [before, after] = around(i, wanted);
+            if (before + after <= length) continue;
+            if (!request_.shrink)
+                complain(sources[i].name + ": shows " + count(length) + " (" + inSeconds(length, rate) +
+                         "), fewer than the " + std::to_string(before + after) + " (" +
+                         inSeconds(before + after, rate) +
+                         ") that its transitions need; a shorter --duration helps, or --shrink");
+            if (i > 0) overlaps_[i - 1] = std::min(overlaps_[i - 1], before * length / (before + after));
+            if (i < overlaps_.size())
+                overlaps_[i] = std::min(overlaps_[i], after * length / (before + after));
+        }
+        for (std::size_t i = 0; i < overlaps_.size(); ++i)
+            if (overlaps_[i] != wanted[i])
+                laid_.notes.push_back("the transition from " + sources[i].name + " to " +
+                                      sources[i + 1].name + " is shortened from " +
+                                      std::to_string(wanted[i]) + " to " + count(overlaps_[i]) +
+                                      (overlaps_[i] == 0 ? ": a cut" : ""));
+    }
+
+    void place() {
+        Film& film = laid_.film;
+        std::int64_t start = 0;
+        for (std::size_t i = 0; i < film.sources.size(); ++i) {
+            const Shot& shot = request_.shots[i];
+            const Source& source = film.sources[i];
+            const auto [before, after] = around(i, overlaps_);
+            // What never ends shows for its hold outside its joins, unless it is told where to end.
+            std::int64_t frames = ranges_[i].length();
+            if (source.endless && !shot.out)
+                frames = std::max<std::int64_t>(
+                    before + after +
+                        shot.hold.value_or(request_.hold.value_or(Time{1})).frames(film.canvas.rate),
+                    1);
+            film.parts.push_back({i, start, frames, ranges_[i].first, shot.fit.value_or(request_.fit),
+                                  source.audio && !shot.mute && !request_.mute});
+            if (i == transitions_.size()) break;
+            start += frames - after;
+            film.joins.push_back({after > 0 ? transitions_[i] : std::nullopt, start, after});
+        }
+        // The end that is drawn is a frame of its own, whether or not the last input has one for it.
+        if (film.drawsEnds && !film.joins.empty() && film.joins.back().transition)
+            film.parts.back().frames = std::max(film.parts.back().frames, film.joins.back().frames + 1);
+        film.audio = audioForm();
+    }
+
+    /// The first input's rate, and as many channels as all agree on, else two.
+    std::optional<AudioForm> audioForm() const {
+        std::optional<AudioForm> form;
+        for (const Part& part : laid_.film.parts) {
+            if (!part.sounds) continue;
+            const Source::Audio& audio = *laid_.film.sourceOf(part).audio;
+            if (!form)
+                form = {audio.sampleRate, audio.channels};
+            else if (form->channels != audio.channels)
+                form->channels = 2;
+        }
+        if (!form && !request_.music.file.empty()) form = {48000, 2};
+        if (form) form->channels = request_.channels.value_or(form->channels);
+        return form;
+    }
+
+    const FilmRequest& request_;
+    std::vector<std::optional<TransitionName>> transitions_;
+    std::vector<Range> ranges_;
+    std::vector<std::int64_t> overlaps_;
+    LaidOut laid_;
+};
 
 }  // namespace
 
-std::vector<const Transition*> transitionsFor(const Sequence& sequence, const Plugin& plugin,
-                                              std::uint32_t seed) {
+AVRational commonRate(std::span<const Source> sources) {
+    for (const Source& source : sources)
+        if (source.rate.num > 0 && av_q2d(source.rate) <= highestRate) return source.rate;
+    return {30, 1};
+}
+
+std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& request,
+                                                             std::span<const Transition> catalogue,
+                                                             std::vector<Complaint>& complaints) {
     std::vector<const Transition*> chosen;
-    for (const Meeting& meeting : sequence.meetings) {
-        const bool open = meeting.transition == "cut" || meeting.transition == "random";
-        const Transition* const found = open ? nullptr : &plugin.find(meeting.transition);
-        if (found != nullptr && found->draw == nullptr)
-            throw Error("the plug-in lists \"" + found->name + "\" but does not have it yet");
+    for (const Meeting& meeting : request.meetings) {
+        const bool isOpen = meeting.transition == "cut" || meeting.transition == "random";
+        const Transition* found = nullptr;
+        try {
+            found = isOpen ? nullptr : &findTransition(catalogue, meeting.transition);
+            if (found != nullptr && found->draw == nullptr)
+                complaints.push_back(
+                    {"the plug-in lists \"" + found->name + "\" but does not have it yet", false});
+        } catch (const UsageError& unknown) {
+            complaints.push_back({unknown.what(), true});
+        }
         chosen.push_back(found);
     }
-    std::vector<const Transition*> catalogue;
-    for (const Transition& transition : plugin.transitions())
-        if (transition.index && transition.draw != nullptr) catalogue.push_back(&transition);
-    std::mt19937 random(seed);  // the same numbers everywhere
+    std::vector<const Transition*> drawn;
+    for (const Transition& transition : catalogue)
+        if (transition.index && transition.draw != nullptr) drawn.push_back(&transition);
+    std::mt19937 random(request.seed.value_or(0));  // the same numbers everywhere
     for (std::size_t i = 0; i < chosen.size(); ++i) {
-        if (sequence.meetings[i].transition != "random") continue;
+        if (request.meetings[i].transition != "random") continue;
         const Transition* const before = i > 0 ? chosen[i - 1] : nullptr;
         const Transition* const after = i + 1 < chosen.size() ? chosen[i + 1] : nullptr;
         std::vector<const Transition*> others;
-        std::ranges::copy_if(catalogue, std::back_inserter(others), [&](const Transition* transition) {
+        std::ranges::copy_if(drawn, std::back_inserter(others), [&](const Transition* transition) {
             return transition != before && transition != after;
         });
-        if (others.empty()) others = catalogue;
-        if (others.empty()) throw Error("the plug-in has no transition");
-        chosen[i] = others[random() % others.size()];
+        if (others.empty()) others = drawn;
+        if (others.empty())
+            complaints.push_back({"the plug-in has no transition", false});
+        else
+            chosen[i] = others[random() % others.size()];
     }
-    return chosen;
+    std::vector<std::optional<TransitionName>> names;
+    for (const Transition* const transition : chosen)
+        names.push_back(transition != nullptr
+                            ? std::optional(TransitionName{shownName(*transition), transition->function})
+                            : std::nullopt);
+    return names;
 }
 
-std::vector<std::unique_ptr<Input>> openInputs(const Sequence& sequence, bool quiet) {
-    constexpr std::size_t keptOpen = 2;
-    std::vector<std::unique_ptr<Input>> inputs(sequence.shots.size());
-    ProgressBar progress(std::ssize(inputs), quiet || inputs.size() <= keptOpen, "input");
-    std::mutex guard;
-    std::int64_t opened = 0;
-    inParallel(inputs.size(), [&](std::size_t i) {
-        inputs[i] = std::make_unique<Input>(sequence.shots[i].file);
-        if (!inputs[i]->endless()) inputs[i]->frames({1, 1});
-        if (i >= keptOpen) inputs[i]->close();
-        const std::scoped_lock lock(guard);
-        progress.update(++opened);
-    });
-    return inputs;
-}
-
-Film layOut(const Sequence& sequence, std::span<const std::unique_ptr<Input>> inputs,
-            const std::vector<const Transition*>& transitions, const Canvas& canvas, const Defaults& defaults,
-            std::vector<std::string>& notes) {
-    const AVRational rate = canvas.rate;
-    std::vector<Range> ranges;
-    for (std::size_t i = 0; i < inputs.size(); ++i)
-        ranges.push_back(rangeOf(sequence.shots[i], *inputs[i], rate));
-
-    std::vector<std::int64_t> overlaps;
-    for (std::size_t i = 0; i < transitions.size(); ++i) {
-        overlaps.push_back(transitions[i] != nullptr
-                               ? sequence.meetings[i].duration.value_or(defaults.duration).frames(rate)
-                               : 0);
-        if (transitions[i] != nullptr && overlaps.back() < 1)
-            throw UsageError("duration: shorter than one frame");
-    }
-    const auto around = [&](std::size_t shot, const std::vector<std::int64_t>& lengths) {
-        return std::pair{shot > 0 ? lengths[shot - 1] : 0, shot < lengths.size() ? lengths[shot] : 0};
-    };
-    std::vector<std::int64_t> shrunk = overlaps;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        const std::int64_t length = ranges[i].end - ranges[i].first;
-        const auto [before, after] = around(i, overlaps);
-        if (before + after <= length) continue;
-        if (!defaults.shrink)
-            throw Error(inputs[i]->name() + ": shows " + count(length) + " (" + inSeconds(length, rate) +
-                        "), fewer than the " + std::to_string(before + after) + " (" +
-                        inSeconds(before + after, rate) +
-                        ") that its transitions need; a shorter --duration helps, or --shrink");
-        if (i > 0) shrunk[i - 1] = std::min(shrunk[i - 1], before * length / (before + after));
-        if (i < shrunk.size()) shrunk[i] = std::min(shrunk[i], after * length / (before + after));
-    }
-    for (std::size_t i = 0; i < shrunk.size(); ++i)
-        if (shrunk[i] != overlaps[i])
-            notes.push_back("the transition from " + inputs[i]->name() + " to " + inputs[i + 1]->name() +
-                            " is shortened from " + std::to_string(overlaps[i]) + " to " + count(shrunk[i]) +
-                            (shrunk[i] == 0 ? ": a cut" : ""));
-
-    Film film{canvas, {}, {}, defaults.drawsEnds};
-    std::int64_t start = 0;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        const Shot& shot = sequence.shots[i];
-        const auto [before, after] = around(i, shrunk);
-        // What never ends shows for its hold outside its joins, unless it is told where to end.
-        std::int64_t frames = ranges[i].end - ranges[i].first;
-        if (inputs[i]->endless() && !shot.out)
-            frames =
-                std::max<std::int64_t>(before + after + shot.hold.value_or(defaults.hold).frames(rate), 1);
-        film.parts.push_back(
-            {inputs[i].get(), start, frames, ranges[i].first, shot.fit.value_or(canvas.fit), shot.mute});
-        if (i == transitions.size()) break;
-        start += frames - after;
-        film.joins.push_back({after > 0 ? transitions[i] : nullptr, start, after});
-    }
-    // The end that is drawn is a frame of its own, whether or not the last input has one for it.
-    if (film.drawsEnds && !film.joins.empty() && film.joins.back().transition != nullptr)
-        film.parts.back().frames = std::max(film.parts.back().frames, film.joins.back().frames + 1);
-    return film;
+LaidOut layOut(const FilmRequest& request, std::vector<Source> sources,
+               std::vector<std::optional<TransitionName>> transitions) {
+    return Layout(request, std::move(sources), std::move(transitions)).take();
 }
 
 }  // namespace vantle

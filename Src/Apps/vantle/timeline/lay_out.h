@@ -1,40 +1,43 @@
-/// From what is asked for to a film, every frame of it in its place.
+/// From what is asked for and what is known of the inputs to a film, every frame of it in its place.
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "Host/plugin.h"
 #include "timeline/film.h"
-#include "timeline/input.h"
-#include "timeline/sequence.h"
+#include "timeline/film_request.h"
 
 namespace vantle {
 
-/// The transition of each meeting, null for a cut. One that is given as `random` is drawn from the catalogue,
-/// never the same as a neighbour, and follows from `seed` alone. Throws UsageError for an unknown name.
-std::vector<const Transition*> transitionsFor(const Sequence& sequence, const Plugin& plugin,
-                                              std::uint32_t seed);
-
-/// What holds for all shots and meetings that do not say otherwise.
-struct Defaults {
-    Time duration{1.0, false};
-    Time hold{1.0, false};
-    bool shrink = false;     ///< overlaps that are too long for their inputs are shortened
-    bool drawsEnds = false;  ///< see Film
+/// Why a film cannot be made as it is asked for.
+struct Complaint {
+    std::string text;
+    bool isUsage = false;  ///< the request makes no sense, whatever the inputs are
 };
 
-/// Opens all inputs at once, as many at a time as there are cores, and measures them. Only the first two stay
-/// open. Throws Error for the first one that cannot be read.
-std::vector<std::unique_ptr<Input>> openInputs(const Sequence& sequence, bool quiet);
+/// The rate at which inputs are joined: that of the first that has one, else 30 per second.
+AVRational commonRate(std::span<const Source> sources);
 
-/// Lays the film out. `notes` gets a line for whatever its user should know before. Throws Error, which names
-/// the input, when one shows less than its overlaps need.
-Film layOut(const Sequence& sequence, std::span<const std::unique_ptr<Input>> inputs,
-            const std::vector<const Transition*>& transitions, const Canvas& canvas, const Defaults& defaults,
-            std::vector<std::string>& notes);
+/// The transition of each meeting, none for a cut. One that is asked for as `random` is drawn from the
+/// catalogue, never the same as a neighbour, and follows from the request's seed alone. What cannot be found
+/// is a complaint, and a cut.
+std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& request,
+                                                             std::span<const Transition> catalogue,
+                                                             std::vector<Complaint>& complaints);
+
+struct LaidOut {
+    Film film;
+    std::vector<Complaint> complaints;  ///< when there are any, the film is none
+    std::vector<std::string> notes;     ///< a line for whatever its user should know before
+};
+
+/// Lays a film out. `sources` are what is known of the shots' files, one for each shot, and `transitions`
+/// those of the meetings.
+LaidOut layOut(const FilmRequest& request, std::vector<Source> sources,
+               std::vector<std::optional<TransitionName>> transitions);
 
 }  // namespace vantle

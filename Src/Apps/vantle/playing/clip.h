@@ -6,7 +6,7 @@
 
 #include "media/canvas.h"
 #include "media/filters.h"
-#include "timeline/input.h"
+#include "playing/input.h"
 
 namespace vantle {
 

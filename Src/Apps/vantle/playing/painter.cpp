@@ -1,4 +1,4 @@
-#include "timeline/painter.h"
+#include "playing/painter.h"
 
 namespace vantle {
 
@@ -9,19 +9,18 @@ bool smoothChroma(const PictureFormat& format) { return format.range == AVCOL_RA
 
 }  // namespace
 
-DIImage ImageLoader::load(const AVFrame& picture) {
+std::shared_ptr<const Image> ImageLoader::load(const AVFrame& picture) {
     if (!held_ || held_->data[0] != picture.data[0]) {
-        converter_.convert(viewOf(picture), viewOf(image_.get()));
+        if (image_.use_count() != 1) image_ = std::make_shared<Image>(makeImage(size_.width, size_.height));
+        converter_.convert(viewOf(picture), viewOf(image_->get()));
         held_ = av::share(picture);
     }
-    return image_.get();
+    return image_;
 }
 
 void draw(const Moment& moment, ImageLoader& from, ImageLoader& to, DIImage out) {
-    TransParam param{};
-    param.dDuration = moment.duration;
-    param.dPosition = moment.position;
-    moment.transition(out, from.load(*moment.picture), to.load(*moment.incoming), &param);
+    drawTransition(moment.transition, out, from.load(*moment.picture)->get(),
+                   to.load(*moment.incoming)->get(), moment.position, moment.duration);
 }
 
 Painter::Painter(Size size, const PictureFormat& format)

@@ -1,4 +1,4 @@
-#include "timeline/sound.h"
+#include "playing/sound.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,7 +28,7 @@ float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
 }  // namespace
 
 std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::int64_t first, int sampleRate) {
-    const int stream = input.sound()->stream;
+    const int stream = input.source().audio->stream;
     auto demuxer = std::make_unique<Demuxer>(input.name());
     // Beside the pictures, though they are not wanted: of sound alone a long pause might look like a jump in
     // time.
@@ -40,18 +40,19 @@ std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::in
     return demuxer;
 }
 
-Soundtrack::Soundtrack(const Film& film, const SoundFormat& format, std::int64_t first,
-                       const MusicOptions& music, bool alone)
-    : film_(film),
-      musicOptions_(music),
+Soundtrack::Soundtrack(const OpenFilm& open, const SoundFormat& format, std::int64_t first, bool alone,
+                       std::vector<std::int64_t> delays)
+    : open_(open),
+      film_(open.film()),
+      delays_(std::move(delays)),
       format_(mixed(format)),
       frameSamples_(format.frameSamples),
       alone_(alone),
       output_(*silence(format_, 1), {1, format.sampleRate}, {toForm(format)}),
       begin_(first),
       next_(begin_) {
-    if (music.file.empty()) return;
-    music_.emplace(music.file, format_);
+    if (film_.music.file.empty()) return;
+    music_.emplace(film_.music.file, format_);
     // The music has run on under what is not wanted.
     constexpr std::int64_t portion = 1 << 16;
     for (std::int64_t left = begin_; left > 0; left -= portion)
@@ -68,7 +69,7 @@ void Soundtrack::advance(std::int64_t frame) {
     const av::Frame mix = silence(format_, static_cast<int>(end - next_));
     for (std::size_t number = 0; number < film_.parts.size(); ++number) {
         const Part& part = film_.parts[number];
-        if (part.sounds() && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
+        if (part.sounds && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
     }
     players_.remove_if([&](const Player& player) { return sample(film_.parts[player.part].end()) <= end; });
     if (music_) addMusic(*mix);
@@ -88,9 +89,10 @@ void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
     auto player = std::ranges::find(players_, number, &Player::part);
     if (player == players_.end()) {
         // Counted from the input's own first picture, so that its sound lies with its pictures.
-        const std::int64_t first =
-            part.input->startSample(format_.sampleRate) + sample(part.first) - part.soundDelay;
-        players_.emplace_back(number, *part.input, format_, first + begin - sample(part.start), alone_);
+        const std::int64_t first = film_.sourceOf(part).startSample(format_.sampleRate) + sample(part.first) -
+                                   (delays_.empty() ? 0 : delays_[number]);
+        players_.emplace_back(number, open_.inputOf(part), format_, first + begin - sample(part.start),
+                              alone_);
         player = std::prev(players_.end());
     }
     const av::Frame sound = player->reader.read(static_cast<int>(end - begin));
@@ -105,8 +107,8 @@ void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
     };
     std::optional<Slope> rise;
     std::optional<Slope> fall;
-    if (number > 0 && film_.parts[number - 1].sounds()) rise = slopeOf(number - 1);
-    if (number < film_.joins.size() && film_.parts[number + 1].sounds()) fall = slopeOf(number);
+    if (number > 0 && film_.parts[number - 1].sounds) rise = slopeOf(number - 1);
+    if (number < film_.joins.size() && film_.parts[number + 1].sounds) fall = slopeOf(number);
     for (std::int64_t at = begin; at < end; ++at) {
         const float gain = (rise ? ramp(at, rise->start, rise->length) : 1.0F) *
                            (fall ? 1.0F - ramp(at, fall->start, fall->length) : 1.0F);
@@ -123,13 +125,13 @@ void Soundtrack::addMusic(AVFrame& mix) {
     const std::int64_t end = next_ + mix.nb_samples;
     std::vector<std::pair<std::int64_t, std::int64_t>> louder;  // where inputs have sound, near here
     for (const Part& part : film_.parts)
-        if (musicOptions_.duck && part.sounds() && sample(part.start) - slope < end &&
+        if (film_.music.duck && part.sounds && sample(part.start) - slope < end &&
             sample(part.end()) + slope > next_)
             louder.emplace_back(sample(part.start), sample(part.end()));
     const av::Frame sound = music_->read(mix.nb_samples);
     for (int i = 0; i < mix.nb_samples; ++i) {
         const std::int64_t at = next_ + i;
-        float gain = static_cast<float>(musicOptions_.volume) * (1.0F - ramp(at, filmEnd - fade, fade));
+        float gain = static_cast<float>(film_.music.volume) * (1.0F - ramp(at, filmEnd - fade, fade));
         // Down by the time a part with sound begins, and up again only after its end.
         float down = 0.0F;
         for (const auto& [start, stop] : louder)

@@ -1,4 +1,4 @@
-#include "timeline/sound_source.h"
+#include "playing/sound_source.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -85,14 +85,14 @@ bool SoundReader::take() {
     return true;
 }
 
-Music::Music(const std::string& name, const SoundFormat& format)
+MusicReader::MusicReader(const std::string& name, const SoundFormat& format)
     : input_(name),
       stream_(soundStream(input_)),
       format_(format),
       source_(std::in_place, input_, stream_, format),
       portions_(*silence(format, 1), {1, format.sampleRate}, {}) {}
 
-av::Frame Music::read(int samples) {
+av::Frame MusicReader::read(int samples) {
     bool restarted = false;
     for (;;) {
         if (av::Frame frame = portions_.pullSamples(samples)) return frame;

@@ -1,10 +1,8 @@
-#include "plan.h"
+#include "rendering/plan.h"
 
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
-
-#include "overview/overview.h"
 
 namespace vantle {
 
@@ -30,7 +28,7 @@ std::string clock(double time) {
 
 Json inputEntry(const Film& film, const Part& part) {
     return {{"input",
-             {{"file", part.input->name()},
+             {{"file", film.sourceOf(part).name},
               {"in", inThousandths(seconds(part.first, film))},
               {"out", inThousandths(seconds(part.first + part.frames, film))},
               {"first", part.start},
@@ -38,7 +36,7 @@ Json inputEntry(const Film& film, const Part& part) {
 }
 
 Json joinEntry(const Join& join) {
-    const std::string name = join.transition != nullptr ? shownName(*join.transition) : "cut";
+    const std::string name = join.transition ? join.transition->shown : "cut";
     return {{"join", {{"transition", name}, {"first", join.start}, {"frames", join.frames}}}};
 }
 
@@ -95,17 +93,17 @@ void printPlan(const Film& film, const std::vector<Stretch>& stretches, const st
     std::printf("%15s  %9s  %9s\n", "FRAMES", "FROM", "LENGTH");
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         const Part& part = film.parts[i];
-        std::string what = part.input->name();
-        if (part.input->still())
+        std::string what = film.sourceOf(part).name;
+        if (film.sourceOf(part).still)
             what += " (still)";
-        else if (!part.input->endless())
+        else if (!film.sourceOf(part).endless)
             what += ", " + clock(seconds(part.first, film)) + " to " +
                     clock(seconds(part.first + part.frames, film));
         printRow(film, part.start, part.frames, what);
         if (i == film.joins.size()) break;
         const Join& join = film.joins[i];
-        if (join.transition != nullptr)
-            printRow(film, join.start, join.frames, "  + " + shownName(*join.transition));
+        if (join.transition)
+            printRow(film, join.start, join.frames, "  + " + join.transition->shown);
         else
             std::printf("%15s  %9s  %9s    + cut\n", "", "", "");
     }

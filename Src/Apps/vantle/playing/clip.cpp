@@ -1,4 +1,4 @@
-#include "timeline/clip.h"
+#include "playing/clip.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>

@@ -4,17 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "timeline/sequence.h"
+#include "timeline/film_request.h"
 
 namespace vantle {
 
 /// Reads operands in order: `+NAME` says how the inputs around it meet, `key=value` from a closed set belongs
 /// to the operand before it, all else is an input. `transitions` are taken in turn where no `+NAME` stands.
 /// Throws UsageError when the operands make no sense.
-Sequence parseOperands(const std::vector<std::string>& operands, const std::vector<std::string>& transitions);
+void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
+                   const std::vector<std::string>& transitions);
 
 /// Puts the inputs into the order in which a person counts: img2 before img10. Throws UsageError when
 /// `operands` say how two of them meet.
-void sortNaturally(Sequence& sequence, const std::vector<std::string>& operands);
+void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands);
 
 }  // namespace vantle

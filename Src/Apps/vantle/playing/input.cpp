@@ -1,9 +1,10 @@
-#include "timeline/input.h"
+#include "playing/input.h"
 
 extern "C" {
 #include <libavutil/common.h>
 #include <libavutil/display.h>
 #include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
 }
 
 #include <algorithm>
@@ -14,13 +15,12 @@ extern "C" {
 #include <string_view>
 #include <utility>
 
+#include "media/convert.h"
 #include "media/versions.h"
 
 namespace vantle {
 
 namespace {
-
-constexpr double highestRate = 1000.0;  // as for --fps; damage and some raw streams state more
 
 // Of decoders. With more than one they hold a picture for each; while many inputs are opened side by side,
 // one does.
@@ -88,7 +88,8 @@ Input::Opened::Opened(const std::string& name, int threads)
     if (const std::optional<int> sound = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*sound);
 }
 
-Input::Input(const std::string& name) : name_(name) {
+Input::Input(const std::string& name) {
+    source_.name = name;
     open(oneThread);
     if (opened_->ahead.empty()) throw Error(name + ": holds no picture");
     // What its pixels are does not matter, and those of hundreds of inputs would fill the memory.
@@ -100,23 +101,31 @@ Input::Input(const std::string& name) : name_(name) {
     first_->format = picture.format;
 
     AVStream& stream = opened_->reader->stream();
-    still_ = opened_->ahead.size() == 1;
-    rate_ = still_ ? AVRational{0, 1} : standardRate(opened_->demuxer.container(), stream);
+    source_.still = opened_->ahead.size() == 1;
+    source_.rate = source_.still ? AVRational{0, 1} : standardRate(opened_->demuxer.container(), stream);
     if (const std::uint8_t* const matrix = av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX))
         std::memcpy(displayMatrix_.emplace().data(), matrix, sizeof *displayMatrix_);
+    source_.size = shownSize(*first_);
+    source_.hdr = isHdr(*first_);
+    if (const AVPixFmtDescriptor* const pixels =
+            av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first_->format)))
+        source_.depth = pixels->comp[0].depth;
     if (const std::optional<int> sound = opened_->demuxer.best(AVMEDIA_TYPE_AUDIO)) {
         const AVCodecParameters& coded = *opened_->demuxer.stream(*sound).codecpar;
-        if (coded.sample_rate > 0) sound_ = {*sound, coded.sample_rate, coded.ch_layout.nb_channels};
+        if (coded.sample_rate > 0) source_.audio = {*sound, coded.sample_rate, coded.ch_layout.nb_channels};
     } else if (opened_->demuxer.holds(AVMEDIA_TYPE_AUDIO)) {
-        leftOut_ = opened_->demuxer.whyNone(AVMEDIA_TYPE_AUDIO) + "; it is left out";
+        source_.leftOut = opened_->demuxer.whyNone(AVMEDIA_TYPE_AUDIO) + "; it is left out";
     }
     constexpr std::string_view generated = "lavfi:";
-    endlessSource_ = name.starts_with(generated) && runsForever(name.substr(generated.size()));
+    source_.generated = name.starts_with(generated);
+    source_.endless = source_.still || (source_.generated && runsForever(name.substr(generated.size())));
+    source_.firstTime = first_->pts;
+    if (!source_.endless) source_.length = av_sat_sub64(measuredEnd(), first_->pts);
 }
 
 void Input::open(int threads) {
-    opened_ = std::make_unique<Opened>(name_, threads);
-    timeBase_ = opened_->reader->stream().time_base;
+    opened_ = std::make_unique<Opened>(source_.name, threads);
+    source_.timeBase = opened_->reader->stream().time_base;
     for (int i = 0; i < 2; ++i)
         if (av::Frame frame = decode()) opened_->ahead.push_back(std::move(frame));
 }
@@ -156,7 +165,8 @@ av::Frame Input::decode() {
 }
 
 std::int64_t Input::shownFor(std::int64_t duration) const {
-    return std::max(duration, rate_.num > 0 ? av_rescale_q(1, av_inv_q(rate_), timeBase_) : 1);
+    return std::max(duration,
+                    source_.rate.num > 0 ? av_rescale_q(1, av_inv_q(source_.rate), source_.timeBase) : 1);
 }
 
 const std::int32_t* Input::matrixOf(const AVFrame& picture) const {
@@ -201,11 +211,6 @@ std::int64_t Input::gridNumber(std::int64_t time, AVRational rate) const {
                             static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
 }
 
-std::int64_t Input::frames(AVRational rate) {
-    if (!measuredEnd_) measuredEnd_ = measuredEnd();
-    return std::max<std::int64_t>(gridNumber(*measuredEnd_, rate), 1);
-}
-
 std::int64_t Input::measuredEnd() {
     if (!opened_) open(oneThread);
     opened_->atStart = false;
@@ -214,10 +219,11 @@ std::int64_t Input::measuredEnd() {
     if (opened_->demuxer.indexed()) {
         const AVStream& stream = opened_->reader->stream();
         const AVFormatContext& container = opened_->demuxer.container();
-        const std::int64_t stated = stream.duration > 0 && stream.start_time != AV_NOPTS_VALUE
-                                        ? stream.start_time + stream.duration
-                                        : av_rescale_q(container.duration, {1, AV_TIME_BASE}, timeBase_);
-        const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
+        const std::int64_t stated =
+            stream.duration > 0 && stream.start_time != AV_NOPTS_VALUE
+                ? stream.start_time + stream.duration
+                : av_rescale_q(container.duration, {1, AV_TIME_BASE}, source_.timeBase);
+        const std::int64_t second = av_rescale_q(1, {1, 1}, source_.timeBase);
         if (seek(stated - 2 * second))
             if (const std::optional<std::int64_t> end = endOfPackets();
                 end && std::abs(*end - stated) < second / 2)
@@ -232,7 +238,7 @@ std::int64_t Input::measuredEnd() {
 }
 
 std::optional<std::int64_t> Input::endOfPackets() {
-    if (sound_) opened_->demuxer.drop(sound_->stream);
+    if (source_.audio) opened_->demuxer.drop(source_.audio->stream);
     std::vector<std::int64_t> times;
     std::int64_t end = std::numeric_limits<std::int64_t>::min();
     while (const av::Packet packet = opened_->demuxer.read(opened_->stream)) {
@@ -245,7 +251,7 @@ std::optional<std::int64_t> Input::endOfPackets() {
     // The last picture's own duration may be missing or far too short: it shows as long as others do at
     // least.
     std::ranges::sort(times);
-    std::int64_t step = std::max(shownFor(0), av_rescale_q(1, {1, 10}, timeBase_));
+    std::int64_t step = std::max(shownFor(0), av_rescale_q(1, {1, 10}, source_.timeBase));
     for (std::size_t i = 1; i < times.size(); ++i)
         if (times[i] > times[i - 1]) step = std::min(step, av_sat_sub64(times[i], times[i - 1]));
     return std::max(end, av_sat_add64(times.back(), step));
@@ -267,16 +273,16 @@ void Input::restart() {
 
 void Input::start(std::int64_t number, AVRational rate, bool sound) {
     if (!opened_) open(asManyAsCores);
-    if (sound_ && !sound) opened_->demuxer.drop(sound_->stream);
+    if (source_.audio && !sound) opened_->demuxer.drop(source_.audio->stream);
     const bool reread = !std::exchange(opened_->atStart, false);
-    const std::int64_t second = av_rescale_q(1, {1, 1}, timeBase_);
-    const std::int64_t time = first_->pts + av_rescale_q(number, av_inv_q(rate), timeBase_);
-    if (still_ || (!reread && time - first_->pts < second)) return;
+    const std::int64_t second = av_rescale_q(1, {1, 1}, source_.timeBase);
+    const std::int64_t time = first_->pts + av_rescale_q(number, av_inv_q(rate), source_.timeBase);
+    if (source_.still || (!reread && time - first_->pts < second)) return;
     if (std::exchange(opened_->probing, false)) {
         opened_->reader.reset();  // which lets go of its stream
         opened_->reader.emplace(opened_->demuxer, opened_->stream, asManyAsCores);
     }
-    if (sound_ && sound) opened_->demuxer.use(sound_->stream);
+    if (source_.audio && sound) opened_->demuxer.use(source_.audio->stream);
     // A decoder may show its first picture only some way behind a key packet; sound needs a run-up.
     for (const int before : {sound ? 1 : 0, 5, 30}) {
         if (!seek(std::max(time, first_->pts) - before * second)) break;
@@ -291,33 +297,10 @@ void Input::start(std::int64_t number, AVRational rate, bool sound) {
 av::Frame Input::nextPicture() {
     std::deque<av::Frame>& ahead = opened_->ahead;
     if (ahead.empty()) return decode();
-    if (still_) return av::share(*ahead.front());
+    if (source_.still) return av::share(*ahead.front());
     av::Frame picture = std::move(ahead.front());
     ahead.pop_front();
     return picture;
-}
-
-AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs) {
-    for (const std::unique_ptr<Input>& input : inputs)
-        if (const AVRational rate = input->rate(); rate.num > 0 && av_q2d(rate) <= highestRate) return rate;
-    return {30, 1};
-}
-
-FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs) {
-    FileSet files;
-    for (const std::unique_ptr<Input>& input : inputs) files.merge(input->files());
-    return files;
-}
-
-void reportDamage(std::span<const std::unique_ptr<Input>> inputs) {
-    for (const std::unique_ptr<Input>& input : inputs) {
-        const Demuxer::Health health = input->health();
-        if (health.damaged > 0)
-            std::fprintf(stderr, "vantle: %s: passed over %lld damaged packet%s\n", input->name().c_str(),
-                         static_cast<long long>(health.damaged), health.damaged > 1 ? "s" : "");
-        if (!health.shortfall.empty())
-            std::fprintf(stderr, "vantle: %s: %s\n", input->name().c_str(), health.shortfall.c_str());
-    }
 }
 
 }  // namespace vantle

@@ -6,7 +6,6 @@
 #include <deque>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "media/decoder.h"
 #include "media/demuxer.h"
 #include "media/filters.h"
+#include "timeline/source.h"
 
 namespace vantle {
 
@@ -21,54 +21,30 @@ namespace vantle {
 /// opened and probed once; closed, it keeps what it is and opens again when it is started.
 class Input {
    public:
-    /// Opens an input and decodes its first pictures. Throws Error when there are none.
+    /// Opens an input, decodes its first pictures and measures it, unless it is endless. Throws Error when
+    /// there are none.
     explicit Input(const std::string& name);
 
-    const std::string& name() const { return name_; }
+    const std::string& name() const { return source_.name; }
+
+    /// What is known of it.
+    const Source& source() const { return source_; }
 
     /// The form and the colours of the first picture, without its pixels.
     const AVFrame& first() const { return *first_; }
 
     /// The size at which a picture shows: upright, with square pixels.
-    Size size() const { return shownSize(*first_); }
     Size shownSize(const AVFrame& picture) const;
 
     /// The filters that bring a picture upright, as a camera noted it.
     std::vector<Filter> upright(const AVFrame& picture) const;
 
-    /// Pictures per second, that of a standard within a thousandth of it; 0/1 for a still.
-    AVRational rate() const { return rate_; }
-
-    AVRational timeBase() const { return timeBase_; }
-
-    bool still() const { return still_; }
-
-    /// True when the input never ends of itself: a single picture, or a generated source without an end.
-    bool endless() const { return still_ || endlessSource_; }
-
-    /// Its sound, if it has any that can be decoded.
-    struct Sound {
-        int stream = 0;
-        int sampleRate = 0;
-        int channels = 0;
-    };
-    const std::optional<Sound>& sound() const { return sound_; }
-
-    /// What of it is left out, and why; empty when nothing is.
-    const std::string& leftOut() const { return leftOut_; }
-
-    /// The sample of its sound at which its first picture shows, counted from the input's time 0.
-    std::int64_t startSample(int sampleRate) const {
-        return av_rescale_q(first_->pts, timeBase_, {1, sampleRate});
-    }
+    AVRational timeBase() const { return source_.timeBase; }
+    bool still() const { return source_.still; }
 
     /// The number of the picture that shows at `time` in a grid of `rate`, which begins with the first
     /// picture.
     std::int64_t gridNumber(std::int64_t time, AVRational rate) const;
-
-    /// How many pictures the input has in the grid of `rate`, at least 1; not for endless ones. Measured
-    /// once, from its packets; where these do not tell, by decoding it.
-    std::int64_t frames(AVRational rate);
 
     /// Makes `nextPicture` go on with the picture that shows at number `number` of the grid of `rate`, or
     /// earlier ones before it. With `sound`, a reader of the sound that is made next starts early enough.
@@ -108,28 +84,12 @@ class Input {
     bool seek(std::int64_t time);
     void restart();
 
-    std::string name_;
+    Source source_;
     std::unique_ptr<Opened> opened_;
     FileSet files_;  // while it is closed
     av::Frame first_;
     std::optional<std::array<std::int32_t, 9>> displayMatrix_;  // as the container states it
-    AVRational timeBase_{};
-    AVRational rate_{};
-    std::optional<Sound> sound_;
-    std::string leftOut_;
-    std::optional<std::int64_t> measuredEnd_;  // of the last picture, in the stream's time base
-    Demuxer::Health health_;                   // while it was open before
-    bool still_ = false;
-    bool endlessSource_ = false;
+    Demuxer::Health health_;                                    // while it was open before
 };
-
-/// The rate at which inputs are joined: that of the first that has one, else 30 per second.
-AVRational commonRate(std::span<const std::unique_ptr<Input>> inputs);
-
-/// All files that inputs are read from.
-FileSet filesOf(std::span<const std::unique_ptr<Input>> inputs);
-
-/// Tells on standard error, in a line, of each input that is damaged or ends early.
-void reportDamage(std::span<const std::unique_ptr<Input>> inputs);
 
 }  // namespace vantle

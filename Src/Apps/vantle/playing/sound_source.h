@@ -52,10 +52,10 @@ class SoundReader {
 };
 
 /// Music from its start, again and again.
-class Music {
+class MusicReader {
    public:
     /// Throws Error when the file cannot be read or has no sound.
-    Music(const std::string& name, const SoundFormat& format);
+    MusicReader(const std::string& name, const SoundFormat& format);
 
     /// The next `samples` samples.
     av::Frame read(int samples);

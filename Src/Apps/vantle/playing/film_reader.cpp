@@ -1,4 +1,4 @@
-#include "timeline/film.h"
+#include "playing/film_reader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,20 +15,20 @@ Canvas canvasOf(const Film& film, const Part& part) { return {film.canvas.size, 
 
 }  // namespace
 
-FilmReader::FilmReader(const Film& film, std::int64_t first, bool sound)
-    : film_(film), frame_(first), sound_(sound) {}
+FilmReader::FilmReader(const OpenFilm& open, std::int64_t first, bool audio)
+    : open_(open), film_(open.film()), frame_(first), audio_(audio) {}
 
 Moment FilmReader::next() {
     const std::int64_t frame = frame_++;
     Moment moment;
     for (std::size_t i = 0; i < film_.joins.size(); ++i) {
         const Join& join = film_.joins[i];
-        if (join.transition == nullptr) continue;
+        if (!join.transition) continue;
         const bool isEnd = film_.drawsEnds && frame == join.end();
         if (frame < join.start || (frame >= join.end() && !isEnd)) continue;
         moment.picture = pictureOf(i, std::min(frame, join.end() - 1));
         moment.incoming = pictureOf(i + 1, frame);
-        moment.transition = join.transition->draw;
+        moment.transition = open_.transitions[i];
         moment.position = static_cast<double>(frame - join.start);
         moment.duration = static_cast<double>(join.frames);
         return moment;
@@ -47,16 +47,16 @@ av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
             continue;
         }
         player = players_.erase(player);
-        if (film_.parts.size() > 2) part.input->close();
+        if (film_.parts.size() > 2) open_.inputOf(part).close();
     }
     const Part& part = film_.parts[number];
     auto player = std::ranges::find(players_, number, &Player::part);
     const bool isNew = player == players_.end();
     if (isNew) {
-        players_.push_back({number,
-                            Clip(*part.input, canvasOf(film_, part), part.first + frame - part.start,
-                                 sound_ && part.sounds()),
-                            nullptr});
+        players_.push_back(
+            {number,
+             Clip(open_.inputOf(part), canvasOf(film_, part), frame - part.offset(), audio_ && part.sounds),
+             nullptr});
         player = std::prev(players_.end());
     }
     // Past its end a part's last picture is asked for once more.
@@ -64,10 +64,11 @@ av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
     return av::share(*player->last);
 }
 
-std::vector<Moment> momentsOf(const Film& film, std::size_t number, const std::vector<double>& positions) {
+std::vector<Moment> momentsOf(const OpenFilm& open, std::size_t number,
+                              const std::vector<double>& positions) {
+    const Film& film = open.film();
     const Join& join = film.joins.at(number);
     std::vector<Moment> moments;
-    TransFunc* const draw = join.transition != nullptr ? join.transition->draw : nullptr;
     std::optional<Clip> clips[2];
     av::Frame pictures[2];
     std::int64_t next[2] = {0, 0};  // frames of the join
@@ -82,13 +83,13 @@ std::vector<Moment> momentsOf(const Film& film, std::size_t number, const std::v
             const Part& part = film.parts[number + side];
             const std::int64_t wanted = side == 0 ? std::min(k, join.frames - 1) : k;
             if (!clips[side]) {
-                clips[side].emplace(*part.input, canvasOf(film, part),
-                                    part.first + join.start - part.start + wanted, false);
+                clips[side].emplace(open.inputOf(part), canvasOf(film, part),
+                                    join.start - part.offset() + wanted, false);
                 next[side] = wanted;
             }
             for (; next[side] <= wanted; ++next[side]) pictures[side] = clips[side]->next();
         }
-        moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), draw, drawn,
+        moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), open.transitions[number], drawn,
                            static_cast<double>(join.frames)});
     }
     return moments;

@@ -1,22 +1,25 @@
 /// Draws what a film shows.
 #pragma once
 
+#include <memory>
+
 #include "Host/image.h"
 #include "media/convert.h"
-#include "timeline/film.h"
+#include "playing/film_reader.h"
 
 namespace vantle {
 
 /// The pictures of one input in the image library's form, converted only where the picture is another.
 class ImageLoader {
    public:
-    ImageLoader(Size size, bool smoothChroma)
-        : image_(makeImage(size.width, size.height)), converter_(smoothChroma) {}
+    ImageLoader(Size size, bool smoothChroma) : size_(size), converter_(smoothChroma) {}
 
-    DIImage load(const AVFrame& picture);
+    /// What is loaded next takes the place of this one, unless somebody keeps it.
+    std::shared_ptr<const Image> load(const AVFrame& picture);
 
    private:
-    Image image_;
+    Size size_;
+    std::shared_ptr<Image> image_;
     Converter converter_;
     av::Frame held_;  // keeps the picture's memory, so that the same memory means the same picture
 };

@@ -1,4 +1,4 @@
-#include "operands.h"
+#include "reading/operands.h"
 
 #include <algorithm>
 #include <cctype>
@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "Host/error.h"
-#include "options.h"
 
 namespace vantle {
 
@@ -86,53 +85,51 @@ bool naturallyBefore(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-Sequence parseOperands(const std::vector<std::string>& operands,
-                       const std::vector<std::string>& transitions) {
-    Sequence sequence;
+void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
+                   const std::vector<std::string>& transitions) {
     bool afterMeeting = false;
     for (const std::string& operand : operands) {
         if (const auto setting = settingIn(operand)) {
             const auto& [key, value] = *setting;
-            if (sequence.shots.empty())
+            if (film.shots.empty())
                 throw UsageError(operand + " stands before all inputs (a file of this name is ./" + operand +
                                  ")");
             if (!afterMeeting)
-                set(sequence.shots.back(), operand, key, value);
+                set(film.shots.back(), operand, key, value);
             else if (key == "duration")
-                sequence.meetings.back().duration = timeIn(operand, value);
+                film.meetings.back().duration = timeIn(operand, value);
             else
                 throw UsageError(operand + " belongs after an input; after a transition: duration");
         } else if (operand.starts_with('+')) {
-            if (sequence.shots.empty() || afterMeeting)
+            if (film.shots.empty() || afterMeeting)
                 throw UsageError(operand + " must stand between two inputs (a file of this name is ./" +
                                  operand + ")");
-            sequence.meetings.push_back({operand.substr(1), {}});
+            film.meetings.push_back({operand.substr(1), {}});
             afterMeeting = true;
         } else {
-            if (!sequence.shots.empty() && !afterMeeting) sequence.meetings.push_back({});
-            sequence.shots.push_back({.file = operand});
+            if (!film.shots.empty() && !afterMeeting) film.meetings.push_back({});
+            film.shots.push_back({.file = operand});
             afterMeeting = false;
         }
     }
     if (afterMeeting)
-        throw UsageError("+" + sequence.meetings.back().transition + " must stand between two inputs");
-    if (sequence.shots.size() < 2) throw UsageError("a film is made of two inputs or more");
-    for (std::size_t i = 0; i < sequence.meetings.size(); ++i) {
-        if (!sequence.meetings[i].transition.empty()) continue;
+        throw UsageError("+" + film.meetings.back().transition + " must stand between two inputs");
+    if (film.shots.size() < 2) throw UsageError("a film is made of two inputs or more");
+    for (std::size_t i = 0; i < film.meetings.size(); ++i) {
+        if (!film.meetings[i].transition.empty()) continue;
         if (transitions.empty())
-            throw UsageError("-t NAME is missing: the transition from " + sequence.shots[i].file + " to " +
-                             sequence.shots[i + 1].file);
-        sequence.meetings[i].transition = transitions[i % transitions.size()];
+            throw UsageError("-t NAME is missing: the transition from " + film.shots[i].file + " to " +
+                             film.shots[i + 1].file);
+        film.meetings[i].transition = transitions[i % transitions.size()];
     }
-    return sequence;
 }
 
-void sortNaturally(Sequence& sequence, const std::vector<std::string>& operands) {
+void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands) {
     const auto meeting =
         std::ranges::find_if(operands, [](const std::string& operand) { return operand.starts_with('+'); });
     if (meeting != operands.end())
         throw UsageError("--sort moves the inputs, so that " + *meeting + " has no place; give -t instead");
-    std::ranges::stable_sort(sequence.shots, naturallyBefore, &Shot::file);
+    std::ranges::stable_sort(film.shots, naturallyBefore, &Shot::file);
 }
 
 }  // namespace vantle

@@ -1,0 +1,177 @@
+#include "rendering/render.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Host/error.h"
+#include "copying/copy_film.h"
+#include "media/demuxer.h"
+#include "output/movie_writer.h"
+#include "output/picture_writer.h"
+#include "output/staged_file.h"
+#include "overview/joins.h"
+#include "playing/open_film.h"
+#include "rendering/encode_film.h"
+#include "rendering/plan.h"
+#include "system/progress_bar.h"
+
+namespace vantle {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+void checkRequest(const RenderRequest& request, const OutputKind& kind) {
+    const bool onePicture = kind.movie == nullptr && !kind.numbered;
+    if (request.at && !onePicture)
+        throw UsageError("--at makes one picture, so OUT must be one: a name such as picture.png");
+    if (!request.at && onePicture)
+        throw UsageError("OUT is one picture: say which with --at (0 to 1), or number them (frame_%04d.png)");
+    if (kind.movie == nullptr && !request.encoderOptions.empty())
+        throw UsageError("--encoder-option is for a video");
+    if (request.at && request.frames) throw UsageError("--at and --frames exclude each other");
+    if (request.delivery.output == "-" && isatty(STDOUT_FILENO) == 1)
+        throw UsageError(
+            "-o - writes a video to standard output, which is a terminal; pipe it into a player");
+    if (!request.film.music.file.empty() && !kind.holdsSound) throw UsageError("--music: OUT holds no sound");
+}
+
+/// The film as it is to be for what is written, its seed chosen where one is needed.
+FilmRequest filmFor(const RenderRequest& request, const std::optional<OutputKind>& kind) {
+    FilmRequest film = request.film;
+    const bool pictures = kind && kind->movie == nullptr;
+    film.evenSize = !pictures && (!kind || kind->evenSize);
+    film.drawsEnds = kind && kind->numbered;
+    // A video shows its stills before and after; of pictures one wants the transition.
+    if (!film.hold && pictures) film.hold = Time{0};
+    if (std::ranges::find(film.meetings, "random", &Meeting::transition) == film.meetings.end()) return film;
+    if (!film.seed) film.seed = std::random_device()() % 1'000'000;
+    if (!request.delivery.quiet)
+        std::fprintf(stderr, "vantle: --seed %u chooses the same transitions again\n", *film.seed);
+    return film;
+}
+
+/// Throws Error when what is written stands in the way, or is an input. Tells of music that cannot be read,
+/// too.
+void checkTargets(const RenderRequest& request, const OutputKind* kind, const OpenFilm& open) {
+    FileSet read = open.files();
+    if (const std::string& music = open.film().music.file; !music.empty()) read.merge(Demuxer(music).files());
+    std::vector<std::filesystem::path> targets{request.joins.empty() ? request.delivery.output
+                                                                     : request.joins};
+    if (request.joins.empty() && kind->numbered) {
+        const auto [first, end] = wantedFrames(request, open.film());
+        targets = pictureNames(request.delivery.output, first, end);
+        prepareTargets(targets, request.delivery.force);
+    }
+    for (const std::filesystem::path& target : targets) checkSpared(read, target);
+}
+
+/// How much is to be copied: what was asked for, else as much as can be of what nothing else changes.
+CopyMode copyMode(const RenderRequest& request, const std::optional<OutputKind>& kind, const Film& film) {
+    const MovieKind* const movie = kind ? kind->movie : nullptr;
+    const std::string_view ending = movie != nullptr ? movie->ending : ".mp4";
+    const bool copies = !request.at && !request.frames && request.delivery.output != "-" &&
+                        (!kind || movie != nullptr) &&
+                        (ending == ".mp4" || ending == ".mov" || ending == ".mkv");
+    if (request.copy == CopyMode::always && !copies)
+        throw UsageError("--copy always: only whole films are copied, and into .mp4, .mov or .mkv");
+    if (!copies || !request.joins.empty()) return CopyMode::never;
+    if (request.copy) return *request.copy;
+    const bool changes = !request.encoders.video.empty() || !request.encoderOptions.empty() ||
+                         (request.film.size && *request.film.size != film.sources.front().size) ||
+                         (request.film.rate && av_cmp_q(*request.film.rate, commonRate(film.sources)) != 0);
+    return changes || ending == ".mkv" ? CopyMode::never : CopyMode::automatic;
+}
+
+void tell(const RenderRequest& request, const std::string& line) {
+    if (!request.delivery.quiet) std::fprintf(stderr, "vantle: %s\n", line.c_str());
+}
+
+void tellWritten(const RenderRequest& request, const OpenFilm& open, std::int64_t frames,
+                 std::int64_t copied) {
+    if (request.delivery.quiet) return;
+    open.reportDamage();
+    const std::string& output = request.delivery.output;
+    const Size size = open.film().canvas.size;
+    std::fprintf(stderr, "%s: %lld frame%s of %dx%d", output == "-" ? "standard output" : output.c_str(),
+                 static_cast<long long>(frames), frames == 1 ? "" : "s", size.width, size.height);
+    if (copied > 0) std::fprintf(stderr, ", %lld of them copied", static_cast<long long>(copied));
+    std::fputc('\n', stderr);
+}
+
+/// Writes the film as planned; false when it did not become what it should be.
+bool writeCopies(const RenderRequest& request, const OutputKind& kind, const OpenFilm& open,
+                 const CopyPlan& plan) {
+    ProgressBar progress(plan.film.frames(), request.delivery.quiet);
+    std::string fault;
+    try {
+        fault = copyFilm(open, plan,
+                         {.kind = *kind.movie,
+                          .name = request.delivery.output,
+                          .overwrite = request.delivery.force,
+                          .encoders = request.encoders,
+                          .encoderOptions = request.encoderOptions,
+                          .verifyAll = request.verify},
+                         progress);
+        if (!fault.empty()) fault.insert(0, "copied, the film is not right: ");
+    } catch (const NotCopied& why) {
+        fault = std::string("nothing is copied: ") + why.what();
+    }
+    progress.finish();
+    if (fault.empty()) {
+        tellWritten(request, open, plan.film.frames(), plan.copied());
+        return true;
+    }
+    if (request.copy == CopyMode::always) throw Error("--copy always: " + fault);
+    tell(request, fault + "; all is encoded");
+    return false;
+}
+
+}  // namespace
+
+void render(const RenderRequest& request) {
+    const Delivery& delivery = request.delivery;
+    const bool writes = !request.plan && request.joins.empty();
+    if (writes && delivery.output.empty()) throw UsageError("-o OUT is missing: what to write");
+    std::optional<OutputKind> kind;
+    if (!delivery.output.empty()) {
+        kind = outputKind(delivery.output, request.encoders);
+        checkRequest(request, *kind);
+        if (writes && delivery.output != "-" && !kind->numbered)
+            prepareTargets(std::array{std::filesystem::path(delivery.output)}, delivery.force);
+    }
+    if (!request.joins.empty()) checkSheetName(request.joins, delivery.force);
+
+    const OpenFilm open = openFilm(filmFor(request, kind), delivery.plugin, delivery.quiet);
+    throwComplaints(open.laid.complaints, request.plan);
+    if (!request.plan) checkTargets(request, kind ? &*kind : nullptr, open);
+
+    Lines notes = open.laid.notes;
+    const std::optional<CopyPlan> copies =
+        planCopies(open, copyMode(request, kind, open.film()),
+                   {request.encoders.video, request.encoderOptions}, request.encoders.sound.empty(), notes);
+    const Lines lost = losses(open.film(), copies);
+    notes.insert(notes.begin(), lost.begin(), lost.end());
+    if (request.plan)
+        return printPlan(open.film(), copies ? copies->stretches : std::vector<Stretch>{}, notes,
+                         request.json);
+    for (const std::string& note : notes) tell(request, note);
+    if (!request.joins.empty()) return drawJoins(open, request.joins, delivery.force, delivery.quiet);
+    if (copies) {
+        if (writeCopies(request, *kind, open, *copies)) return;
+        for (const std::string& note : losses(open.film(), {}))
+            if (std::ranges::find(lost, note) == lost.end()) tell(request, note);
+    }
+    tellWritten(request, open, encodeFilm(request, *kind, open), 0);
+}
+
+}  // namespace vantle

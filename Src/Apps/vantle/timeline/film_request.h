@@ -1,0 +1,59 @@
+/// What a film is asked for as: files, what of them is shown, how they meet, and what holds for all of it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "media/canvas.h"
+#include "timeline/time.h"
+
+namespace vantle {
+
+/// Reads `contain`, `cover` or `stretch`; none when the text is no way to fit.
+std::optional<Fit> parseFit(const std::string& text);
+
+/// One input and what of it is shown.
+struct Shot {
+    std::string file;
+    std::optional<Time> in{};    ///< its start when absent
+    std::optional<Time> out{};   ///< exclusive; its end when absent
+    std::optional<Time> hold{};  ///< how long an endless input shows outside its joins
+    std::optional<Fit> fit{};
+    bool mute = false;
+};
+
+/// How two shots meet.
+struct Meeting {
+    std::string transition{};  ///< catalogue name, index, GUID, function name, `random` or `cut`
+    std::optional<Time> duration{};
+};
+
+/// What lies under a film.
+struct Music {
+    std::string file{};   ///< empty: none
+    double volume = 1.0;  ///< 0 to 1
+    bool duck = false;    ///< quieter where inputs have audio
+};
+
+/// Shots in order; meeting i lies between shots i and i + 1. A command line is one way to write this, a file
+/// of an editor another.
+struct FilmRequest {
+    std::vector<Shot> shots{};
+    std::vector<Meeting> meetings{};
+    Time duration{1};                  ///< of an overlap
+    std::optional<Time> hold{};        ///< of an endless input outside its joins; 1 second when absent
+    std::optional<Size> size{};        ///< the first input's when absent
+    std::optional<AVRational> rate{};  ///< that of the first input that has one when absent
+    Fit fit = Fit::contain;
+    std::optional<std::uint32_t> seed{};  ///< what `random` follows from; 0 when absent
+    bool mute = false;                    ///< leaves out the audio of all inputs
+    Music music{};
+    std::optional<int> channels{};  ///< of the audio; those of the inputs where they agree, else 2
+    bool shrink = false;            ///< overlaps that are too long for their inputs are shortened
+    bool drawsEnds = false;         ///< see Film
+    bool evenSize = false;          ///< the pixel format halves the chroma
+};
+
+}  // namespace vantle

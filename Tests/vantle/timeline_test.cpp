@@ -1,0 +1,211 @@
+// A film as a description: what operands say, times on grids, inputs laid out. No file is opened here.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Host/error.h"
+#include "reading/operands.h"
+#include "timeline/lay_out.h"
+
+namespace tests {
+
+namespace {
+
+using namespace vantle;
+
+/// Of thirty pictures a second in units of a millisecond, as some containers have them.
+Source clip(const std::string& name, std::int64_t milliseconds, int channels = 0) {
+    Source source{.name = name,
+                  .size = {640, 360},
+                  .rate = {30, 1},
+                  .timeBase = {1, 1000},
+                  .firstTime = 21,
+                  .length = milliseconds};
+    if (channels > 0) source.audio = {1, 48000, channels};
+    return source;
+}
+
+Source still(const std::string& name) {
+    return {.name = name, .still = true, .endless = true, .size = {4001, 3001}, .rate = {0, 1}};
+}
+
+const std::vector<Transition> catalogue = [] {
+    std::vector<Transition> rows;
+    const auto draw = [](DIImage, DIImage, DIImage, const TransParam*) {};
+    for (const std::string name : {"Row", "Column", "Round"})
+        rows.push_back({static_cast<std::int32_t>(rows.size()), name, "Tr" + name, "", "", "", draw});
+    return rows;
+}();
+
+FilmRequest film(const std::vector<std::string>& operands, const std::vector<std::string>& transitions = {}) {
+    FilmRequest request;
+    parseOperands(request, operands, transitions);
+    return request;
+}
+
+LaidOut laidOut(const FilmRequest& request, const std::vector<Source>& sources) {
+    std::vector<Complaint> complaints;
+    auto transitions = chooseTransitions(request, catalogue, complaints);
+    LaidOut laid = layOut(request, sources, std::move(transitions));
+    laid.complaints.insert(laid.complaints.begin(), complaints.begin(), complaints.end());
+    return laid;
+}
+
+/// Parts as "0-99@5" (frames of the film, first picture of the source), joins as "Row 90+10".
+std::string text(const LaidOut& laid) {
+    std::string all;
+    for (const Complaint& complaint : laid.complaints) all += complaint.text + "; ";
+    if (!laid.complaints.empty()) return all;
+    const Film& film = laid.film;
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        const Part& part = film.parts[i];
+        all += std::to_string(part.start) + "-" + std::to_string(part.end() - 1) + "@" +
+               std::to_string(part.first) + " ";
+        if (i == film.joins.size()) break;
+        const Join& join = film.joins[i];
+        all += (join.transition ? join.transition->shown : "cut") + " " + std::to_string(join.start) + "+" +
+               std::to_string(join.frames) + " ";
+    }
+    return all;
+}
+
+}  // namespace
+
+TEST(Times, AreReadExactlyAndRoundedOnce) {
+    const AVRational ntsc{30000, 1001};
+    struct Case {
+        const char* words;
+        AVRational rate;
+        std::int64_t frames;
+    };
+    for (const auto& [words, rate, frames] : {
+             Case{"2.5", {25, 1}, 63},  // a half goes up
+             {"2.3", {25, 1}, 58},      // 57.5, whatever binary fractions make of it
+             {"1:02.5", {24, 1}, 1500},
+             {"1:00:00", ntsc, 107892},
+             {"500ms", {30, 1}, 15},
+             {"33.366700000001ms", ntsc, 1},
+             {"10s", ntsc, 300},
+             {"12f", ntsc, 12},
+             {"12.0f", {25, 1}, 12},
+             {"9999999", {1000, 1}, 9999999000},
+         }) {
+        const std::optional<Time> time = parseTime(words);
+        ASSERT_TRUE(time) << words;
+        EXPECT_EQ(time->frames(rate), frames) << words;
+    }
+    for (const std::string words : {"", "x", "1:2:3:4", "1:2f", "1:2ms", "-1", "1e3", "1.5f", "10000000",
+                                    ".5", "1:", "2.x", " 2", "2 ", "nan", "1.5:20"})
+        EXPECT_FALSE(parseTime(words)) << words;
+}
+
+TEST(Operands, SayWhatIsShownAndHowItMeets) {
+    const FilmRequest request = film({"a.mp4", "in=1", "out=4f", "+Row", "duration=5f", "b=c.png", "hold=2",
+                                      "fit=cover", "c.mp4", "mute=yes"},
+                                     {"random", "cut"});
+    ASSERT_EQ(request.shots.size(), 3U);
+    EXPECT_EQ(request.shots[0].in, parseTime("1"));
+    EXPECT_EQ(request.shots[0].out, parseTime("4f"));
+    EXPECT_EQ(request.meetings[0].duration, parseTime("5f"));
+    EXPECT_EQ(request.shots[1].file, "b=c.png");
+    EXPECT_EQ(request.shots[1].fit, Fit::cover);
+    EXPECT_EQ(request.meetings[1].transition, "cut");  // the second in turn
+    EXPECT_TRUE(request.shots[2].mute);
+    for (const auto& [operands, says] : {
+             std::pair<std::vector<std::string>, const char*>{{"a"}, "two inputs"},
+             {{"+Row", "a", "b"}, "(a file of this name is ./+Row)"},
+             {{"a", "+Row", "+Row", "b"}, "+Row must stand between"},
+             {{"a", "b", "+Row"}, "+Row must stand between"},
+             {{"in=1", "a", "b"}, "before all inputs"},
+             {{"a", "duration=2", "b"}, "belongs after a transition"},
+             {{"a", "+Row", "in=2", "b"}, "belongs after an input"},
+             {{"a", "in=1:2:3:4", "b"}, "is no time"},
+             {{"a", "fit=tight", "b"}, "none of contain, cover, stretch"},
+             {{"a", "mute=maybe", "b"}, "not yes or no"},
+             {{"a", "b"}, "-t NAME is missing"},
+         })
+        try {
+            film(operands);
+            ADD_FAILURE() << says;
+        } catch (const UsageError& error) {
+            EXPECT_NE(std::string(error.what()).find(says), std::string::npos) << error.what();
+        }
+}
+
+TEST(FilmDescription, AreLaidOutFrameByFrame) {
+    const std::vector<Source> clips{clip("a", 4000), clip("b", 3033, 1), clip("c", 2000, 2)};
+    const std::vector<std::string> names{"a", "b", "c"};
+    struct Case {
+        std::vector<std::string> operands;
+        const char* laid;
+    };
+    for (const auto& [operands, laid] : {
+             Case{{"a", "b", "c"}, "0-119@0 Row 90+30 90-180@0 Row 151+30 151-210@0 "},
+             {{"a", "in=10f", "out=70f", "+cut", "b", "c"},
+              "0-59@10 cut 60+0 60-150@0 Row 121+30 121-180@0 "},
+             {{"a", "+Column", "duration=12f", "b", "out=92f", "c"},
+              "0-119@0 Column 108+12 108-198@0 Row 169+30 169-228@0 "},
+             {{"a", "out=122f", "b", "in=9", "c"},
+              "a: out lies after its end, 4.00 s (120 frames); b: in lies after its end, 3.03 s (91 "
+              "frames); "},
+             {{"a", "in=2", "out=1", "+Rwo", "b", "c", "out=40f"},
+              "no transition is called \"Rwo\"; did you mean \"Row\"? (vantle list shows them all); a: out "
+              "does not lie after in; "},
+             {{"a", "+0", "duration=10ms", "b", "c", "out=29f"},
+              "duration: shorter than one frame; c: shows 29 frames (0.97 s), fewer than the 30 (1.00 s) "
+              "that its transitions need; a shorter --duration helps, or --shrink; "},
+         })
+        EXPECT_EQ(text(laidOut(film(operands, {"Row"}), clips)), laid);
+
+    // Stills show for their hold outside their joins, and what is drawn at the very end is a frame of its
+    // own.
+    FilmRequest stills = film({"x", "y", "hold=0", "z", "hold=3f"}, {"Row"});
+    stills.hold = *parseTime("0");
+    EXPECT_EQ(text(laidOut(stills, {still("x"), still("y"), still("z")})),
+              "0-29@0 Row 0+30 0-59@0 Row 30+30 30-62@0 ");
+    stills.drawsEnds = true;
+    stills.shots[2].hold = {};
+    EXPECT_EQ(text(laidOut(stills, {still("x"), still("y"), still("z")})),
+              "0-29@0 Row 0+30 0-59@0 Row 30+30 30-60@0 ");
+
+    // Overlaps that are too long are shortened in proportion, rounded down, each told.
+    FilmRequest tight = film({"a", "+0", "duration=4f", "b", "out=5f", "+0", "duration=3f", "c"});
+    tight.shrink = true;
+    const LaidOut shrunk = laidOut(tight, clips);
+    EXPECT_EQ(text(shrunk), "0-119@0 Row 118+2 118-122@0 Row 121+2 121-180@0 ");
+    EXPECT_EQ(shrunk.notes,
+              (std::vector<std::string>{"the transition from a to b is shortened from 4 to 2 frames",
+                                        "the transition from b to c is shortened from 3 to 2 frames"}));
+}
+
+TEST(FilmDescription, HaveTheSizeRateAndAudioThatTheirInputsAgreeOn) {
+    FilmRequest request = film({"x", "b", "c"}, {"Row"});
+    Film laid = laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film;
+    EXPECT_EQ(laid.canvas.size, (Size{4001, 3001}));
+    EXPECT_EQ(av_cmp_q(laid.canvas.rate, {30, 1}), 0);
+    EXPECT_EQ(laid.audio->sampleRate, 48000);
+    EXPECT_EQ(laid.audio->channels, 2);
+    request.evenSize = true;
+    request.shots[1].mute = true;
+    request.rate = AVRational{25, 1};
+    laid = laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film;
+    EXPECT_EQ(laid.canvas.size, (Size{4000, 3000}));
+    EXPECT_EQ(laid.audio->channels, 6);
+    EXPECT_EQ(laid.parts[1].frames, 75);
+    request.mute = true;
+    EXPECT_FALSE(laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film.audio);
+    request.music.file = "song";
+    EXPECT_EQ(laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film.audio->channels, 2);
+    request.size = Size{641, 360};
+    EXPECT_EQ(text(laidOut(request, {still("x"), clip("b", 3000), clip("c", 3000)})),
+              "--size: this kind of video needs an even width and height; ");
+    // Where the first time lies between two pictures none is lost or shown twice.
+    EXPECT_EQ(clip("a", 3500).startSample(48000), 1008);
+    EXPECT_EQ(clip("a", 42).frames({24, 1}), 1);
+}
+
+}  // namespace tests
