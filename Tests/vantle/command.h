@@ -12,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -129,6 +130,34 @@ extern "C" int renameat2(int, const char* from, int, const char* to, unsigned fl
 
     Bytes rgb(const std::string& name) const {
         return shell(in("ffmpeg -v error -i " + name + " -f rawvideo -pix_fmt rgb24 -")).output;
+    }
+
+    /// The sound of a file, one channel of values between -1 and 1.
+    std::vector<double> sound(const std::string& name, const std::string& options = "") const {
+        const Bytes bytes =
+            shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 " + options + " -")).output;
+        std::vector<double> samples(bytes.size() / 2);
+        for (std::size_t i = 0; i < samples.size(); ++i)
+            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
+        return samples;
+    }
+
+    /// What a film will be.
+    nlohmann::json plan(const std::string& arguments) const {
+        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
+        EXPECT_EQ(outcome.status, 0) << arguments;
+        return nlohmann::json::parse(outcome.text());
+    }
+
+    /// Runs vantle, which must refuse in one line that holds `says` and leave the folder as it was.
+    void refuses(const std::string& arguments, int status, const std::string& says) const {
+        const std::set<std::string> before = files();
+        const Outcome outcome = vantle(arguments);
+        EXPECT_EQ(outcome.status, status) << arguments << "\n" << outcome.text();
+        EXPECT_NE(outcome.text().find(says), std::string::npos) << arguments << "\n" << outcome.text();
+        EXPECT_EQ(outcome.text().find('\n'), outcome.text().size() - 1) << arguments << "\n"
+                                                                        << outcome.text();
+        EXPECT_EQ(files(), before) << arguments;
     }
 
     std::string probe(const std::string& name, const std::string& entries) const {

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <complex>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "command.h"
@@ -31,21 +30,6 @@ class Copies : public CommandTest {
         for (std::string line; std::getline(lines, line);)
             if (line.front() != '#') sums.push_back(line.substr(line.rfind(' ') + 1));
         return sums;
-    }
-
-    /// The sound of a file, of one channel.
-    std::vector<double> sound(const std::string& name) const {
-        const Bytes bytes = shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 -")).output;
-        std::vector<double> samples(bytes.size() / 2);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8) / 32768.0;
-        return samples;
-    }
-
-    nlohmann::json plan(const std::string& arguments) const {
-        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
-        EXPECT_EQ(outcome.status, 0) << arguments;
-        return nlohmann::json::parse(outcome.text());
     }
 
     /// Renders a film, no frame of which may be copied wrongly, and returns how many are copied.

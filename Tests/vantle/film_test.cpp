@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <nlohmann/json.hpp>
 #include <thread>
 #include <utility>
 
@@ -18,28 +17,12 @@ class Films : public CommandTest {
     /// The first sample of a frame, of 30000/1001 and 44100 a second.
     static std::int64_t sampleOf(std::int64_t frame) { return (frame * 44100 * 1001 + 15000) / 30000; }
 
-    nlohmann::json plan(const std::string& arguments) const {
-        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
-        EXPECT_EQ(outcome.status, 0) << arguments;
-        return nlohmann::json::parse(outcome.text());
-    }
-
-    /// The sound of a file, one channel in signed 16 bits.
-    std::vector<std::int16_t> sound(const std::string& name, const std::string& options = "") const {
-        const Bytes bytes =
-            shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 " + options + " -")).output;
-        std::vector<std::int16_t> samples(bytes.size() / 2);
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            samples[i] = static_cast<std::int16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
-        return samples;
-    }
-
     /// The loudest of the samples around a moment, 0 to 1.
-    static double level(const std::vector<std::int16_t>& samples, double seconds, double rate = 8000) {
+    static double level(const std::vector<double>& samples, double seconds, double rate = 8000) {
         double loudest = 0.0;
         const auto first = static_cast<std::size_t>(seconds * rate);
         for (std::size_t i = first; i < first + static_cast<std::size_t>(rate / 50); ++i)
-            loudest = std::max(loudest, std::abs(samples.at(i) / 32768.0));
+            loudest = std::max(loudest, std::abs(samples.at(i)));
         return loudest;
     }
 
@@ -73,17 +56,17 @@ TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
                         2)
                 << i;
         }
-    const std::vector<std::int16_t> samples = sound("film.mkv");
+    const std::vector<double> samples = sound("film.mkv");
     EXPECT_EQ(std::ssize(samples), sampleOf(1012));
     for (int i = 0; i < 101; ++i) {
         const auto start = static_cast<std::size_t>(sampleOf(10 * i));
-        EXPECT_GT(samples.at(start + 5880), 20000) << "click " << i;
+        EXPECT_GT(samples.at(start + 5880), 0.6) << "click " << i;
     }
-    EXPECT_EQ(std::ranges::count_if(samples, [](std::int16_t sample) { return sample > 9000; }), 101);
+    EXPECT_EQ(std::ranges::count_if(samples, [](double sample) { return sample > 0.28; }), 101);
     // A part of it is that part of the whole.
     render(film + "-o part.mkv --sound-encoder pcm_s16le --encoder-option crf=4 --frames 707-722");
     const auto first = samples.begin() + sampleOf(707);
-    const std::vector<std::int16_t> part = sound("part.mkv");
+    const std::vector<double> part = sound("part.mkv");
     EXPECT_EQ(part.size(), static_cast<std::size_t>(sampleOf(723) - sampleOf(707)));
     EXPECT_TRUE(std::equal(part.begin(), part.end(), first));
     EXPECT_NEAR(decode("part.mkv", 64, 16).luma(1, 32, 1), 40 + 8 * 8, 2);
@@ -135,18 +118,6 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     for (const nlohmann::json& entry : sorted["timeline"])
         if (entry.contains("input")) order += entry["input"]["file"].get<std::string>() + " ";
     EXPECT_EQ(order, "Img1.png img002.png img2.png IMG3.png img10.png ");
-    // What is too long is shortened in proportion, rounded down.
-    const nlohmann::json shrunk =
-        plan("clip.mp4 clip.mp4 out=1.2 clip.mp4 -t 0 --duration 1 --shrink --copy never");
-    EXPECT_EQ(shrunk["timeline"][1]["join"]["frames"], 15);
-    EXPECT_EQ(shrunk["warnings"].size(), 2U);
-    const nlohmann::json halved =
-        plan("clip.mp4 +0 duration=4f clip.mp4 out=5f +0 duration=3f clip.mp4 --shrink --copy never");
-    EXPECT_EQ(halved["timeline"][1]["join"]["frames"], 2);
-    EXPECT_EQ(halved["timeline"][3]["join"]["frames"], 2);
-    // A stated length may be a frame short; times of hours and minutes are read and told.
-    EXPECT_EQ(plan("clip.mp4 out=101f still.png -t cut")["timeline"][0]["input"]["out"], 4.0);
-    EXPECT_EQ(plan("still.png hold=1:00:02.5 still.png -t cut")["seconds"], 3603.5);
     const std::string table = vantle("render still.png hold=83.25 still.png -t cut --plan").text();
     EXPECT_NE(table.find(" 1:23.27 "), std::string::npos) << table;
 
@@ -186,64 +157,14 @@ TEST_F(Films, ShowTheJoinThatIsAskedFor) {
     EXPECT_EQ(rgb("end.png"), rgb("f_10.png"));
 }
 
-TEST_F(Films, AreRefusedBeforeAnythingIsWritten) {
+TEST_F(Films, AreNotWrittenWhenAnInputGoesAwayWhileOthersAreShown) {
     ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=2 -c:v libx264 clip.mp4");
-    ffmpeg("-f lavfi -i sine=d=1 tone.wav");
-    const std::set<std::string> before = files();
-    struct Case {
-        const char* arguments;
-        int status;
-        const char* says;
-    };
-    const Case cases[] = {
-        {"clip.mp4 clip.mp4 out=1 clip.mp4 -t 0 -o a.mp4", 1,
-         "clip.mp4: shows 25 frames (1.00 s), fewer than the 50"},
-        {"clip.mp4 out=52f clip.mp4 -t 0 -o a.mp4", 1, "out lies after its end"},
-        {"clip.mp4 in=3 clip.mp4 -t 0 -o a.mp4", 1, "in lies after its end, 2.00 s"},
-        {"clip.mp4 out=3 clip.mp4 -t 0 -o a.mp4", 1, "out lies after its end"},
-        {"clip.mp4 in=1 out=1 clip.mp4 -t 0 -o a.mp4", 1, "out does not lie after in"},
-        {"clip.mp4 clip.mp4 none.mp4 -t 0 -o a.mp4", 1, "none.mp4: No such file"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --music none.mp3", 1, "none.mp3: No such file"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --music clip.mp4", 1, "clip.mp4: holds no sound"},
-        {"clip.mp4 clip.mp4 -o a.mp4", 2, "-t NAME is missing"},
-        {"clip.mp4 clip.mp4 -t 0", 2, "-o OUT is missing"},
-        {"clip.mp4 -t 0 -o a.mp4", 2, "two inputs"},
-        {"+Twrl clip.mp4 clip.mp4 -o a.mp4", 2,
-         "must stand between two inputs (a file of this name is ./+Twrl)"},
-        {"clip.mp4 +Twrl +Zoom clip.mp4 -o a.mp4", 2, "+Zoom must stand between"},
-        {"clip.mp4 clip.mp4 +Twrl -o a.mp4", 2, "+Twrl must stand between"},
-        {"clip.mp4 +Twirl clip.mp4 -o a.mp4", 2, "did you mean \"Twrl\""},
-        {"in=2 clip.mp4 clip.mp4 -t 0 -o a.mp4", 2, "before all inputs"},
-        {"clip.mp4 duration=2 clip.mp4 -t 0 -o a.mp4", 2, "belongs after a transition"},
-        {"clip.mp4 +Twrl in=2 clip.mp4 -o a.mp4", 2, "belongs after an input"},
-        {"clip.mp4 in=1:2:3:4 clip.mp4 -t 0 -o a.mp4", 2, "is no time"},
-        {"clip.mp4 fit=tight clip.mp4 -t 0 -o a.mp4", 2, "fit=tight: \"tight\" is none of contain, cover"},
-        {"clip.mp4 mute=maybe clip.mp4 -t 0 -o a.mp4", 2, "not yes or no"},
-        {"clip.mp4 +Twrl clip.mp4 --sort natural -o a.mp4", 2, "+Twrl has no place"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --duration 1e9", 2, "--duration"},
-        {"clip.mp4 clip.mp4 clip.mp4 -t 0 --duration 0.4 -o a.png --at 0.5", 2, "which of the 2 joins"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.png --at 2:0.5", 2, "has 1 join"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.mp4 --encoder nonsense", 2, "no such encoder"},
-        {"clip.mp4 clip.mp4 -t 0 -o a.webm --encoder libx264", 2, ".webm does not hold what libx264 makes"},
-        {"clip.mp4 clip.mp4 -t 0 -o a_%d.png --encoder libx264", 2, "for a video"},
-        {"clip.mp4 clip.mp4 -t cut --joins a.png", 2, "only cuts"},
-        {"clip.mp4 clip.mp4 -t 0 --plan --json --fps x", 2, "--fps"},
-    };
-    for (const Case& bad : cases) {
-        const Outcome outcome = vantle(std::string("render -q ") + bad.arguments);
-        const std::string text = outcome.text();
-        EXPECT_EQ(outcome.status, bad.status) << bad.arguments << "\n" << text;
-        EXPECT_NE(text.find(bad.says), std::string::npos) << bad.arguments << "\n" << text;
-        EXPECT_EQ(text.find('\n'), text.size() - 1) << bad.arguments << "\n" << text;
-        EXPECT_EQ(files(), before) << bad.arguments;
-    }
-    // An input that goes away while others are shown.
     const Outcome lost =
         shell(in("cp clip.mp4 lost.mp4; (sleep 0.7; rm lost.mp4) & " VANTLE
                  " render -q lavfi:testsrc2=s=640x360:d=30 clip.mp4 lost.mp4 -t 0 -o a.mp4 2>&1"));
     EXPECT_EQ(lost.status, 1);
     EXPECT_EQ(lost.text(), "vantle: lost.mp4: No such file or directory\n");
-    EXPECT_EQ(files(), before);
+    EXPECT_EQ(files(), std::set<std::string>{"clip.mp4"});
 }
 
 TEST_F(Films, MixSoundAndMusicAsAsked) {
