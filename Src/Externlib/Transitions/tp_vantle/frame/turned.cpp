@@ -66,7 +66,8 @@ struct Line {
     Span columns;  // that show the picture
 };
 
-/// Draws in square blocks, of which each is put together upright while what the next one shows is prefetched.
+/// Draws in square blocks, of which each is put together upright while what the next one shows is
+/// prefetched.
 class TurnedPicture {
    public:
     TurnedPicture(const Stage& stage, Source source, const Turn& turn, float scale)
@@ -149,11 +150,11 @@ class TurnedPicture {
         findSteps(steps, turn_, part.left - turn_.centreColumn, size_);
         const std::int32_t rowsPerLine =
             next.rowCount() / static_cast<std::int32_t>(lines.last - lines.first) + 1;
-        std::int32_t fetched = 0;
+        std::int32_t prefetched = 0;
         for (const Line& line : lines) {
-            for (std::int32_t end = std::min(fetched + rowsPerLine, next.rowCount()); fetched < end;
-                 ++fetched)
-                prefetchRow(next, fetched);
+            for (std::int32_t end = std::min(prefetched + rowsPerLine, next.rowCount()); prefetched < end;
+                 ++prefetched)
+                prefetchRow(next, prefetched);
             const std::int32_t first = std::max(line.columns.first, part.left);
             const std::int32_t end = std::min(line.columns.end, part.left + size_);
             if (first >= end) continue;
@@ -162,12 +163,12 @@ class TurnedPicture {
             if (steps.exact) {
                 const auto column = static_cast<std::int32_t>(turned.column) - part.columns.first;
                 const auto row = static_cast<std::int32_t>(turned.row + turned.centreRow) - part.rows.first;
-                pick(run, patch + (placeOf(column, row) + steps.first), steps.each + (first - part.left));
+                gather(run, patch + (placeOf(column, row) + steps.first), steps.each + (first - part.left));
             } else {
                 std::int32_t places[patchSide];
                 findPlaces(places, turned, part.columns.first, part.rows.first, first - turn_.centreColumn,
                            end - first);
-                pick(run, patch, places);
+                gather(run, patch, places);
             }
         }
     }

@@ -4,21 +4,25 @@ namespace vantle {
 
 namespace {
 
-/// Pixels of imgTo where `bytesAt(i)` has ones, and of imgFrom where it has zeros.
-template <typename BytesAt>
-VANTLE_INLINE void chooseRun(const Run& run, BytesAt bytesAt) {
-    const auto chosenAt = [=](const Run& tile, std::int32_t first, std::int32_t i) VANTLE_INLINED {
-        const std::uint32_t bytes = bytesAt(first + i);
-        return (words(tile.to)[i] & bytes) | (words(tile.from)[i] & ~bytes);
+/// Pixels of imgTo where `chosenAt(i)` has ones, and of imgFrom where it has zeros.
+template <typename ChosenAt>
+VANTLE_INLINE void chooseRun(const Run& run, ChosenAt chosenAt) {
+    constexpr Pixel fourthByte = 0xFF000000;
+    // Byte 3 of one of them is chosen beforehand.
+    const Pixel open = run.fourth == run.from ? ~fourthByte : ~Pixel{0};
+    const Pixel ofTo = run.fourth == run.to ? fourthByte : 0;
+    const auto pixelAt = [=](const Run& tile, std::int32_t first, std::int32_t i) VANTLE_INLINED {
+        const Pixel chosen = (chosenAt(first + i) & open) | ofTo;
+        return (words(tile.to)[i] & chosen) | (words(tile.from)[i] & ~chosen);
     };
-    if (run.fourth == nullptr)
+    if (run.fourth == nullptr || run.fourth == run.from || run.fourth == run.to)
         draw(run, [=](const Run& tile, std::int32_t first) VANTLE_INLINED {
-            for (std::int32_t i = 0; i < tile.count; ++i) words(tile.out)[i] = chosenAt(tile, first, i);
+            for (std::int32_t i = 0; i < tile.count; ++i) words(tile.out)[i] = pixelAt(tile, first, i);
         });
     else
         draw(run, [=](const Run& tile, std::int32_t first) VANTLE_INLINED {
             for (std::int32_t i = 0; i < tile.count; ++i)
-                words(tile.out)[i] = withFourth(chosenAt(tile, first, i), words(tile.fourth)[i]);
+                words(tile.out)[i] = withFourth(pixelAt(tile, first, i), words(tile.fourth)[i]);
         });
 }
 

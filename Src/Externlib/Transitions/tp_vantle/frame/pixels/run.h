@@ -98,6 +98,6 @@ void sample(const Run& run, const Samples& samples);
 void sample(const Run& run, const Samples& over, const Samples& under, float opacity);
 
 /// Whole pixels `pixels[places[0]]`, `pixels[places[1]]`, ... from anywhere.
-void pick(const Run& run, const Pixel* pixels, const std::int32_t* places);
+void gather(const Run& run, const Pixel* pixels, const std::int32_t* places);
 
 }  // namespace vantle

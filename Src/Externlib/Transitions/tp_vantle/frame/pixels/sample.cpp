@@ -79,14 +79,14 @@ VANTLE_MULTIVERSION void sample(const Run& run, const Samples& over, const Sampl
     });
 }
 
-VANTLE_MULTIVERSION void pick(const Run& run, const Pixel* pixels, const std::int32_t* places) {
+VANTLE_MULTIVERSION void gather(const Run& run, const Pixel* pixels, const std::int32_t* places) {
     // The runs beside it come from the same place and are whole cache lines as well: no length is too short.
     draw<WaitsFor::memory, linePixels>(run, [=](const Run& tile, std::int32_t first) VANTLE_INLINED {
         std::int32_t i = 0;
         for (; i + nearWords <= tile.count; i += nearWords) {
-            Pixel picked[nearWords];
-            loadEach(picked, pixels, places + first + i);
-            std::memcpy(tile.out + std::ptrdiff_t{4} * i, picked, sizeof picked);
+            Pixel loaded[nearWords];
+            loadEach(loaded, pixels, places + first + i);
+            std::memcpy(tile.out + std::ptrdiff_t{4} * i, loaded, sizeof loaded);
         }
         for (; i < tile.count; ++i) words(tile.out)[i] = pixels[places[first + i]];
     });
