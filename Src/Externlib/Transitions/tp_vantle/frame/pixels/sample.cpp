@@ -12,8 +12,7 @@ namespace {
 
 /// Loads eight from anywhere, one by one: a loop of unknown length becomes the processor's own gather, which
 /// is slower.
-template <typename Pixels>
-VANTLE_INLINE void loadEach(Pixel* out, Pixels pixels, const std::int32_t* places) {
+VANTLE_INLINE void loadEach(Pixel* out, const Word* pixels, const std::int32_t* places) {
     Pixel loaded[nearWords];
     for (std::int32_t i = 0; i < nearWords; ++i) loaded[i] = pixels[places[i]];
     std::memcpy(out, loaded, sizeof loaded);
@@ -85,7 +84,7 @@ VANTLE_MULTIVERSION void gather(const Run& run, const Pixel* pixels, const std::
         std::int32_t i = 0;
         for (; i + nearWords <= tile.count; i += nearWords) {
             Pixel loaded[nearWords];
-            loadEach(loaded, pixels, places + first + i);
+            loadEach(loaded, words(pixels), places + first + i);
             std::memcpy(tile.out + std::ptrdiff_t{4} * i, loaded, sizeof loaded);
         }
         for (; i < tile.count; ++i) words(tile.out)[i] = pixels[places[first + i]];
