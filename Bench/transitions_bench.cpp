@@ -1,19 +1,17 @@
-// What each transition costs, in milliseconds per frame and in copies: how many times as long as copying
-// the frame it takes, on average and where it takes longest. A copy is timed before every drawing, so that a
-// busy machine slows both down alike, and the median of the ratios is kept. With --against PLUGIN another
-// build of the plug-in draws the same frames, in turn, and a last column tells how many times as long as that
-// one this one takes; with --read PLUGIN drawing ends when the frame has been read as a host does it,
-// converted to 4:2:0. With --modules it is told of the modules for other editors and the plug-in, whose own
-// copies are another column.
+// What each transition costs, in milliseconds of a thread per frame and in copies: how many times as long as
+// copying the frame it takes, on average and where it takes longest. A copy is timed before every drawing, so
+// that a busy machine slows both down alike, and the median of the ratios is kept. With --against PLUGIN
+// another build of the plug-in draws the same frames, in turn, and a last column tells how many times as long
+// as that one this one takes. With --modules it is told of the modules for other editors and the plug-in,
+// whose own copies are another column.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,7 +19,6 @@
 
 #include "Host/image.h"
 #include "Host/plugin.h"
-#include "media/convert.h"
 #include "modules.h"
 
 namespace {
@@ -42,12 +39,19 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
+/// Seconds that this thread has run.
+double threadTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 template <typename Work>
 double secondsFor(Work work) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = threadTime();
     work();
     benchmark::ClobberMemory();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return threadTime() - start;
 }
 
 vantle::Image noise(const Size& size, std::uint32_t seed) {
@@ -91,18 +95,6 @@ Draw drawing(const bench::Module& module, const Size& size) {
     return [instance = module.instance(size.width, size.height)](const Frames& frames, double position) {
         instance(position, DIGetBits(frames.inputs[0].get()), DIGetBits(frames.inputs[1].get()),
                  DIGetBits(frames.out.get()));
-    };
-}
-
-/// The same, and reads the frame.
-Draw readAfter(const Draw& draw, const Size& size) {
-    const vantle::PictureFormat format{
-        .pixels = AV_PIX_FMT_YUV420P, .space = AVCOL_SPC_BT709, .range = AVCOL_RANGE_MPEG};
-    const std::shared_ptr picture = vantle::blankPicture({size.width, size.height}, format);
-    return [draw, picture, converter = std::make_shared<vantle::Converter>(false)](const Frames& frames,
-                                                                                   double position) {
-        draw(frames, position);
-        converter->convert(vantle::viewOf(frames.out.get()), vantle::viewOf(*picture));
     };
 }
 
@@ -210,8 +202,7 @@ class Table : public benchmark::BenchmarkReporter {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    const bool reads = argc == 3 && argv[1] == std::string_view("--read");
-    const bool compares = reads || (argc == 3 && argv[1] == std::string_view("--against"));
+    const bool compares = argc == 3 && argv[1] == std::string_view("--against");
     const bool bridges = argc == 2 && argv[1] == std::string_view("--modules");
     if (!compares && !bridges && benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     const vantle::Plugin plugin(PLUGIN_PATH);
@@ -227,8 +218,6 @@ int main(int argc, char** argv) {
             for (const bench::Module& module : modules)
                 if (module.function == transition.function)
                     contenders.insert(contenders.begin(), drawing(module, size));
-            if (reads)
-                for (Draw& contender : contenders) contender = readAfter(contender, size);
             if (transition.draw != nullptr)
                 benchmark::RegisterBenchmark(
                     (transition.function + "/" + size.text()).c_str(),

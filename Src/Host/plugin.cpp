@@ -147,8 +147,7 @@ const Transition& findTransition(std::span<const Transition> catalogue, std::str
         }
     }
     std::string message = "no transition is called \"" + std::string(wanted) + "\"";
-    if (nearest != nullptr)
-        message += "; did you mean \"" + shownName(*nearest) + "\"?";
+    if (nearest != nullptr) message += "; did you mean \"" + shownName(*nearest) + "\"?";
     throw UsageError(message + " (vantle list shows them all)");
 }
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "catalogue/contract.h"
+#include "frame/contract.h"
 
 namespace vantle {
 

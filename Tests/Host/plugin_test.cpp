@@ -15,7 +15,7 @@ TEST(Plugin, SurvivesRecordsThatAreOddOrMissing) {
     TransInfo full{}, strange{};
     std::wcscpy(strange.szName, L"a\n\x1b\u00e9\U0001f600z");
     std::ranges::fill(full.szName, L'x');
-    std::ranges::fill(full.szGuid, wchar_t{-1});
+    std::ranges::fill(full.szGuid, static_cast<wchar_t>(-1));
     lent[0] = &full;
     EXPECT_THROW(vantle::Plugin(ODD_PLUGIN_PATH), vantle::Error) << "no second record";
     lent[1] = &strange;

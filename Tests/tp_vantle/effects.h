@@ -5,7 +5,7 @@
 
 #include "blends/dissolve.h"
 #include "catalogue/effects.h"
-#include "frame/multiversion.h"
+#include "frame/pixels/processor.h"
 
 namespace tests {
 
@@ -13,7 +13,7 @@ namespace tests {
 template <typename State>
 void drawFresh(const vantle::Stage& stage, const vantle::Progress& progress) {
     State state;
-    const bool fromTop = (*stage.rows().begin()).y() == 0;
+    const bool fromTop = (*stage.rows(vantle::Writes::pixels).begin()).y() == 0;
     state.fit(stage.width(), stage.height(), fromTop ? -1 : 1,
               [] { return [n = 1U]() mutable { return (n = n * 1664525 + 1013904223) >> 8; }; });
     state.draw(stage, progress);
@@ -30,7 +30,7 @@ inline constexpr std::pair<const char*, vantle::Effect*> effects[] = {
 template <typename Work>
 void forEachLevel(const Work& work) {
 #if VANTLE_SANITIZED
-    for (const auto level : {vantle::Level::base, vantle::Level::halfLines, vantle::Level::lines}) {
+    for (const auto level : {vantle::Level::base, vantle::Level::avx2, vantle::Level::avx512}) {
         vantle::testedLevel = level;
         work();
     }

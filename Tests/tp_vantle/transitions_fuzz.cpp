@@ -24,10 +24,11 @@ static Bytes drawnOtherwise(FuzzedDataProvider& input, Scene& scene, vantle::Eff
     const auto from = guarded(turned(scene.from), Guard::after, PROT_READ);
     const auto to = guarded(turned(scene.to), Guard::before, PROT_READ);
     const auto out = guarded(turned(scene.before), Guard::after, PROT_READ | PROT_WRITE);
+    using Streaming = vantle::Stage::Streaming;
     const vantle::Stage stage(g.width, g.height, topDown ? -g.pitch : g.pitch, out.get(), from.get(),
-                              to.get());
-    vantle::testedLevel = input.PickValueInArray({Level::base, Level::halfLines, Level::lines});
-    draw(input.ConsumeBool() ? stage.streamed() : stage, {duration, position});
+                              to.get(), input.ConsumeBool() ? Streaming::always : Streaming::ofLargeFrames);
+    vantle::testedLevel = input.PickValueInArray({Level::base, Level::avx2, Level::avx512});
+    draw(stage, {duration, position});
     return turned({out.get(), out.get() + scene.before.size()});
 }
 

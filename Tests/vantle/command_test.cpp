@@ -193,6 +193,7 @@ TEST_F(Command, WorksInstalledAndServesOtherHosts) {
     EXPECT_EQ(
         shell(in("cd there && find . ! -type d | grep -Ev '/frei0r-1/|/share/' | LC_ALL=C sort")).text(),
         "./bin/vantle\n./include/tp_vantle/catalogue/catalogue.h\n./include/tp_vantle/catalogue/contract.h\n"
+        "./include/tp_vantle/frame/contract.h\n"
         "./" LIBDIR
         "/cmake/tp_vantle/tp_vantle-config-version.cmake\n"
         "./" LIBDIR

@@ -1,14 +1,16 @@
 // One transition as a frei0r mixer: the door through which editors let frames in that know no other
-// interface. Compiled once for each row of the table, whose exported name is VANTLE_FUNCTION; VANTLE_TITLE
-// and VANTLE_EXPLANATION are its texts.
+// interface. Compiled once for each row of the table, whose exported name is VANTLE_FUNCTION and title
+// VANTLE_TITLE.
 #include <algorithm>
 #include <cinttypes>
 #include <cstdint>
 #include <new>
 #include <random>
+#include <string_view>
 
 #include "blends/dissolve.h"
 #include "catalogue/effects.h"
+#include "catalogue/transitions.h"
 
 // The header says neither that its functions are C nor that they are to be found.
 #pragma GCC visibility push(default)
@@ -42,6 +44,15 @@ struct Settled : Stateful {
 #define TRANSITION(function, effect, ...) using function = Stateless<effect>;
 #define STATEFUL(function, effect, ...) using function = Settled<effect>;
 #include "catalogue/transitions.inc"
+
+#define NAME_OF(function) #function
+#define NAME(function) NAME_OF(function)
+
+/// What the transition looks like.
+constexpr const char* sentence =
+    std::ranges::find(transitionRows, std::string_view(NAME(VANTLE_FUNCTION)), [](const TransitionRow& row) {
+        return std::string_view(row.function);
+    })->sentence;
 
 struct Instance {
     Instance(std::int32_t frameWidth, std::int32_t frameHeight)
@@ -79,7 +90,7 @@ void f0r_get_plugin_info(f0r_plugin_info_t* info) {
              .major_version = VANTLE_MAJOR_VERSION,
              .minor_version = VANTLE_MINOR_VERSION,
              .num_params = 1,
-             .explanation = VANTLE_EXPLANATION};
+             .explanation = vantle::sentence};
 }
 
 void f0r_get_param_info(f0r_param_info_t* info, int index) {

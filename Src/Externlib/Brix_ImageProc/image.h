@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "catalogue/contract.h"
+#include "frame/contract.h"
 
 extern "C" {
 

@@ -1,6 +1,6 @@
 // Stand-in for the host's logger: messages go to standard error when the environment variable QELT_LOG is
 // set to anything but 0; otherwise there is no logger at all.
-#include "catalogue/logger.h"
+#include "frame/logger.h"
 
 #include <cstdarg>
 #include <cstdio>

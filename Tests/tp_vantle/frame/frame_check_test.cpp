@@ -1,6 +1,6 @@
 // What the two transitions that check their frames tell the host's logger, and when. The logger is this
 // file's, and the accessors of sizes pass through it.
-#include "catalogue/frame_check.h"
+#include "frame/frame_check.h"
 
 #include <dlfcn.h>
 

@@ -37,11 +37,13 @@ void Dissolve::draw(const Stage& stage, const Progress& progress) {
     // All at the end: there the product may round to one less.
     curCountOfMask =
         progress.position() == progress.duration() ? maskCount : truncated(progress.linearPart(maskCount));
-    const std::uint32_t* ranks = mask;
-    for (Row row : stage.rows()) {
-        row.chosen(ranks, static_cast<std::uint32_t>(curCountOfMask), stage.width());
+    const auto shown = static_cast<std::uint32_t>(curCountOfMask);
+    for (Row row : stage.rows(Writes::pixels)) {
+        // Counted like the ranks: by rows as memory holds them.
+        const std::int32_t before = mask_y_pitch < 0 ? row.y() : stage.height() - 1 - row.y();
+        row.choose(Columns<std::uint32_t>{mask + std::ptrdiff_t{before} * stage.width(), 0}, shown,
+                   stage.width());
         row.fromRest();
-        ranks += stage.width();
     }
 }
 

@@ -2,6 +2,7 @@
 // travel.
 #include <cmath>
 
+#include "frame/columns.h"
 #include "frame/crossing.h"
 #include "frame/progress.h"
 #include "frame/ramp.h"
@@ -34,7 +35,7 @@ class Ramp {
 
 void linearWipeUpDown(const Stage& stage, const Progress& progress) {
     const Ramp ramp(stage.width(), progress.eased());
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         const float share = ramp.shareAt(row.y());
         if (share == 0.0F)
             row.to(stage.width());
@@ -45,26 +46,12 @@ void linearWipeUpDown(const Stage& stage, const Progress& progress) {
 }
 
 void linearWipeLeftRight(const Stage& stage, const Progress& progress) {
-    constexpr std::int32_t tile = 2048;  // columns whose shares are worked out at a time, for every row
     const std::int32_t width = stage.width();
     const Ramp ramp(width, progress.eased());
     const std::int32_t gone = crossing(0, width, [&](std::int32_t x) { return ramp.shareAt(x) > 0.0F; });
     const std::int32_t kept = crossing(gone, width, [&](std::int32_t x) { return ramp.shareAt(x) >= 1.0F; });
-    std::int32_t first = gone;
-    do {
-        const std::int32_t end = std::min(first + tile, kept);
-        float shares[tile];
-        for (std::int32_t x = first; x < end; ++x) shares[x - first] = ramp.shareAt(x);
-        for (Row row : stage.rows()) {
-            if (first == gone)
-                row.to(gone);
-            else
-                row.skip(first);
-            row.fade(shares, first, end);
-            if (end == kept) row.fromRest();
-        }
-        first = end;
-    } while (first < kept);
+    PerColumn shares([=](std::int32_t x) { return ramp.shareAt(x); });
+    for (Row row : stage.rows(Writes::pixels)) row.to(gone).fade(shares(row), kept).fromRest();
 }
 
 }  // namespace vantle

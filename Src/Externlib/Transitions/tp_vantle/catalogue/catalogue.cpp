@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "catalogue/door.h"
-#include "catalogue/frame_check.h"
+#include "frame/frame_check.h"
 
 using namespace vantle;
 
@@ -17,7 +17,7 @@ using namespace vantle;
     }
 #define TRANSITION(function, effect, ...) DOOR(function, noexcept, effect)
 #define CHECKED(check, function, effect, ...) DOOR(function, noexcept, effect, {check})
-#define STATEFUL(function, effect, ...) DOOR(function, , lasting<effect>())
+#define STATEFUL(function, effect, ...) DOOR(function, , immortal<effect>())
 #include "catalogue/transitions.inc"
 #undef DOOR
 

@@ -5,18 +5,10 @@
 #include <new>
 
 #include "blends/dissolve.h"
-#include "catalogue/contract.h"
 #include "catalogue/effects.h"
+#include "frame/call.h"
 
 namespace vantle {
-
-/// What a host hands over.
-struct Call {
-    DIImage imgOut;
-    DIImage imgFrom;
-    DIImage imgTo;
-    const TransParam* param;
-};
 
 /// What looks at the frames before they are drawn, and when: hosts may tell by their accessors.
 struct FrameChecks {
@@ -35,7 +27,7 @@ void draw(const Call& call, Dissolve& dissolve);
 /// The library's own object of an effect with a state. It is never destroyed: a host's threads may still draw
 /// while the process ends.
 template <typename State>
-State& lasting() {
+State& immortal() {
     alignas(State) static std::byte memory[sizeof(State)];
     static State& state = *new (memory) State;
     return state;

@@ -1,38 +1,41 @@
-/// What depends on the column alone and is the same in many rows.
+/// What depends on the column alone and is the same in all rows.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
-#include "frame/pixels.h"
 #include "frame/stage.h"
 
 namespace vantle {
 
-/// How many columns are worked out at a time.
-constexpr std::int32_t tileColumns = 4096;
+/// Values `valueAt(column)`, worked out once for the columns that rows have: weights, shares in single
+/// precision, or, of a condition, a mask.
+template <typename ValueAt>
+class PerColumn {
+   public:
+    using Result = std::invoke_result_t<ValueAt, std::int32_t>;
+    using Value = std::conditional_t<std::is_floating_point_v<Result>, Result, Weight>;
 
-/// Works out `weightAt(column)` once for columns `first` to `end` - 1, a tile of them at a time, and calls
-/// `draw(row, weights, tileFirst, tileEnd)` for every row, which stands at `tileFirst`, the column of
-/// `weights[0]`. Weights repeat every `period` columns.
-template <typename WeightAt, typename Draw>
-void drawColumns(const Stage& stage, std::int32_t first, std::int32_t end, std::int32_t period,
-                 WeightAt weightAt, Draw draw) {
-    for (std::int32_t tileFirst = first; tileFirst < end; tileFirst += tileColumns) {
-        const std::int32_t tileEnd = std::min(tileFirst + tileColumns, end);
-        const std::int32_t columns = tileEnd - tileFirst;
-        Weight weights[tileColumns];
-        for (std::int32_t i = 0; i < std::min(period, columns); ++i)
-            weights[i] = static_cast<Weight>(weightAt(tileFirst + i));
-        for (std::int32_t i = period; i < columns; ++i) weights[i] = weights[i - period];
-        for (Row row : stage.rows()) draw(row.skip(tileFirst), weights, tileFirst, tileEnd);
+    explicit PerColumn(ValueAt valueAt) : valueAt_(valueAt) {}
+
+    /// Those of the row's columns.
+    Columns<Value> operator()(const Row& row) {
+        if (columns_ != row.columns()) {
+            columns_ = row.columns();
+            for (std::int32_t x = columns_.first; x < columns_.end; ++x) {
+                if constexpr (std::is_same_v<Result, bool>)
+                    values_[x - columns_.first] = valueAt_(x) ? 255 : 0;
+                else
+                    values_[x - columns_.first] = static_cast<Value>(valueAt_(x));
+            }
+        }
+        return {values_, columns_.first};
     }
-}
 
-/// The same where they do not repeat.
-template <typename WeightAt, typename Draw>
-void drawColumns(const Stage& stage, std::int32_t first, std::int32_t end, WeightAt weightAt, Draw draw) {
-    drawColumns(stage, first, end, end - first, weightAt, draw);
-}
+   private:
+    ValueAt valueAt_;
+    Span columns_{0, 0};
+    Value values_[Stage::widestPiece];
+};
 
 }  // namespace vantle

@@ -19,23 +19,15 @@ std::int32_t crossing(std::int32_t first, std::int32_t end, Beyond beyond) {
     return first;
 }
 
-/// The same, looked for from `guess` on in steps that double, as where the row before crosses it close by.
+/// The same, looked for about `guess` first.
 template <typename Beyond>
 std::int32_t crossing(std::int32_t first, std::int32_t end, std::int32_t guess, Beyond beyond) {
-    std::int32_t at = std::clamp(guess, first, end);
-    std::int32_t step = 1;
-    if (at < end && !beyond(at)) {
-        for (first = at + 1; end - first > step; step *= 2) {
-            if (beyond(first + step)) return crossing(first, first + step, beyond);
-            first += step + 1;
-        }
-    } else {
-        for (end = at; end - first > step; step *= 2) {
-            if (!beyond(end - step)) return crossing(end - step + 1, end, beyond);
-            end -= step;
-        }
-    }
-    return crossing(first, end, beyond);
+    constexpr std::int32_t near = 2;
+    const std::int32_t low = std::clamp(guess, first + near, std::max(end, first + near)) - near;
+    const std::int32_t high = std::min(low + 2 * near, end);
+    if (low > first && beyond(low - 1)) return crossing(first, low - 1, beyond);
+    if (high < end && !beyond(high)) return crossing(high + 1, end, beyond);
+    return crossing(low, high, beyond);
 }
 
 }  // namespace vantle

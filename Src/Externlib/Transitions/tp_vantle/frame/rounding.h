@@ -16,6 +16,12 @@ constexpr std::int32_t truncated(double value) {
     return value == value ? static_cast<std::int32_t>(value) : 0;
 }
 
+/// A tenth of a size, made even by adding one, at least 2.
+constexpr std::int32_t evenTenth(std::int32_t size) {
+    const std::int32_t tenth = truncated(size * 0.1);
+    return tenth < 2 ? 2 : tenth + tenth % 2;
+}
+
 /// `value` plus one half, truncated toward zero.
 constexpr std::int32_t rounded(double value) { return truncated(value + 0.5); }
 

@@ -1,6 +1,6 @@
 #include "frame/soft_edge.h"
 
-#include "frame/multiversion.h"
+#include "frame/pixels/processor.h"
 
 namespace vantle {
 
@@ -10,7 +10,7 @@ VANTLE_MULTIVERSION void estimateShares(double* shares, const Ray& ray, std::int
     const std::int32_t dy = y - ray.row;
     const double across = dy * ray.sine;
     const double along = -dy * ray.cosine;
-    // What is written might else be the ray, for all the compiler knows.
+    // Local copies: `shares` may alias `ray`.
     const double sine = ray.sine;
     const double cosine = ray.cosine;
     const double scale = ray.scale;

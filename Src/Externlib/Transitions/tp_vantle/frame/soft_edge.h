@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "frame/crossing.h"
-#include "frame/pixels.h"
 #include "frame/stage.h"
 
 namespace vantle {
@@ -62,10 +61,11 @@ void softEdgeWeights(Weight* weights, const Ray& ray, std::int32_t x, std::int32
 }
 
 /// Draws the columns of a row up to `end`, over which the angle only rises or only falls, so that each zone,
-/// `zoneAt(x)`, is one run. Byte 3 of what is not kept gets `fourth`: `mixed` or `ofFrom`.
+/// `zoneAt(x)`, is one run.
 template <typename ZoneAt, typename ShareAt>
-void drawSoftEdge(Row& row, std::int32_t end, const Ray& ray, Fourth fourth, ZoneAt zoneAt, ShareAt shareAt) {
+void drawSoftEdge(Row& row, std::int32_t end, const Ray& ray, ZoneAt zoneAt, ShareAt shareAt) {
     constexpr std::int32_t tile = 512;
+    end = std::min(end, row.columns().end);
     while (row.x() < end) {
         const Zone zone = zoneAt(row.x());
         const std::int32_t outside =
@@ -74,16 +74,14 @@ void drawSoftEdge(Row& row, std::int32_t end, const Ray& ray, Fourth fourth, Zon
                 : crossing(row.x(), end, [&](std::int32_t x) { return zoneAt(x) != zone; });
         if (zone == Zone::kept)
             row.from(outside);
-        else if (zone == Zone::full && fourth == Fourth::mixed)
-            row.to(outside);
         else if (zone == Zone::full)
-            row.toColours(outside);
+            row.to(outside);
         while (row.x() < outside) {
             const std::int32_t start = row.x();
             const std::int32_t count = std::min(outside - start, tile);
             Weight weights[tile];
             softEdgeWeights(weights, ray, start, row.y(), count, shareAt);
-            row.mix(Divisor::by255, fourth, weights, start, start + count);
+            row.mix(Columns<Weight>{weights, start}, start + count);
         }
     }
 }

@@ -3,7 +3,7 @@
 // ends.
 #include <cmath>
 
-#include "frame/distance.h"
+#include "frame/disc.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
@@ -15,11 +15,10 @@ void cirqueZoomIn(const Stage& stage, const Progress& progress) {
     constexpr std::int32_t rings = 15;
     const double t = progress.linear();
     if (t > 0.999) {
-        for (Row row : stage.rows()) row.toRest();
+        stage.show(Source::to);
         return;
     }
-    const std::int32_t width = stage.width();
-    const double across = width;
+    const double across = stage.width();
     const double down = stage.height();
     const double largest = std::sqrt(across * across + down * down) * 0.5 + 0.5;
     const std::int32_t radius = truncated(largest * t);
@@ -40,18 +39,9 @@ void cirqueZoomIn(const Stage& stage, const Progress& progress) {
         if (ring < rings && ring % 2 == 0) return static_cast<std::int32_t>(relative * 255.0F);
         return 255 - truncated(static_cast<double>(relative) * oddShare);
     });
-    drawDisc(
-        stage, table,
-        [=](std::int32_t dy) { return wholeRoot(std::int64_t{radius} * radius - std::int64_t{dy} * dy); },
-        [](Row& row, const Weight* weights, std::int32_t end) {
-            row.mix(Divisor::by255, Fourth::ofFrom, weights, row.x(), end);
-        },
-        [=](Row& row, std::int32_t end) {
-            if (end < width)
-                row.from(end);
-            else
-                row.fromRest();
-        });
+    drawDisc(stage, Writes::coloursOverFrom, Source::from, table, [=](std::int32_t dy) {
+        return wholeRoot(std::int64_t{radius} * radius - std::int64_t{dy} * dy);
+    });
 }
 
 }  // namespace vantle

@@ -15,14 +15,14 @@ void draw(const Stage& stage, Source inside, std::int32_t reach) {
     const std::int32_t width = stage.width();
     const Source outside = inside == Source::from ? Source::to : Source::from;
     if (reach >= width || reach == 0 || width < 1) {
-        for (Row row : stage.rows()) row.showRest(reach >= width ? inside : outside);
+        stage.show(reach >= width ? inside : outside);
         return;
     }
     const std::int32_t centreColumn = (width + 1) / 2;
     const std::int32_t centreHeight = (stage.height() + 1) / 2;
     const double aspect = static_cast<double>(centreHeight) / centreColumn;
     const std::int32_t middle = stage.height() - centreHeight;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         // A column at distance d reaches round((reach - d) * aspect) rows above the middle line and to below
         // it: the largest distance that reaches this row is near the inverse, and settled with the rule
         // itself.
@@ -34,7 +34,7 @@ void draw(const Stage& stage, Source inside, std::int32_t reach) {
         while (distance >= 0 && !reaches(distance)) --distance;
         while (reaches(distance + 1)) ++distance;
         if (distance >= 0)
-            row.window(inside, Fourth::mixed, centreColumn - distance, centreColumn + distance + 1);
+            row.show(outside, centreColumn - distance).show(inside, centreColumn + distance + 1);
         row.showRest(outside);
     }
 }

@@ -9,12 +9,6 @@ namespace vantle {
 
 namespace {
 
-/// A tenth of the height, raised to an even number, at least 2.
-std::int32_t cellSize(const Stage& stage) {
-    const std::int32_t tenth = truncated(stage.height() * 0.1);
-    return std::max(tenth + tenth % 2, 2);
-}
-
 /// The squares have side + 1 pixels on each side (`side` is even) and lie about the middle of their cells.
 struct Squares {
     std::int32_t cell;
@@ -32,38 +26,30 @@ struct Squares {
 /// Squares of the incoming frame grow from a pixel; byte 3 stays.
 void gridZoomIn(const Stage& stage, const Progress& progress) {
     const double t = progress.linear();
-    const std::int32_t cell = cellSize(stage);
+    const std::int32_t cell = evenTenth(stage.height());
     const std::int32_t side = truncated(t * cell);
     const Squares squares(cell, side + side % 2);
-    drawColumns(
-        stage, 0, stage.width(), cell, [=](std::int32_t x) { return squares.has(x) ? 255 : 0; },
-        [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            if (t >= 0.001 && squares.crosses(stage, row))
-                row.wovenColours(weights, first, end);
-            else
-                row.from(end);
-            if (end == stage.width()) row.fromRest();
-        });
+    PerColumn inside([=](std::int32_t x) { return squares.has(x); });
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
+        if (t >= 0.001 && squares.crosses(stage, row)) row.choose(inside(row), stage.width());
+        row.fromRest();
+    }
 }
 
 /// The outgoing frame shrinks into squares, to a pixel each; byte 3 stays but at the very end.
 void gridZoomOut(const Stage& stage, const Progress& progress) {
-    const std::int32_t cell = cellSize(stage);
+    const std::int32_t cell = evenTenth(stage.height());
     const std::int32_t side = truncated(cell * progress.linearLeft());
     const Squares squares(cell, side - side % 2);
     if (progress.linear() > 0.999) {
-        for (Row row : stage.rows()) row.toRest();
+        stage.show(Source::to);
         return;
     }
-    drawColumns(
-        stage, 0, stage.width(), cell, [=](std::int32_t x) { return squares.has(x) ? 0 : 255; },
-        [&](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            if (squares.crosses(stage, row))
-                row.wovenColours(weights, first, end);
-            else
-                row.toColours(end);
-            if (end == stage.width()) row.fromRest();
-        });
+    PerColumn outside([=](std::int32_t x) { return !squares.has(x); });
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
+        if (squares.crosses(stage, row)) row.choose(outside(row), stage.width());
+        row.toRest();
+    }
 }
 
 }  // namespace vantle

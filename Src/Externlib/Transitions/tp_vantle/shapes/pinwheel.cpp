@@ -21,7 +21,7 @@ void pinwheel(const Stage& stage, const Progress& progress) {
     const std::int32_t centreColumn = width / 2;
     const std::int32_t centreRow = stage.height() / 2;
 
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         const std::int32_t down = row.y() - centreRow;
         const double dy = std::abs(down);
         if (blade < 0.01 || down == 0) {

@@ -13,10 +13,8 @@ void rectZoomIn(const Stage& stage, const Progress& progress) {
     const std::int32_t halfColumns = progress.linearRemainder(stage.width()) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
     const std::int32_t centreColumn = (stage.width() + 1) / 2;
-    const auto darkened = [](Row& row, std::int32_t end) {
-        row.mix(Divisor::by256, Fourth::ofFrom, 255, end);
-    };
-    for (Row row : stage.rows()) {
+    const auto darkened = [](Row& row, std::int32_t end) { row.mix(255, end, Division::by256); };
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         if (std::abs(row.y() - centreRow) < halfRows) {
             darkened(row, centreColumn - halfColumns + 1);
             row.from(centreColumn + halfColumns);
@@ -33,10 +31,9 @@ void rectZoomOut(const Stage& stage, const Progress& progress) {
     const std::int32_t halfColumns = grown.linearSize(stage.width()) / 2;
     const std::int32_t centreRow = stage.height() / 2;
     const std::int32_t centreColumn = stage.width() / 2;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         if (std::abs(row.y() - centreRow) < halfRows)
-            row.window(Source::to, Fourth::ofFrom, centreColumn - halfColumns + 1,
-                       centreColumn + halfColumns);
+            row.from(centreColumn - halfColumns + 1).to(centreColumn + halfColumns);
         row.fromRest();
     }
 }

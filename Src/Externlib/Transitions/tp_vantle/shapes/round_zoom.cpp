@@ -2,7 +2,7 @@
 // soft rim; they differ in the bytes they write, in the arithmetic and in what lies under them.
 #include <cmath>
 
-#include "frame/distance.h"
+#include "frame/disc.h"
 #include "frame/progress.h"
 #include "frame/rounding.h"
 #include "frame/stage.h"
@@ -42,25 +42,24 @@ struct Chord {
 
 double largestRadius(const Stage& stage) { return diagonal(stage) * 0.5 + 0.5 + 100.0; }
 
-/// Draws a disc with its rim over the frame `outside`: `solid(row, end)` within the rim, and on it
-/// `soft(row, weights, end)`, with weights by the truncated distance.
-template <typename Solid, typename Soft>
-void drawRimmedDisc(const Stage& stage, std::int32_t radius, const DistanceTable& table, Source outside,
-                    Solid solid, Soft soft) {
-    const std::int32_t width = stage.width();
-    const std::int32_t centreColumn = (width + 1) / 2;
+/// Draws a disc of one frame over the other, with its rim by the truncated distance.
+void drawRimmedDisc(const Stage& stage, Writes writes, Division division, Source inside, std::int32_t radius,
+                    const DistanceTable& table) {
+    const Source outside = inside == Source::to ? Source::from : Source::to;
+    const std::int32_t centreColumn = (stage.width() + 1) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(writes)) {
         const std::int32_t dy = row.y() - centreRow;
         const Chord chord(radius, centreColumn, dy);
         const auto rimUpTo = [&](std::int32_t end) {
-            drawByDistance(
-                row, centreColumn, dy, std::min(end, width), DistanceRounding::truncated, table,
-                [&](const Weight* weights, std::int32_t stretchEnd) { soft(row, weights, stretchEnd); });
+            drawByDistance(row, centreColumn, dy, end, DistanceRounding::truncated, table,
+                           [&](const Columns<Weight>& weights, std::int32_t stretchEnd) {
+                               row.mix(weights, stretchEnd, division);
+                           });
         };
         row.show(outside, chord.first);
         rimUpTo(chord.solidFirst);
-        solid(row, chord.solidLast + 1);
+        row.show(inside, chord.solidLast + 1);
         rimUpTo(chord.last + 1);
         row.showRest(outside);
     }
@@ -73,9 +72,7 @@ void roundZoomIn(const Stage& stage, const Progress& progress) {
     const std::int32_t radius = truncated(largestRadius(stage) * progress.linear());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return rimWeight(radius - distance); });
-    drawRimmedDisc(
-        stage, radius, table, Source::from, [](Row& row, std::int32_t end) { row.to(end); },
-        [](Row& row, const Weight* weights, std::int32_t end) { row.mixSingle(weights, row.x(), end); });
+    drawRimmedDisc(stage, Writes::pixels, Division::single, Source::to, radius, table);
 }
 
 /// "Round_zoom_in": a shrinking disc of the outgoing frame over the incoming one, whose byte 3 stays.
@@ -83,12 +80,7 @@ void roundZoomOut(const Stage& stage, const Progress& progress) {
     const std::int32_t radius = truncated(largestRadius(stage) * progress.linearLeft());
     const DistanceTable table(radius + 1,
                               [=](std::int32_t distance) { return 255 - rimWeight(radius - distance); });
-    drawRimmedDisc(
-        stage, radius, table, Source::to,
-        [](Row& row, std::int32_t end) { row.colours(Source::from, Fourth::ofTo, end); },
-        [](Row& row, const Weight* weights, std::int32_t end) {
-            row.mix(Divisor::by255, Fourth::ofTo, weights, row.x(), end);
-        });
+    drawRimmedDisc(stage, Writes::coloursOverTo, Division::by255, Source::from, radius, table);
 }
 
 /// A disc that grows to half the diagonal and shrinks again; in it the incoming frame's share grows with the
@@ -100,17 +92,11 @@ void roundZoomIn2(const Stage& stage, const Progress& progress) {
     const double scale = rounded(diagonal(stage) * 0.5);
     const DistanceTable table(limit,
                               [=](std::int32_t distance) { return truncated(distance / scale * 255.0); });
-    drawDisc(
-        stage, table,
-        [=](std::int32_t dy) {
-            // Distances up to limit - 1 have squares up to limit^2 - limit.
-            const std::int64_t square = std::int64_t{limit} * limit - limit - std::int64_t{dy} * dy;
-            return limit > 0 ? wholeRoot(square) : -1;
-        },
-        [](Row& row, const Weight* weights, std::int32_t end) {
-            row.mix(Divisor::by255, Fourth::kept, weights, row.x(), end);
-        },
-        [=](Row& row, std::int32_t end) { row.colours(outside, Fourth::kept, end); });
+    drawDisc(stage, Writes::colours, outside, table, [=](std::int32_t dy) {
+        // Distances up to limit - 1 have squares up to limit^2 - limit.
+        const std::int64_t square = std::int64_t{limit} * limit - limit - std::int64_t{dy} * dy;
+        return limit > 0 ? wholeRoot(square) : -1;
+    });
 }
 
 }  // namespace vantle

@@ -77,12 +77,12 @@ void draw(const Stage& stage, const Hand& hand) {
                   .cosine = std::cos(hand.origin),
                   .scale = hand.scale(),
                   .tolerance = 3e-7};  // the rule's own divisors are off by 1e-7
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         const std::int32_t v = row.y() - ray.row;
         const auto angleAt = [=](std::int32_t x) { return angleOf(x - ray.column, v); };
         const auto drawSector = [&](std::int32_t end) {
             drawSoftEdge(
-                row, end, ray, Fourth::ofFrom, [&](std::int32_t x) { return hand.zoneOf(angleAt(x)); },
+                row, end, ray, [&](std::int32_t x) { return hand.zoneOf(angleAt(x)); },
                 [&](std::int32_t x) { return hand.share(angleAt(x)); });
         };
         drawSector(ray.column);

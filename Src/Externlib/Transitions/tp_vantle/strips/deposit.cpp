@@ -9,8 +9,7 @@ namespace vantle {
 /// Byte 3 stays that of the outgoing frame.
 void depositUp(const Stage& stage, const Progress& progress) {
     const std::int64_t height = stage.height();
-    const std::int32_t tenth = truncated(0.1 * static_cast<double>(height));
-    const std::int64_t band = std::max(tenth + tenth % 2, 2);
+    const std::int64_t band = evenTenth(stage.height());
     // The falls laid end to end: how far bands 0 to k fall together.
     const auto fallen = [=](std::int64_t k) { return (k + 1) * height - band * (k * (k + 1) / 2); };
     const std::int64_t last = height / band;
@@ -19,9 +18,9 @@ void depositUp(const Stage& stage, const Progress& progress) {
     while (falling < last && fallen(falling) < travel) ++falling;
     const std::int64_t bottom = travel - (falling > 0 ? fallen(falling - 1) : 0);
     const std::int64_t pile = height - falling * band;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         const bool inBand = row.y() >= bottom - band && row.y() < bottom;
-        if (inBand || row.y() >= pile) row.toColours(stage.width());
+        if (inBand || row.y() >= pile) row.to(stage.width());
         row.fromRest();
     }
 }

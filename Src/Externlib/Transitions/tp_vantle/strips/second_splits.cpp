@@ -25,12 +25,12 @@ void rowSplit2(const Stage& stage, const Progress& progress) {
     const double eased = progress.eased();
     const Source outside = eased < 0.5 ? Source::from : Source::to;
     const std::int32_t half = eased < 0.5 ? progress.easedSize(height) : rounded((1.0 - eased) * height);
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::colours)) {
         const std::int32_t distance = std::abs(row.y() - height / 2);
         if (half != 0 && distance <= half)
-            row.mix(Divisor::by255, Fourth::kept, ramp(distance, height), stage.width());
+            row.mix(ramp(distance, height), stage.width());
         else
-            row.colours(outside, Fourth::kept, stage.width());
+            row.showRest(outside);
     }
 }
 
@@ -39,22 +39,17 @@ void colSplit2(const Stage& stage, const Progress& progress) {
     const std::int32_t width = stage.width();
     const double eased = progress.eased();
     const Source outside = eased < 0.5 ? Source::from : Source::to;
-    const Fourth fourth = eased < 0.5 ? Fourth::ofFrom : Fourth::ofTo;
     const std::int32_t half = truncated(width * (eased < 0.5 ? eased : 1.0 - eased));
     const std::int32_t left = width / 2 - half;
     const std::int32_t right = width / 2 + half;
-    for (Row row : stage.rows()) row.show(outside, left).skip(right).showRest(outside);
-    drawColumns(
-        stage, left, right,
-        [=](std::int32_t x) {
-            const bool onLeft = x < width / 2;
-            const std::int64_t distance = onLeft ? x : x - width / 2;
-            const auto share = static_cast<std::int32_t>(510 * distance / width);
-            return onLeft ? 255 - share : share;
-        },
-        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            row.mix(Divisor::by256, fourth, weights, first, end);
-        });
+    PerColumn weights([=](std::int32_t x) {
+        const bool onLeft = x < width / 2;
+        const std::int64_t distance = onLeft ? x : x - width / 2;
+        const auto share = static_cast<std::int32_t>(510 * distance / width);
+        return onLeft ? 255 - share : share;
+    });
+    for (Row row : stage.rows(coloursOver(outside)))
+        row.show(outside, left).mix(weights(row), right, Division::by256).showRest(outside);
 }
 
 /// A cross, growing linearly: the mean of a ramp along the rows and one along the columns. Byte 3 and the
@@ -69,21 +64,17 @@ void crossSplit2(const Stage& stage, const Progress& progress) {
     };
     const std::int32_t halfRows = half(height);
     const std::int32_t halfColumns = half(width);
-    drawColumns(
-        stage, 0, width, [=](std::int32_t x) { return ramp(std::abs(x - width / 2), width); },
-        [=](Row& row, const Weight* acrossRamp, std::int32_t first, std::int32_t end) {
-            const std::int32_t distance = std::abs(row.y() - height / 2);
-            const bool wholeRow = distance < halfRows;
-            const std::int32_t left = wholeRow ? first : std::max(width / 2 - halfColumns + 1, first);
-            const std::int32_t right = wholeRow ? end : std::min(width / 2 + halfColumns, end);
-            Weight weights[tileColumns];
-            if (left < right)
-                meanWeights(weights, acrossRamp + (left - first), static_cast<Weight>(ramp(distance, height)),
-                            right - left);
-            row.colours(outside, Fourth::kept, std::min(left, end))
-                .mix(Divisor::by255, Fourth::kept, weights, left, right)
-                .colours(outside, Fourth::kept, end);
-        });
+    PerColumn across([=](std::int32_t x) { return ramp(std::abs(x - width / 2), width); });
+    for (Row row : stage.rows(Writes::colours)) {
+        const std::int32_t distance = std::abs(row.y() - height / 2);
+        if (distance < halfRows) {
+            row.mixMean(across(row), ramp(distance, height), width);
+        } else {
+            row.show(outside, width / 2 - halfColumns + 1)
+                .mixMean(across(row), ramp(distance, height), width / 2 + halfColumns)
+                .showRest(outside);
+        }
+    }
 }
 
 }  // namespace vantle

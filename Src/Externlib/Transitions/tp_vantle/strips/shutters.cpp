@@ -23,8 +23,7 @@ Slats wideSlats(double period, const Progress& progress) {
 
 /// Even periods of a tenth of the height, opening by two pixels at a time.
 Slats evenSlats(std::int32_t height, const Progress& progress) {
-    const std::int32_t tenth = truncated(height * 0.1);
-    const std::int32_t size = std::max(tenth + tenth % 2, 2);
+    const std::int32_t size = evenTenth(height);
     return {size, truncated(progress.linear() * size) & ~1};
 }
 
@@ -32,53 +31,36 @@ Slats evenSlats(std::int32_t height, const Progress& progress) {
 
 /// Vertical slats. Byte 3 stays that of the outgoing frame.
 void verShutter(const Stage& stage, const Progress& progress) {
-    const std::int32_t width = stage.width();
-    const Slats slats = wideSlats(30.0 * width / 640.0, progress);
-    drawColumns(
-        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
-        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            row.wovenColours(weights, first, end);
-            if (end == width) row.fromRest();
-        });
+    const Slats slats = wideSlats(30.0 * stage.width() / 640.0, progress);
+    PerColumn opens([=](std::int32_t x) { return slats.opens(x); });
+    for (Row row : stage.rows(Writes::coloursOverFrom)) row.choose(opens(row), stage.width()).fromRest();
 }
 
 /// Horizontal slats. Byte 3 stays that of the outgoing frame.
 void horShutter(const Stage& stage, const Progress& progress) {
     const Slats slats = wideSlats(30.0 * stage.height() / 360.0, progress);
-    for (Row row : stage.rows()) {
-        if (slats.opens(row.y())) row.toColours(stage.width());
-        row.fromRest();
-    }
+    for (Row row : stage.rows(Writes::coloursOverFrom))
+        row.showRest(slats.opens(row.y()) ? Source::to : Source::from);
 }
 
 /// Slats in both directions: whole pixels of the incoming frame in either.
 void crossShutter1(const Stage& stage, const Progress& progress) {
-    const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
-    drawColumns(
-        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
-        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            if (slats.opens(row.y()))
-                row.to(end);
-            else
-                row.woven(Source::to, weights, first, end);
-            if (end == width) row.fromRest();
-        });
+    PerColumn opens([=](std::int32_t x) { return slats.opens(x); });
+    for (Row row : stage.rows(Writes::pixels)) {
+        if (slats.opens(row.y())) row.to(stage.width());
+        row.choose(opens(row), stage.width()).fromRest();
+    }
 }
 
 /// Growing squares: whole pixels of the incoming frame where slats in both directions meet.
 void crossShutter2(const Stage& stage, const Progress& progress) {
-    const std::int32_t width = stage.width();
     const Slats slats = evenSlats(stage.height(), progress);
-    drawColumns(
-        stage, 0, width, slats.period, [=](std::int32_t x) { return slats.opens(x) ? 255 : 0; },
-        [=](Row& row, const Weight* weights, std::int32_t first, std::int32_t end) {
-            if (slats.opens(row.y()))
-                row.woven(Source::to, weights, first, end);
-            else
-                row.from(end);
-            if (end == width) row.fromRest();
-        });
+    PerColumn opens([=](std::int32_t x) { return slats.opens(x); });
+    for (Row row : stage.rows(Writes::pixels)) {
+        if (slats.opens(row.y())) row.choose(opens(row), stage.width());
+        row.fromRest();
+    }
 }
 
 }  // namespace vantle

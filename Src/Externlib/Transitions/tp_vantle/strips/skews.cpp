@@ -55,7 +55,7 @@ Profile mergeProfile(std::int32_t front) {
     return {Zone::kept, Zone::full, 0, front, [=](std::int32_t distance) { return 255 * distance / front; }};
 }
 
-void draw(const Stage& stage, Diagonal diagonal, Fourth fourth, const Profile& profile) {
+void draw(const Stage& stage, Diagonal diagonal, Writes writes, const Profile& profile) {
     const std::int32_t width = stage.width();
     const float slant = static_cast<float>(width) / static_cast<float>(stage.height());
     // The soft edge as it stands left of the diagonal, where columns run toward it.
@@ -63,20 +63,21 @@ void draw(const Stage& stage, Diagonal diagonal, Fourth fourth, const Profile& p
     std::reverse_copy(profile.weights, profile.weights + profile.length, mirrored);
     const auto zone = [&](Row& row, Zone which, std::int32_t end) {
         if (which == Zone::full)
-            row.mix(Divisor::by256, fourth, 255, end);
+            row.mix(255, end, Division::by256);
         else
             row.from(end);
     };
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(writes)) {
         const std::int32_t along = truncated(static_cast<float>(row.y()) * slant);
         const std::int32_t centre = diagonal == Diagonal::falling ? along : width - 1 - along;
         const std::int32_t start = profile.start;
         const std::int32_t end = profile.start + profile.length;
         zone(row, profile.outer, centre - end + 1);
         // The pixel on the diagonal itself is drawn with the right half.
-        row.mix(Divisor::by256, fourth, mirrored, centre - end + 1, std::min(centre - start + 1, centre));
+        row.mix(Columns<Weight>{mirrored, centre - end + 1}, std::min(centre - start + 1, centre),
+                Division::by256);
         zone(row, profile.inner, centre + start);
-        row.mix(Divisor::by256, fourth, profile.weights, centre + start, centre + end);
+        row.mix(Columns<Weight>{profile.weights, centre + start}, centre + end, Division::by256);
         zone(row, profile.outer, width);
         row.fromRest();
     }
@@ -87,25 +88,25 @@ void draw(const Stage& stage, Diagonal diagonal, Fourth fourth, const Profile& p
 /// "Skew_left_split": along the falling diagonal, eased.
 void skewRightSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t front = progress.easedSize(stage.width() + edge);
-    draw(stage, Diagonal::falling, Fourth::ofFrom, splitProfile(stage.width(), front, 0));
+    draw(stage, Diagonal::falling, Writes::coloursOverFrom, splitProfile(stage.width(), front, 0));
 }
 
 /// "Skew_right_split": along the rising diagonal, linear, its edge 80 pixels further in, all four bytes.
 void skewLeftSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t front = progress.linearSize(stage.width() + edge);
-    draw(stage, Diagonal::rising, Fourth::mixed, splitProfile(stage.width(), front, edge));
+    draw(stage, Diagonal::rising, Writes::pixels, splitProfile(stage.width(), front, edge));
 }
 
 /// Along the falling diagonal.
 void skewLeftMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t front = progress.easedRemainder(stage.width() + edge);
-    draw(stage, Diagonal::falling, Fourth::ofFrom, mergeProfile(front));
+    draw(stage, Diagonal::falling, Writes::coloursOverFrom, mergeProfile(front));
 }
 
 /// Along the rising diagonal.
 void skewRightMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t front = progress.easedRemainder(stage.width() + edge);
-    draw(stage, Diagonal::rising, Fourth::ofFrom, mergeProfile(front));
+    draw(stage, Diagonal::rising, Writes::coloursOverFrom, mergeProfile(front));
 }
 
 }  // namespace vantle

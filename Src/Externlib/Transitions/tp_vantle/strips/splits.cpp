@@ -11,18 +11,16 @@ namespace vantle {
 void rowSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedSize(stage.height()) / 2;
     const std::int32_t centre = stage.height() / 2;
-    for (Row row : stage.rows()) {
-        if (half != 0 && std::abs(row.y() - centre) <= half) row.toColours(stage.width());
-        row.fromRest();
-    }
+    for (Row row : stage.rows(Writes::coloursOverFrom))
+        row.showRest(half != 0 && std::abs(row.y() - centre) <= half ? Source::to : Source::from);
 }
 
 /// Columns of the incoming frame around the centre column, 2k + 1 of them; all bytes.
 void colSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedSize(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
-    for (Row row : stage.rows()) {
-        if (half != 0) row.window(Source::to, Fourth::mixed, centre - half, centre + half + 1);
+    for (Row row : stage.rows(Writes::pixels)) {
+        if (half != 0) row.from(centre - half).to(centre + half + 1);
         row.fromRest();
     }
 }
@@ -31,7 +29,7 @@ void colSplit(const Stage& stage, const Progress& progress) {
 void rowMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedRemainder(stage.height()) / 2;
     const std::int32_t centre = stage.height() / 2;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         const bool kept = row.y() >= centre - half && row.y() < centre + half;
         row.showRest(kept ? Source::from : Source::to);
     }
@@ -41,8 +39,8 @@ void rowMerge(const Stage& stage, const Progress& progress) {
 void colMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t half = progress.easedRemainder(stage.width()) / 2;
     const std::int32_t centre = stage.width() / 2;
-    for (Row row : stage.rows())
-        row.window(Source::from, Fourth::mixed, centre - half + 1, centre + half).fromRest();
+    for (Row row : stage.rows(Writes::pixels))
+        row.to(centre - half + 1).from(centre + half).to(stage.width()).fromRest();
 }
 
 /// A cross of the incoming frame: a bar of 2k columns, and one of 2k - 1 rows with their padding about the
@@ -52,12 +50,11 @@ void crossSplit(const Stage& stage, const Progress& progress) {
     const std::int32_t halfColumns = progress.easedSize(stage.width()) / 2;
     const std::int32_t centreRow = stage.height() - 1 - stage.height() / 2;
     const std::int32_t centreColumn = stage.width() / 2;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         if (std::abs(row.y() - centreRow) < halfRows)
             row.toRest();
         else
-            row.window(Source::to, Fourth::mixed, centreColumn - halfColumns, centreColumn + halfColumns)
-                .fromRest();
+            row.from(centreColumn - halfColumns).to(centreColumn + halfColumns).fromRest();
     }
 }
 
@@ -67,10 +64,9 @@ void crossMerge(const Stage& stage, const Progress& progress) {
     const std::int32_t halfColumns = progress.linearRemainder(stage.width()) / 2;
     const std::int32_t centreRow = (stage.height() + 1) / 2;
     const std::int32_t centreColumn = (stage.width() + 1) / 2;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         if (std::abs(row.y() - centreRow) >= halfRows)
-            row.window(Source::from, Fourth::ofFrom, centreColumn - halfColumns + 1,
-                       centreColumn + halfColumns);
+            row.to(centreColumn - halfColumns + 1).from(centreColumn + halfColumns).to(stage.width());
         row.fromRest();
     }
 }

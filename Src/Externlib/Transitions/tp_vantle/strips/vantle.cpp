@@ -9,12 +9,11 @@ namespace vantle {
 namespace {
 
 /// Bands of columns that show `even` and `odd` in turn, up to column `end`.
-void showBands(Row& row, Source even, Source odd, const Weight* evenBands, std::int32_t first,
-               std::int32_t end) {
+void showBands(Row& row, Source even, Source odd, const Columns<Weight>& evenBands, std::int32_t end) {
     if (even == odd)
         row.show(even, end);
     else
-        row.woven(even, evenBands, first, end);
+        row.choose(evenBands, end, even);
 }
 
 }  // namespace
@@ -23,7 +22,7 @@ void showBands(Row& row, Source even, Source odd, const Weight* evenBands, std::
 void rowVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t opened = progress.easedSize(stage.width());
     const std::int32_t band = std::max(truncated(10.0 * stage.height() / 320.0), 1);
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         if (row.y() / band % 2 == 0)
             row.to(opened).fromRest();
         else
@@ -37,13 +36,12 @@ void colVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t opened = rounded(easeCubic(progress.linear()) * height);
     const auto tenWidths = static_cast<float>(std::int64_t{10} * stage.width());
     const std::int32_t band = std::max(truncated(tenWidths / 640.0F), 1);
-    drawColumns(
-        stage, 0, stage.width(), 2 * band, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
-        [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
-            const Source even = row.y() < opened ? Source::to : Source::from;
-            const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
-            showBands(row, even, odd, evenBands, first, end);
-        });
+    PerColumn evenBands([=](std::int32_t x) { return x / band % 2 == 0; });
+    for (Row row : stage.rows(Writes::pixels)) {
+        const Source even = row.y() < opened ? Source::to : Source::from;
+        const Source odd = height - 1 - row.y() < opened ? Source::to : Source::from;
+        showBands(row, even, odd, evenBands(row), stage.width());
+    }
 }
 
 /// Both at once, in bands of ten pixels: a pixel that either pattern has reached shows the incoming frame.
@@ -53,17 +51,16 @@ void crossVantle(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
     const std::int32_t openedColumns = progress.easedSize(width);
     const std::int32_t openedRows = progress.easedSize(height);
-    drawColumns(
-        stage, 0, width, 2 * band, [=](std::int32_t x) { return x / band % 2 == 0 ? 255 : 0; },
-        [=](Row& row, const Weight* evenBands, std::int32_t first, std::int32_t end) {
-            const Source even = row.y() < openedRows ? Source::to : Source::from;
-            const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
-            const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
-            showBands(row, even, odd, evenBands, first, std::min(left, end));
-            row.to(std::min(left + openedColumns, end));
-            showBands(row, even, odd, evenBands, first, end);
-            if (end == width) row.fromRest();
-        });
+    PerColumn evenBands([=](std::int32_t x) { return x / band % 2 == 0; });
+    for (Row row : stage.rows(Writes::pixels)) {
+        const Source even = row.y() < openedRows ? Source::to : Source::from;
+        const Source odd = height - 1 - row.y() < openedRows ? Source::to : Source::from;
+        const std::int32_t left = row.y() / band % 2 == 0 ? 0 : width - openedColumns;
+        showBands(row, even, odd, evenBands(row), left);
+        row.to(left + openedColumns);
+        showBands(row, even, odd, evenBands(row), width);
+        row.fromRest();
+    }
 }
 
 }  // namespace vantle

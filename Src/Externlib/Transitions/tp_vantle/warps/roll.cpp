@@ -45,7 +45,7 @@ struct Edge {
 /// Draws the edge seen as a ray at `angle` clockwise from the upward vertical; `tangentOf(x, up)` is a
 /// pixel's tangent, `up` rows above the line below the picture.
 template <typename TangentOf>
-void draw(const Stage& stage, const Edge& edge, double angle, double scale, Fourth fourth,
+void draw(const Stage& stage, const Edge& edge, double angle, double scale, Writes writes,
           TangentOf tangentOf) {
     const Ray ray{.column = 0,
                   .row = stage.height(),
@@ -53,12 +53,12 @@ void draw(const Stage& stage, const Edge& edge, double angle, double scale, Four
                   .cosine = std::cos(angle),
                   .scale = scale,
                   .tolerance = 1e-9};
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(writes)) {
         const auto tangentAt = [&](std::int32_t x) {
             return tangentOf(static_cast<double>(x), static_cast<double>(stage.height() - row.y()));
         };
         drawSoftEdge(
-            row, stage.width(), ray, fourth, [&](std::int32_t x) { return edge.zoneOf(tangentAt(x)); },
+            row, stage.width(), ray, [&](std::int32_t x) { return edge.zoneOf(tangentAt(x)); },
             [&](std::int32_t x) { return edge.share(tangentAt(x)); });
         row.fromRest();
     }
@@ -69,14 +69,14 @@ void draw(const Stage& stage, const Edge& edge, double angle, double scale, Four
 /// From the left side to the bottom, all bytes.
 void rollClockwise(const Stage& stage, const Progress& progress) {
     const Edge edge(travel * progress.unbounded().eased());
-    draw(stage, edge, edge.origin, -255.0 / edge.width, Fourth::mixed,
+    draw(stage, edge, edge.origin, -255.0 / edge.width, Writes::pixels,
          [](double x, double up) { return x / up; });
 }
 
 /// From the bottom to the left side; byte 3 stays. The left column is beyond that side and comes last.
 void rollAntiClockwise(const Stage& stage, const Progress& progress) {
     const Edge edge(travel * progress.unbounded().eased());
-    draw(stage, edge, quarterTurn - edge.origin, 255.0 / edge.width, Fourth::ofFrom,
+    draw(stage, edge, quarterTurn - edge.origin, 255.0 / edge.width, Writes::coloursOverFrom,
          [](double x, double up) { return up / x; });
 }
 

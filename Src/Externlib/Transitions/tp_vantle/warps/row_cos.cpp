@@ -32,13 +32,13 @@ bool entersFromLeft(const Row& row) { return (row.y() & 4) == 0; }
 void rowCosVantle(const Stage& stage, const Progress& progress) {
     const Wave wave(stage, progress.eased());
     const std::int32_t width = stage.width();
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::coloursOverFrom)) {
         if (row.y() < wave.rows) {
             const std::int32_t advance = wave.advanceAt(static_cast<double>(row.y()) / wave.rows * halfTurn);
             if (entersFromLeft(row))
-                row.window(Source::to, Fourth::ofFrom, 0, advance);
+                row.to(advance);
             else
-                row.window(Source::to, Fourth::ofFrom, width - advance, width);
+                row.from(width - advance).to(width);
         }
         row.fromRest();
     }
@@ -49,7 +49,7 @@ void rowCosSlide(const Stage& stage, const Progress& progress) {
     const Wave wave(stage, progress.eased());
     const std::int32_t width = stage.width();
     const double step = halfTurn / wave.rows;
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         if (row.y() < wave.rows) {
             const std::int32_t advance = wave.advanceAt(row.y() * step);
             if (advance >= width)
@@ -57,7 +57,7 @@ void rowCosSlide(const Stage& stage, const Progress& progress) {
             else if (entersFromLeft(row))
                 row.moved(row, Source::to, width - advance, advance);
             else
-                row.from(width - advance).moved(row, Source::to, 0, width);
+                row.from(width - advance).moved(row, Source::to, advance - width, width);
         }
         row.fromRest();
     }

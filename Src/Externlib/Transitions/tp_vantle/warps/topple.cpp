@@ -11,7 +11,7 @@ void topple(const Stage& stage, const Progress& progress) {
     const std::int32_t height = stage.height();
     const std::int32_t slid = std::min(truncated(height * progress.eased()), height);
     const std::int32_t strip = height - slid;  // rows left to the outgoing frame
-    for (Row row : stage.rows()) {
+    for (Row row : stage.rows(Writes::pixels)) {
         // Counted from the bottom, where both frames have their first row.
         const std::int32_t up = height - 1 - row.y();
         if (strip > 0 && up < strip) {

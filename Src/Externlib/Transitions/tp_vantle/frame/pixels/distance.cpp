@@ -1,10 +1,10 @@
-#include "frame/distance.h"
+#include "frame/pixels/distance.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "frame/look_near.h"
-#include "frame/multiversion.h"
+#include "frame/pixels/lookup.h"
+#include "frame/pixels/processor.h"
 
 namespace vantle {
 
@@ -15,7 +15,7 @@ constexpr std::uint32_t beyond = 1U << 30;  // the square of a distance past any
 
 /// A distance of this square that may be one too low, made good by the square itself.
 template <DistanceRounding rounding>
-VANTLE_INLINE std::int32_t settled(std::int32_t distance, std::int32_t square) {
+VANTLE_INLINE std::int32_t corrected(std::int32_t distance, std::int32_t square) {
     // The last square that rounds to a distance is d^2 + d, or d^2 + 2d when truncated.
     const std::int32_t more = rounding == DistanceRounding::nearest ? distance : 2 * distance;
     return distance + (square > distance * distance + more ? 1 : 0);
@@ -26,25 +26,26 @@ VANTLE_INLINE std::int32_t settled(std::int32_t distance, std::int32_t square) {
 template <DistanceRounding rounding>
 VANTLE_INLINE std::int32_t distanceOf(std::int32_t square) {
     constexpr float less = rounding == DistanceRounding::nearest ? 0.4F : -0.1F;
-    return settled<rounding>(static_cast<std::int32_t>(std::sqrt(static_cast<float>(square)) + less), square);
+    return corrected<rounding>(static_cast<std::int32_t>(std::sqrt(static_cast<float>(square)) + less),
+                               square);
 }
 
 /// weights[i] = the table's for distances[i], those of the points (dx + i, dy).
-VANTLE_INLINE void look(Weight* weights, const std::int32_t* distances, std::int32_t dx, std::int32_t dy,
-                        std::int32_t count, const DistanceTable& table) {
+VANTLE_INLINE void lookUpRow(Weight* weights, const std::int32_t* distances, std::int32_t dx, std::int32_t dy,
+                             std::int32_t count, const DistanceTable& table) {
     const std::uint8_t* const weightAt = table.weights();
     const std::int32_t last = table.last();
     std::uint8_t lowest[tile];
     for (std::int32_t i = 0; i < count; ++i)
         lowest[i] = static_cast<std::uint8_t>(std::min(distances[i], last));
     std::int32_t i = 0;
-    for (; registersHoldHalfLines() && i + nearBytes <= count; i += nearBytes) {
+    for (; hasAvx2() && i + nearBytes <= count; i += nearBytes) {
         // From a point to the next the distance changes by one at most: the nearest of these is one of the
         // ends, or between them the one in the centre column.
         const bool turns = dx + i < 0 && dx + i + nearBytes > 0;
         const std::int32_t nearest =
             turns ? std::abs(dy) : std::min(distances[i], distances[i + nearBytes - 1]);
-        lookNear(weights + i, weightAt, lowest + i, std::min(nearest, last));
+        lookUp(weights + i, weightAt, lowest + i, std::min(nearest, last));
     }
     for (; i < count; ++i) weights[i] = weightAt[std::min(distances[i], last)];
 }
@@ -65,8 +66,8 @@ VANTLE_INLINE void lookUpRows(Weight* weights, std::ptrdiff_t stride, std::int32
                 for (std::int32_t i = 0; i < pixels; ++i) distances[i] = distanceOf<rounding>(squareAt(i));
             else
                 for (std::int32_t i = 0; i < pixels; ++i)
-                    distances[i] = settled<rounding>(distances[i], squareAt(i));
-            look(weights + stride * row + first, distances, dx + first, dy + row, pixels, table);
+                    distances[i] = corrected<rounding>(distances[i], squareAt(i));
+            lookUpRow(weights + stride * row + first, distances, dx + first, dy + row, pixels, table);
         }
     }
 }

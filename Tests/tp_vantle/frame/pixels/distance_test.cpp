@@ -1,4 +1,4 @@
-#include "frame/distance.h"
+#include "frame/pixels/distance.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "effects.h"
-#include "frame/pixels.h"
+#include "frame/pixels/run.h"
 #include "frames.h"
 
 namespace vantle {
@@ -22,7 +22,7 @@ TEST(Samples, AreGatheredFromWithinTheirRow) {
                 const auto count = static_cast<std::int32_t>(columns.size());
                 std::vector<std::uint32_t> gathered(columns.size());
                 tests::forEachLevel([&] {
-                    gather(gathered.data(), {pixels.get(), columns.data(), 0}, count);
+                    gather(gathered.data(), pixels.get(), columns.data(), count);
                     for (std::size_t i = 0; i < columns.size(); ++i)
                         ASSERT_EQ(
                             std::memcmp(&gathered[i], &row[4 * static_cast<std::size_t>(columns[i])], 4), 0)

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "frame/multiversion.h"
+#include "frame/pixels/processor.h"
 
 namespace vantle {
 
@@ -29,11 +29,11 @@ VANTLE_INLINE std::uint32_t blendPixel(std::uint32_t a, std::uint32_t b, Blend b
     return two(a, b) | two(a >> 16, b >> 16) << 16;
 }
 
-/// A weight of 255ths in two parts: a byte times the first is exact, so that the sum of both products, once
-/// rounded, is what the division gives.
-struct Parts {
+/// Division of a byte times a weight by 255: the weight in two parts, of which a byte times the first is
+/// exact, so that the sum of both products, once rounded, is the quotient.
+struct Quotient {
     float first, second;
-    constexpr explicit Parts(float weight)
+    constexpr explicit Quotient(float weight)
         : first(weight * 0x1.01p-8F), second(weight * (0x1p-16F / 255.0F)) {}
     constexpr float of(float byte) const { return byte * first + byte * second; }
 };
@@ -42,7 +42,7 @@ struct Parts {
 constexpr bool divideAs255ths() {
     for (std::int32_t weight = 0; weight < 256; ++weight)
         for (std::int32_t byte = 0; byte < 256; ++byte)
-            if (Parts(static_cast<float>(weight)).of(static_cast<float>(byte)) !=
+            if (Quotient(static_cast<float>(weight)).of(static_cast<float>(byte)) !=
                 static_cast<float>(byte * weight) / 255.0F)
                 return false;
     return true;

@@ -4,7 +4,7 @@
 
 #include <cwchar>
 
-#include "catalogue/door.h"
+#include "frame/call.h"
 
 namespace vantle {
 

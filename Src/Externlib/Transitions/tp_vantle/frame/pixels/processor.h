@@ -1,6 +1,6 @@
-/// Compiles a function for several levels of the processor; the one that fits is chosen at load time. The
-/// result is the same on all: integer arithmetic, or IEEE operations one by one. The choice is the C
-/// library's to make when it loads a library, which not every one can.
+/// Function multi-versioning: compiles a function for several levels of the processor, of which the one that
+/// fits is chosen at load time. The result is the same on all: integer arithmetic, or IEEE operations one by
+/// one. The choice is the C library's, which not every one can make.
 #pragma once
 
 #include <cstdlib>  // any header of the C library tells whether it is glibc
@@ -36,20 +36,20 @@
 namespace vantle {
 
 #if VANTLE_LEVELS
-/// Whether registers of the level that is chosen hold half a line of memory and are permuted as a whole.
-inline bool registersHoldHalfLines() { return __builtin_cpu_supports("avx2") != 0; }
-/// Whether they hold a line.
-inline bool registersHoldLines() { return __builtin_cpu_supports("avx512bw") != 0; }
+/// Whether registers have 32 bytes and are permuted as a whole.
+inline bool hasAvx2() { return __builtin_cpu_supports("avx2") != 0; }
+/// Whether they have 64 bytes, a cache line.
+inline bool hasAvx512() { return __builtin_cpu_supports("avx512bw") != 0; }
 #elif VANTLE_SANITIZED
-/// Nothing that is drawn for wide registers needs them: tests draw as each level does, whatever the processor
-/// has.
-enum class Level { base, halfLines, lines };
+/// What is drawn otherwise with wide registers needs none: tests draw as every level does, whatever the
+/// processor has.
+enum class Level { base, avx2, avx512 };
 inline Level testedLevel = Level::base;
-inline bool registersHoldHalfLines() { return testedLevel >= Level::halfLines; }
-inline bool registersHoldLines() { return testedLevel >= Level::lines; }
+inline bool hasAvx2() { return testedLevel >= Level::avx2; }
+inline bool hasAvx512() { return testedLevel >= Level::avx512; }
 #else
-inline bool registersHoldHalfLines() { return false; }
-inline bool registersHoldLines() { return false; }
+inline bool hasAvx2() { return false; }
+inline bool hasAvx512() { return false; }
 #endif
 
 }  // namespace vantle

@@ -1,12 +1,12 @@
 /// Loads from places that lie close to each other: what one or two wide loads bring is put in order by the
-/// processor, instead of being loaded one by one. Only where `registersHoldHalfLines` is that faster.
+/// processor (a shuffle), instead of being loaded one by one. That is faster only where `hasAvx2`.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "frame/multiversion.h"
+#include "frame/pixels/processor.h"
 
 namespace vantle {
 
@@ -15,8 +15,8 @@ constexpr std::int32_t nearBytes = 16;
 
 /// found[i] = table[place], for places `first` to `first` + 15 of a table that has all of these, of which the
 /// lowest byte is told: places[i].
-VANTLE_INLINE void lookNear(std::uint8_t* found, const std::uint8_t* table, const std::uint8_t* places,
-                            std::int32_t first) {
+VANTLE_INLINE void lookUp(std::uint8_t* found, const std::uint8_t* table, const std::uint8_t* places,
+                          std::int32_t first) {
     table += first;
     const auto lowest = static_cast<std::uint8_t>(first);
 #if VANTLE_LEVELS
@@ -40,8 +40,8 @@ constexpr std::int32_t wordsReach = 2 * nearWords;
 
 /// found[i] = the word `places[i]` words from `table` on, for places `first` to `first` + 15 of a table that
 /// has all of these.
-VANTLE_INLINE void lookNear(std::uint32_t* found, const std::uint8_t* table, const std::int32_t* places,
-                            std::int32_t first) {
+VANTLE_INLINE void lookUp(std::uint32_t* found, const std::uint8_t* table, const std::int32_t* places,
+                          std::int32_t first) {
 #if VANTLE_LEVELS
     using Words [[gnu::vector_size(4 * nearWords)]] = std::int32_t;
     const std::uint8_t* const start = table + std::ptrdiff_t{4} * first;

@@ -1,6 +1,6 @@
-#include "catalogue/frame_check.h"
+#include "frame/frame_check.h"
 
-#include "catalogue/logger.h"
+#include "frame/logger.h"
 
 namespace vantle {
 

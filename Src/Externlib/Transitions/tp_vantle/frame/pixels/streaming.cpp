@@ -1,8 +1,7 @@
-#include "frame/streaming.h"
+#include "frame/pixels/streaming.h"
 
 #include <algorithm>
-
-#include "frame/multiversion.h"
+#include <cstring>
 
 #if VANTLE_LEVELS
 #include <immintrin.h>
@@ -16,8 +15,7 @@ constexpr std::int32_t colourBits = 0x00FFFFFF;
 
 #if VANTLE_LEVELS
 
-// By wide stores where there are any: narrow ones fill the processor's queue of stores, and what is to be
-// loaded after them waits.
+// By wide stores where there are any: narrow ones fill the processor's store buffer, and later loads wait.
 
 VANTLE_WIDE_LEVEL __m256i wide(const std::uint8_t* in) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
@@ -76,24 +74,32 @@ void streamMerged(std::uint8_t* out, const std::uint8_t* colours, const std::uin
     merge(out, colours, fourth, bytes);
 }
 
-VANTLE_MULTIVERSION void copyPiece(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
-    // Half a line at a time is slower than what memcpy does.
-    if (!registersHoldLines() || count < lineBytes) {
-        std::memcpy(out, in, static_cast<std::size_t>(count));
-        return;
-    }
-    std::memcpy(out, in, lineBytes);
-    std::int32_t at = bytesToLine(out);
-    for (; count - at >= lineBytes; at += lineBytes) std::memcpy(out + at, in + at, lineBytes);
-    std::memcpy(out + count - lineBytes, in + count - lineBytes, lineBytes);
+/// A cache line at a time. What one overlaps of another is copied twice.
+VANTLE_MULTIVERSION static void copyLines(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
+    std::memcpy(out, in, cacheLine);
+    std::int32_t at = bytesToCacheLine(out);
+    for (; count - at >= cacheLine; at += cacheLine) std::memcpy(out + at, in + at, cacheLine);
+    std::memcpy(out + count - cacheLine, in + count - cacheLine, cacheLine);
 }
 
-void streamBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
-    const std::int32_t before = std::min(bytesToLine(out), count);
-    const std::int32_t end = before + (count - before) / lineBytes * lineBytes;
-    std::copy_n(in, before, out);
-    store(out + before, in + before, end - before);
+static void copyStreamed(std::uint8_t* out, const std::uint8_t* in, std::int32_t count) {
+    const std::int32_t first = bytesToCacheLine(out);
+    const std::int32_t end = first + (count - first) / cacheLine * cacheLine;
+    std::copy_n(in, first, out);
+    store(out + first, in + first, end - first);
     std::copy_n(in + end, count - end, out + end);
+}
+
+void copyBytes(std::uint8_t* out, const std::uint8_t* in, std::int32_t count, bool streamed) {
+    // memcpy takes long to begin where two frames lie at like places of their pages. Lines in halves are no
+    // faster.
+    constexpr std::int32_t shortCopy = 6 * 1024;
+    if (canStream && streamed && count >= 4 * shortestStreamed)
+        copyStreamed(out, in, count);
+    else if (hasAvx512() && !streamed && count >= cacheLine && count <= shortCopy)
+        copyLines(out, in, count);
+    else
+        std::memcpy(out, in, static_cast<std::size_t>(count));
 }
 
 }  // namespace vantle

@@ -1,0 +1,25 @@
+# Any text may stand in the table of transitions that the compiler takes in a row of it.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/../../../Src/Bridges/frei0r/table.cmake)
+set(table ${CMAKE_CURRENT_BINARY_DIR}/table_test.inc)
+file(WRITE ${table} [==[
+//     TRANSITION(TrNone, none, strips, "None", "no guid", "A comment.")
+TRANSITION(TrFirst, first, strips, "First (one)", "1-2",
+           "It opens (from the left); [then] closes: see https://x.invalid/a)b.")
+CHECKED(.beforeBitCount = check,
+        TrSecond, second, shapes, "Second", "3-4", "Plain.")
+UNCATALOGUED(TrThird, third, warps, "Half; half) [")
+]==])
+vantle_read_table(${table} functions)
+function(expect text expected)
+    if(NOT text STREQUAL expected)
+        message(SEND_ERROR "is \"${text}\", not \"${expected}\"")
+    endif()
+endfunction()
+expect("${functions}" "TrFirst;TrSecond;TrThird")
+expect("${TrFirst_NAME}" "First (one)")
+expect("${TrFirst_SENTENCE}" "It opens (from the left); [then] closes: see https://x.invalid/a)b.")
+expect("${TrSecond_SENTENCE}" "Plain.")
+expect("${TrThird_NAME}" "")
+expect("${TrThird_SENTENCE}" "Half; half) [")
+file(REMOVE ${table})
