@@ -84,7 +84,7 @@ class Row {
 
     /// Pixels of one input frame.
     Row& show(Source source, std::int32_t end) {
-        if (isWhole(source)) return copyUpTo(4 * std::min(end, columns_.end), source);
+        if (isWhole(source)) return copyUpTo(4 * std::clamp(end, columns_.first, columns_.end), source);
         const Run run = next(end);
         return shown(source == Source::to ? run.to : run.from, run);
     }

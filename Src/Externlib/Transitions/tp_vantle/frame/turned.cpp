@@ -163,12 +163,12 @@ class TurnedPicture {
             if (steps.exact) {
                 const auto column = static_cast<std::int32_t>(turned.column) - part.columns.first;
                 const auto row = static_cast<std::int32_t>(turned.row + turned.centreRow) - part.rows.first;
-                gather(run, patch + (placeOf(column, row) + steps.first), steps.each + (first - part.left));
+                gather(run, patch, placeOf(column, row) + steps.first, steps.each + (first - part.left));
             } else {
                 std::int32_t places[patchSide];
                 findPlaces(places, turned, part.columns.first, part.rows.first, first - turn_.centreColumn,
                            end - first);
-                gather(run, patch, places);
+                gather(run, patch, 0, places);
             }
         }
     }

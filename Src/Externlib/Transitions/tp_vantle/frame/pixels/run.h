@@ -97,7 +97,7 @@ void sample(const Run& run, const Samples& samples);
 /// Samples over others: bytes over * opacity + under * (1 - opacity) in single precision, truncated.
 void sample(const Run& run, const Samples& over, const Samples& under, float opacity);
 
-/// Whole pixels `pixels[places[0]]`, `pixels[places[1]]`, ... from anywhere.
-void gather(const Run& run, const Pixel* pixels, const std::int32_t* places);
+/// Whole pixels from anywhere: `places[0]`, `places[1]`, ... pixels from pixel `origin` on.
+void gather(const Run& run, const Pixel* pixels, std::ptrdiff_t origin, const std::int32_t* places);
 
 }  // namespace vantle

@@ -78,16 +78,18 @@ VANTLE_MULTIVERSION void sample(const Run& run, const Samples& over, const Sampl
     });
 }
 
-VANTLE_MULTIVERSION void gather(const Run& run, const Pixel* pixels, const std::int32_t* places) {
+VANTLE_MULTIVERSION void gather(const Run& run, const Pixel* pixels, std::ptrdiff_t origin,
+                                const std::int32_t* places) {
+    const Word* const start = words(pixels) + origin;
     // The runs beside it come from the same place and are whole cache lines as well: no length is too short.
     draw<WaitsFor::memory, linePixels>(run, [=](const Run& tile, std::int32_t first) VANTLE_INLINED {
         std::int32_t i = 0;
         for (; i + nearWords <= tile.count; i += nearWords) {
             Pixel loaded[nearWords];
-            loadEach(loaded, words(pixels), places + first + i);
+            loadEach(loaded, start, places + first + i);
             std::memcpy(tile.out + std::ptrdiff_t{4} * i, loaded, sizeof loaded);
         }
-        for (; i < tile.count; ++i) words(tile.out)[i] = pixels[places[first + i]];
+        for (; i < tile.count; ++i) words(tile.out)[i] = start[places[first + i]];
     });
 }
 
