@@ -84,6 +84,7 @@ VANTLE_INLINE void mixTile(const Run& tile, std::int32_t first, WeightAt weightA
         alignas(cacheLine) Lane mixed[2 * tilePixels];
         mixInto(mixed);
         for (std::int32_t i = 0; i < tile.count; ++i)
+            // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): written as lanes
             words(tile.out)[i] = withFourth(words(mixed)[i], words(tile.fourth)[i]);
     }
 }
