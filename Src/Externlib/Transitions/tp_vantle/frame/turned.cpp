@@ -149,7 +149,7 @@ class TurnedPicture {
         Steps steps;
         findSteps(steps, turn_, part.left - turn_.centreColumn, size_);
         const std::int32_t rowsPerLine =
-            next.rowCount() / static_cast<std::int32_t>(lines.last - lines.first) + 1;
+            next.rowCount() / std::max(static_cast<std::int32_t>(lines.last - lines.first), 1) + 1;
         std::int32_t prefetched = 0;
         for (const Line& line : lines) {
             for (std::int32_t end = std::min(prefetched + rowsPerLine, next.rowCount()); prefetched < end;

@@ -69,8 +69,9 @@ VANTLE_INLINE void mixTile(const Run& tile, std::int32_t first, WeightAt weightA
             for (std::int32_t i = 0; i < tile.count; ++i)
                 words(spread)[i] = weightAt(first + i) * 0x01010101U;
             for (std::int32_t i = 0; i < 2 * tile.count; ++i)
-                // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): written as words
+                // NOLINTBEGIN(clang-analyzer-core.*): the weights are written as words
                 out[i] = mixLane<division, true>(lanes(tile.from)[i], lanes(tile.to)[i], spread[i]);
+            // NOLINTEND(clang-analyzer-core.*)
         } else {
             const auto weights = static_cast<std::uint16_t>(257 * weightAt(first));
             for (std::int32_t i = 0; i < 2 * tile.count; ++i)
@@ -83,6 +84,7 @@ VANTLE_INLINE void mixTile(const Run& tile, std::int32_t first, WeightAt weightA
         alignas(cacheLine) Lane mixed[2 * tilePixels];
         mixInto(mixed);
         for (std::int32_t i = 0; i < tile.count; ++i)
+            // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): written as lanes
             words(tile.out)[i] = withFourth(words(mixed)[i], words(tile.fourth)[i]);
     }
 }
