@@ -108,9 +108,9 @@ extern "C" int renameat2(int, const char* from, int, const char* to, unsigned fl
     }
 
     /// A clip of flat pictures whose luma says their number: 40 + 3 N.
-    void countingClip(const std::string& name, int frames, int cb, const std::string& sound = "") const {
+    void countingClip(const std::string& name, int frames, int cb, const std::string& audio = "") const {
         ffmpeg("-f lavfi -i \"color=s=64x320:r=25,format=yuv420p,geq=lum='40+3*N':cb=" + std::to_string(cb) +
-               ":cr=128\" " + (sound.empty() ? "" : "-f lavfi -i \"" + sound + "\" -c:a aac") + " -t " +
+               ":cr=128\" " + (audio.empty() ? "" : "-f lavfi -i \"" + audio + "\" -c:a aac") + " -t " +
                std::to_string(frames / 25.0) + " -c:v libx264 -crf 4 " + name);
     }
 
@@ -132,8 +132,8 @@ extern "C" int renameat2(int, const char* from, int, const char* to, unsigned fl
         return shell(in("ffmpeg -v error -i " + name + " -f rawvideo -pix_fmt rgb24 -")).output;
     }
 
-    /// The sound of a file, one channel of values between -1 and 1.
-    std::vector<double> sound(const std::string& name, const std::string& options = "") const {
+    /// The audio of a file, one channel of values between -1 and 1.
+    std::vector<double> audio(const std::string& name, const std::string& options = "") const {
         const Bytes bytes =
             shell(in("ffmpeg -v error -i " + name + " -f s16le -ac 1 " + options + " -")).output;
         std::vector<double> samples(bytes.size() / 2);

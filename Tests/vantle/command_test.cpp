@@ -28,7 +28,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
     ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=2 -movflags +faststart clip.mp4");
     ffmpeg("-f lavfi -i testsrc2=s=640x480 -frames:v 1 still.jpg");
     ffmpeg("-f lavfi -i testsrc2=s=640x480 -frames:v 1 still.png");
-    ffmpeg("-f lavfi -i sine=d=1 sound.wav");
+    ffmpeg("-f lavfi -i sine=d=1 audio.wav");
     shell(
         in("for f in clip.mp4 still.jpg still.png; do head -c $(($(stat -c %s $f) / 2)) $f > half_$f; done;"
            " : > empty.mp4; echo text > text.mp4; mkdir folder; cp clip.mp4 there.mp4;"
@@ -46,7 +46,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 half_clip.mp4 -t 0 -o out.mp4 --duration 0.2", 1, "the file is truncated"},
         {"half_still.jpg clip.mp4 -t 0 -o out.mp4", 1, "half_still.jpg: "},
         {"half_still.png clip.mp4 -t 0 -o out.mp4", 1, "half_still.png: "},
-        {"sound.wav clip.mp4 -t 0 -o out.mp4", 1, "no picture"},
+        {"audio.wav clip.mp4 -t 0 -o out.mp4", 1, "no picture"},
         {"folder clip.mp4 -t 0 -o out.mp4", 1, "is a directory"},
         {"pipe.mp4 clip.mp4 -t 0 -o out.mp4", 1, "pipe.mp4: is not a regular file"},
         {"round.mp4 clip.mp4 -t 0 -o out.mp4", 1, "round.mp4: Too many levels"},
@@ -86,7 +86,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"clip.mp4 in=3 clip.mp4 -t 0 -o out.mp4", 1, "in lies after its end, 2.00 s"},
         {"clip.mp4 clip.mp4 none.mp4 -t 0 -o out.mp4", 1, "none.mp4: No such file"},
         {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --music none.mp3", 1, "none.mp3: No such file"},
-        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --music clip.mp4", 1, "clip.mp4: holds no sound"},
+        {"clip.mp4 clip.mp4 -t 0 -o out.mp4 --music clip.mp4", 1, "clip.mp4: holds no audio"},
         {"clip.mp4 clip.mp4 -o out.mp4", 2, "-t NAME is missing"},
         {"clip.mp4 clip.mp4 -t 0", 2, "-o OUT is missing"},
         {"clip.mp4 +Twirl clip.mp4 -o out.mp4", 2, "did you mean \"Twrl\""},

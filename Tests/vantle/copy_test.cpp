@@ -13,12 +13,12 @@ class Copies : public CommandTest {
    protected:
     /// A clip of four seconds; `coding` are FFmpeg's options for its pictures.
     void clip(const std::string& name, const std::string& coding, const std::string& picture = "testsrc2",
-              const std::string& rate = "30", const std::string& sound = "-c:a aac") const {
+              const std::string& rate = "30", const std::string& audio = "-c:a aac") const {
         ffmpeg(
             "-f lavfi -i " + picture + "=s=160x96:r=" + rate +
             " -f lavfi -i \"aevalsrc=0.3*sin(2764*t)|0.2*sin(1800*t+400*t*t):s=48000\" -t 4 -pix_fmt yuv420p "
             "-c:v libx264 -preset veryfast " +
-            coding + " " + sound + " " + name);
+            coding + " " + audio + " " + name);
     }
 
     /// The pictures of a file, each as a checksum.
@@ -131,9 +131,9 @@ TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {
     ffmpeg("-i plain.mp4 -c copy -metadata:s:v:0 rotate=90 turned.mp4");
     ffmpeg("-ss 0.5 -i plain.mp4 -c copy cut.mp4");
     ffmpeg("-i plain.mp4 -frames:v 1 still.png");
-    for (const auto& [name, says] : {std::pair{"open.mp4", "has no key picture"},
-                                     {"refresh.mp4", "has no key picture"},
-                                     {"one.mp4", "has no key picture"},
+    for (const auto& [name, says] : {std::pair{"open.mp4", "has no keyframe"},
+                                     {"refresh.mp4", "has no keyframe"},
+                                     {"one.mp4", "has no keyframe"},
                                      {"interlaced.mp4", "interlaced"},
                                      {"wide.mp4", "not square"},
                                      {"slow.mp4", "25 pictures a second and the film 30"},
@@ -166,18 +166,18 @@ TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {
     EXPECT_FALSE(files().contains("b.mp4"));
 }
 
-TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
+TEST_F(Copies, KeepAudioInPlaceWithoutAClick) {
     clip("plain.mp4", "-g 25");
     clip("mono.mp4", "-g 25", "testsrc2", "30", "-ac 1 -c:a aac");
     clip("mute.mp4", "-g 25", "testsrc2", "30", "-an");
     const std::string film = "plain.mp4 in=0.31 plain.mp4 out=3.57 mute.mp4 plain.mp4 -t 0 --duration 0.7 ";
     render(film + "--copy always -o copied.mp4");
-    render(film + "--copy never --sound-encoder pcm_s16le -o mixed.mkv");
-    const std::vector<double> made = sound("copied.mp4");
-    const std::vector<double> meant = sound("mixed.mkv");
+    render(film + "--copy never --audio-encoder pcm_s16le -o mixed.mkv");
+    const std::vector<double> made = audio("copied.mp4");
+    const std::vector<double> meant = audio("mixed.mkv");
     ASSERT_GE(made.size(), meant.size());
     constexpr std::size_t window = 512;
-    constexpr int farthest = 512;  // samples by which a part's sound may lie aside
+    constexpr int farthest = 512;  // samples by which a part's audio may lie aside
     for (std::size_t at = window; at + 2 * window < meant.size(); at += window / 2) {
         double nearest = 1.0;
         for (int shift = -farthest; shift <= farthest; ++shift) {
@@ -187,18 +187,18 @@ TEST_F(Copies, KeepSoundInPlaceWithoutAClick) {
                     std::max(difference, std::abs(made[i + static_cast<std::size_t>(shift)] - meant[i]));
             nearest = std::min(nearest, difference);
         }
-        // Where sound sets in or stops at once, coding smears it.
+        // Where audio sets in or stops at once, coding smears it.
         const bool edge = std::abs(static_cast<double>(at) / 48000 - 6.56) < 0.03 ||
                           std::abs(static_cast<double>(at) / 48000 - 9.16) < 0.03;
         EXPECT_LT(nearest, edge ? 0.4 : 0.06) << "sample " << at;
     }
     EXPECT_EQ(probe("copied.mp4", "stream=duration"), "13.166667\n13.166000");
-    // Sound of several forms is encoded, and the pictures are copied all the same.
+    // Audio of several forms is encoded, and the pictures are copied all the same.
     EXPECT_GT(copied("plain.mp4 mono.mp4 -t 0 --copy always", "a.mp4"), 150);
     EXPECT_GT(copied("plain.mp4 plain.mp4 -t 0 --copy always --music mono.mp4", "a.mp4"), 150);
 }
 
-TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
+TEST_F(Copies, AudioAsTheFilmFadesThemEachClipsToneInOnePiece) {
     const auto tone = [&](const std::string& name, int hertz) {
         ffmpeg(
             "-f lavfi -i testsrc2=s=64x48:r=25 -f lavfi -i \"aevalsrc=0.5*sin(2*PI*" + std::to_string(hertz) +
@@ -218,9 +218,9 @@ TEST_F(Copies, SoundAsTheFilmFadesThemEachClipsToneInOnePiece) {
     };
     const auto make = [&](const std::string& arguments) {
         render(arguments + " -f -o x.mp4 --copy always");
-        film = sound("x.mp4");
+        film = audio("x.mp4");
     };
-    // Where it is copied and where it is mixed, a clip's sound lies in the same place.
+    // Where it is copied and where it is mixed, a clip's audio lies in the same place.
     make("a.mp4 in=9f b.mp4 -t 0 --duration 1");
     for (int window = 2; window < 73; ++window) {
         const double at = 0.05 * window;
@@ -295,8 +295,8 @@ TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
     EXPECT_NE(damaged.text().find(" of them copied\n"), std::string::npos) << damaged.text();
 }
 
-TEST_F(Copies, AndWhatIsEncodedShowTheSamePicturesWhenSoundBeginsFirst) {
-    // In thousandths of a second, from one on at which the sound has run for 21: half a picture later.
+TEST_F(Copies, AndWhatIsEncodedShowTheSamePicturesWhenAudioBeginsFirst) {
+    // In thousandths of a second, from one on at which the audio has run for 21: half a picture later.
     for (const std::string rate : {"24", "24000/1001"}) {
         ffmpeg(
             "-f lavfi -i \"color=s=64x64:r=" + rate +

@@ -33,7 +33,7 @@ class Films : public CommandTest {
     }
 };
 
-// A hundred joins of a clip whose pictures count and whose sound clicks with its fifth picture.
+// A hundred joins of a clip whose pictures count and whose audio clicks with its fifth picture.
 TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
     ffmpeg(
         "-f lavfi -i \"color=s=64x16:r=30000/1001,format=yuv420p,geq=lum='40+8*N':cb=128:cr=128\" "
@@ -44,7 +44,7 @@ TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
     const nlohmann::json planned = plan(film);
     EXPECT_EQ(planned["frames"], 12 + 100 * 10);
     EXPECT_EQ(planned["timeline"].size(), 201U);
-    render(film + "-o film.mkv --sound-encoder pcm_s16le --encoder-option crf=4");
+    render(film + "-o film.mkv --audio-encoder pcm_s16le --encoder-option crf=4");
     const Pictures pictures = decode("film.mkv", 64, 16);
     ASSERT_EQ(pictures.count, 1012U);
     for (std::size_t i = 0; i < pictures.count; ++i)
@@ -56,7 +56,7 @@ TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
                         2)
                 << i;
         }
-    const std::vector<double> samples = sound("film.mkv");
+    const std::vector<double> samples = audio("film.mkv");
     EXPECT_EQ(std::ssize(samples), sampleOf(1012));
     for (int i = 0; i < 101; ++i) {
         const auto start = static_cast<std::size_t>(sampleOf(10 * i));
@@ -64,9 +64,9 @@ TEST_F(Films, KeepEveryFrameAndEverySampleInPlaceOverAHundredJoins) {
     }
     EXPECT_EQ(std::ranges::count_if(samples, [](double sample) { return sample > 0.28; }), 101);
     // A part of it is that part of the whole.
-    render(film + "-o part.mkv --sound-encoder pcm_s16le --encoder-option crf=4 --frames 707-722");
+    render(film + "-o part.mkv --audio-encoder pcm_s16le --encoder-option crf=4 --frames 707-722");
     const auto first = samples.begin() + sampleOf(707);
-    const std::vector<double> part = sound("part.mkv");
+    const std::vector<double> part = audio("part.mkv");
     EXPECT_EQ(part.size(), static_cast<std::size_t>(sampleOf(723) - sampleOf(707)));
     EXPECT_TRUE(std::equal(part.begin(), part.end(), first));
     EXPECT_NEAR(decode("part.mkv", 64, 16).luma(1, 32, 1), 40 + 8 * 8, 2);
@@ -167,15 +167,15 @@ TEST_F(Films, AreNotWrittenWhenAnInputGoesAwayWhileOthersAreShown) {
     EXPECT_EQ(files(), std::set<std::string>{"clip.mp4"});
 }
 
-TEST_F(Films, MixSoundAndMusicAsAsked) {
+TEST_F(Films, MixAudioAndMusicAsAsked) {
     ffmpeg(
         "-f lavfi -i color=s=16x16:r=25:d=3 -f lavfi -i sine=f=400:d=3,volume=4 -c:v libx264 -c:a aac "
         "loud.mp4");
     ffmpeg("-f lavfi -i color=s=16x16:r=25:d=3 -c:v libx264 mute.mp4");
     ffmpeg("-f lavfi -i sine=f=1000:d=1.7,volume=4 music.wav");
     const auto levels = [&](const std::string& arguments) {
-        render(arguments + " -f -o film.mkv --sound-encoder pcm_s16le");
-        return sound("film.mkv", "-ar 8000");
+        render(arguments + " -f -o film.mkv --audio-encoder pcm_s16le");
+        return audio("film.mkv", "-ar 8000");
     };
     // 0 to 3 s silent, 2 to 5 s loud, 5 to 8 s silent after a cut.
     const std::string film = "mute.mp4 loud.mp4 +cut mute.mp4 -t 0";
@@ -201,17 +201,17 @@ TEST_F(Films, MixSoundAndMusicAsAsked) {
     EXPECT_NEAR(level(levels(film + " --mute --music rising.wav --frames 50-74"), 0.5), 0.34, 0.03);
     EXPECT_LT(level(levels(film + " --mute --music music.wav --music-volume 0.1"), 4), full / 8);
     EXPECT_EQ(level(levels("loud.mp4 mute=yes +cut loud.mp4"), 1), 0.0);
-    // Sound that is in the film's form already, its times in those of the container.
+    // Audio that is in the film's form already, its times in those of the container.
     ffmpeg("-i loud.mp4 -c copy loud.mkv");
     EXPECT_NEAR(level(levels("loud.mkv +cut loud.mkv"), 2.9), full, 0.05);
 
-    // Beside a clip that is copied, sound is read on its own: it stays in its place after a long pause.
+    // Beside a clip that is copied, audio is read on its own: it stays in its place after a long pause.
     ffmpeg(
         "-f lavfi -i color=s=16x16:r=25:d=16 -f lavfi -i "
         "\"sine=f=400:d=16,volume=4,aselect='lt(t,2)+gt(t,14)'\" "
         "-c:v libx264 -c:a aac pause.ts");
     render("loud.mp4 pause.ts -t 0 --duration 0.4 -f -o film.mp4");
-    const auto paused = sound("film.mp4", "-ar 8000");
+    const auto paused = audio("film.mp4", "-ar 8000");
     for (const auto& [time, loud] : {std::pair{4.5, 1.0}, {4.8, 0.0}, {16.5, 0.0}, {17, 1.0}})
         EXPECT_NEAR(level(paused, time), loud * full, 0.06) << time;
 
@@ -229,7 +229,7 @@ TEST_F(Films, AreWrittenByOtherEncodersAndIntoPipes) {
     const std::string film =
         "lavfi:testsrc2=s=64x48:d=1 lavfi:smptebars=s=64x48 -t 0 --duration 0.2 --hold 0.2 ";
     for (const auto& [options, says] :
-         {std::pair{"-o a.mkv --encoder ffv1 --sound-encoder flac", "ffv1,yuv420p"},
+         {std::pair{"-o a.mkv --encoder ffv1 --audio-encoder flac", "ffv1,yuv420p"},
           {"-o a.mov --encoder prores_ks", "prores,yuv422p10le"},
           {"-o a.mp4 --encoder mpeg4 --encoder-option b=300k", "mpeg4,yuv420p"},
           {"-o a.mov --encoder qtrle --size 63x47", "qtrle,rgb24"}}) {
@@ -267,15 +267,15 @@ TEST_F(Films, TakeNoMoreMemoryForMoreInputsOrLongerOnes) {
         "-t random --seed 3 --duration 0.2 -o film.mkv --encoder-option preset=ultrafast";
     const double few = peak(times(4, "clip.mp4") + joined);
     EXPECT_LT(peak(times(60, "clip.mp4") + joined), 1.3 * few);
-    // Nine minutes without sound, in which 190 MB of pictures lie: neither waits in memory.
+    // Nine minutes without audio, in which 190 MB of pictures lie: neither waits in memory.
     ffmpeg(
         "-f lavfi -i color=gray:s=640x360:r=1:d=550 -f lavfi -i \"sine=f=400:r=48000:d=550,volume=4,"
         "aselect='lt(t,5)+gt(t,545)'\" -pix_fmt yuv420p -c:v rawvideo -c:a pcm_s16le gap.mkv");
     EXPECT_LT(peak("gap.mkv lavfi:color=gray:s=64x36:r=1 -t 0 --duration 1f --hold 0 --size 64x36 -o "
                    "film.mkv --encoder "
-                   "mpeg4 --sound-encoder pcm_s16le"),
+                   "mpeg4 --audio-encoder pcm_s16le"),
               1.3 * few);
-    const auto heard = sound("film.mkv", "-ar 8000");
+    const auto heard = audio("film.mkv", "-ar 8000");
     EXPECT_EQ(std::ssize(heard), 550 * 8000);
     for (const auto& [time, loud] :
          {std::pair{4.9, true}, {5.02, false}, {300.0, false}, {544.9, false}, {545.1, true}})

@@ -11,7 +11,7 @@ namespace tests {
 
 namespace {
 
-/// Loudness of a moment of a file's sound: root mean square over 20 ms.
+/// Loudness of a moment of a file's audio: root mean square over 20 ms.
 double loudness(const std::vector<double>& samples, double seconds) {
     const auto first = samples.begin() + static_cast<std::ptrdiff_t>(seconds * 8000.0);
     return std::sqrt(std::inner_product(first, first + 160, first, 0.0) / 160.0);
@@ -67,16 +67,16 @@ TEST_F(Render, JoinsClipsWithoutLosingOrRepeatingAFrame) {
     EXPECT_EQ(probe("faster.mp4", "stream=nb_read_frames,r_frame_rate"), "50/1,160");
 }
 
-TEST_F(Render, CrossfadesSoundInStepWithThePictures) {
+TEST_F(Render, CrossfadesAudioInStepWithThePictures) {
     countingClip("from.mp4", 50, 90, tone);
     countingClip("to.mp4", 50, 170, burstAtOneSecond);
     countingClip("mute.mp4", 50, 170);
-    const auto sound = [&](const std::string& inputs) {
+    const auto audio = [&](const std::string& inputs) {
         render(inputs + " -t 0 --duration 0.8 -f -o joined.mp4");
         EXPECT_EQ(probe("joined.mp4", "stream=codec_name,duration"), "h264,3.200000\naac,3.200000");
-        return this->sound("joined.mp4", "-ar 8000");
+        return this->audio("joined.mp4", "-ar 8000");
     };
-    const std::vector<double> both = sound("from.mp4 to.mp4");
+    const std::vector<double> both = audio("from.mp4 to.mp4");
     const double full = loudness(both, 1.0);
     EXPECT_GT(full, 0.1);
     EXPECT_NEAR(loudness(both, 1.6), full / 2, full / 10);  // half way through the overlap, 1.2 s to 2 s
@@ -84,10 +84,10 @@ TEST_F(Render, CrossfadesSoundInStepWithThePictures) {
     EXPECT_LT(loudness(both, 2.17), full / 50);  // TO's burst is due at 1.2 s + 1 s
     EXPECT_GT(loudness(both, 2.21), 0.2);
 
-    const std::vector<double> onlyFrom = sound("from.mp4 mute.mp4");
+    const std::vector<double> onlyFrom = audio("from.mp4 mute.mp4");
     EXPECT_NEAR(loudness(onlyFrom, 1.9), full, full / 10);
     EXPECT_LT(loudness(onlyFrom, 2.05), full / 50);
-    const std::vector<double> onlyTo = sound("mute.mp4 to.mp4");
+    const std::vector<double> onlyTo = audio("mute.mp4 to.mp4");
     EXPECT_LT(loudness(onlyTo, 2.17), full / 50);
     EXPECT_GT(loudness(onlyTo, 2.21), 0.2);
 }
@@ -158,10 +158,10 @@ TEST_F(Render, FitsAnInputOfAnotherShape) {
 }
 
 TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {
-    // Recordings one after the other: of another size and another sound, which starts anew or a day later.
-    const auto part = [&](const std::string& name, const std::string& size, const std::string& sound,
+    // Recordings one after the other: of another size and another audio, which starts anew or a day later.
+    const auto part = [&](const std::string& name, const std::string& size, const std::string& audio,
                           const std::string& later) {
-        ffmpeg("-f lavfi -i color=gray:s=" + size + ":r=25:d=1 -f lavfi -i sine=d=1:" + sound +
+        ffmpeg("-f lavfi -i color=gray:s=" + size + ":r=25:d=1 -f lavfi -i sine=d=1:" + audio +
                " -c:v libx264 -c:a aac -output_ts_offset " + later + " " + name);
     };
     part("first.ts", "64x48", "sample_rate=44100,volume=4", "0");
@@ -175,8 +175,8 @@ TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {
     EXPECT_LT(joined.luma(37, 4, 24), 40);  // bars beside the narrow part
     EXPECT_GT(joined.luma(37, 32, 24), 100);
     EXPECT_GT(joined.luma(62, 4, 24), 100);
-    const std::vector<double> sound = this->sound("joined.mp4", "-ar 8000");
-    for (const double time : {0.5, 1.5, 2.5}) EXPECT_GT(loudness(sound, time), 0.1) << time;
+    const std::vector<double> audio = this->audio("joined.mp4", "-ar 8000");
+    for (const double time : {0.5, 1.5, 2.5}) EXPECT_GT(loudness(audio, time), 0.1) << time;
     // Times that go back by two pictures are no new start.
     ffmpeg(
         "-f lavfi -i color=gray:s=64x48:r=25:d=1 -c:v libx264 -bf 0 one.ts -c:v libx264 -bf 0 "
@@ -235,7 +235,7 @@ TEST_F(Render, PlaysOnPastADamagedPacketButNotPastMany) {
 }
 
 TEST_F(Render, ShowsEveryPictureOnceWhateverTheTimesOfItsFile) {
-    // Matroska's times are whole milliseconds, and the first one is what the sound's encoder makes it.
+    // Matroska's times are whole milliseconds, and the first one is what the audio's encoder makes it.
     for (const std::string rate : {"24", "24000/1001", "30", "60"}) {
         ffmpeg("-f lavfi -i \"color=s=64x16:r=" + rate +
                ",format=yuv420p,geq=lum='40+8*N':cb=128:cr=128\" -frames:v 20 -c:v ffv1 clip.nut");
@@ -313,17 +313,17 @@ TEST_F(Render, TakesFilesForTruncatedOnlyByTheirOwnIndex) {
     }
 }
 
-TEST_F(Render, SaysWhatCannotBeDecodedAndLeavesOutSoundOfThatKind) {
+TEST_F(Render, SaysWhatCannotBeDecodedAndLeavesOutAudioOfThatKind) {
     ffmpeg("-f lavfi -i color=s=64x48:r=25:d=1 -f lavfi -i sine=d=1 -c:v libx264 -c:a pcm_s16le clip.mov");
-    shell(in("sed s/sowt/nvr1/ clip.mov > sound.mov; sed s/avc1/nvr2/g clip.mov > pictures.mov"));
+    shell(in("sed s/sowt/nvr1/ clip.mov > audio.mov; sed s/avc1/nvr2/g clip.mov > pictures.mov"));
     ffmpeg("-f lavfi -i sine=d=1 -c:a pcm_s16le tone.mov");
     shell(in("sed s/sowt/nvr1/ tone.mov > tone_nvr1.mov"));
     ffmpeg(
         "-i clip.mov -c:v copy -c:a aac -encryption_scheme cenc-aes-ctr -encryption_key "
         "00112233445566778899aabbccddeeff -encryption_kid 00112233445566778899aabbccddeeff secret.mp4");
-    const Outcome silent = vantle("render sound.mov clip.mov -t 0 --duration 5f --copy never -f -o film.mp4");
+    const Outcome silent = vantle("render audio.mov clip.mov -t 0 --duration 5f --copy never -f -o film.mp4");
     EXPECT_EQ(silent.status, 0) << silent.text();
-    EXPECT_NE(silent.text().find("sound.mov: FFmpeg has no decoder for its sound (nvr1); it is left out\n"),
+    EXPECT_NE(silent.text().find("audio.mov: FFmpeg has no decoder for its audio (nvr1); it is left out\n"),
               std::string::npos)
         << silent.text();
     EXPECT_EQ(probe("film.mp4", "stream=codec_name,nb_read_frames"), "h264,45\naac,78");
@@ -331,7 +331,7 @@ TEST_F(Render, SaysWhatCannotBeDecodedAndLeavesOutSoundOfThatKind) {
          {std::pair{"pictures.mov clip.mov", "pictures.mov: FFmpeg has no decoder for its pictures (nvr2)\n"},
           {"secret.mp4 clip.mov", "secret.mp4: is encrypted\n"},
           {"clip.mov clip.mov --music tone_nvr1.mov",
-           "tone_nvr1.mov: FFmpeg has no decoder for its sound (nvr1)\n"}})
+           "tone_nvr1.mov: FFmpeg has no decoder for its audio (nvr1)\n"}})
         EXPECT_EQ(vantle(std::string("render -q ") + operands + " -t 0 --duration 5f -f -o none.mp4").text(),
                   std::string("vantle: ") + says);
     EXPECT_FALSE(files().contains("none.mp4"));

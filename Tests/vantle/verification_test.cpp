@@ -68,7 +68,7 @@ class Verification : public CommandTest {
 
 TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     ASSERT_EQ(plan_.stretches.size(), 3U);
-    ASSERT_EQ(plan_.soundStretches.size(), 3U);
+    ASSERT_EQ(plan_.audioStretches.size(), 3U);
     write(".mp4");
     EXPECT_EQ(fault("cp good.mp4 bad.mp4", true), "");
     EXPECT_NE(filtered("-bsf:v \"noise=drop=eq(n\\,30)\"").find("number of packets"), std::string::npos);
@@ -79,11 +79,11 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     // Encoded pictures have parameter sets of their own.
     const Demuxer made((folder_ / "good.mp4").string());
     const AVCodecParameters& form = *made.stream(*made.best(AVMEDIA_TYPE_VIDEO)).codecpar;
-    const DecoderConfiguration configuration(NalCoding::h264,
+    const DecoderConfiguration configuration(NalCodec::h264,
                                              {form.extradata, static_cast<std::size_t>(form.extradata_size)});
     std::vector<int> identifiers;
     for (const Bytes& set : configuration.sets())
-        identifiers.push_back(pictureSet(set) ? pictureSet(set)->id : sequenceSet(NalCoding::h264, set)->id);
+        identifiers.push_back(pictureSet(set) ? pictureSet(set)->id : sequenceSet(NalCodec::h264, set)->id);
     EXPECT_EQ(identifiers, (std::vector<int>{0, 1, 0, 1}));
     // A picture that is decoded when the one before it is: how long these two take is changed in the file.
     filtered("-bsf:v \"setts=dts=DTS-if(eq(N\\,50)\\,1\\,0)\"");
@@ -105,7 +105,7 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
         if (film[at] != 0x67 || film[at + 1] != 100 || film[at + 2] != 0 || length < 8 || length > 60)
             continue;
         const ByteView set(film.data() + at, length);
-        const Bytes other = restated(NalCoding::h264, set, 1, set[3]);
+        const Bytes other = restated(NalCodec::h264, set, 1, set[3]);
         if (other.size() != length) continue;
         std::ranges::copy(other, film.begin() + static_cast<std::ptrdiff_t>(at));
         ++sets;
@@ -117,8 +117,8 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_EQ(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\""), "");
     EXPECT_NE(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\"", true), "");
     EXPECT_NE(
-        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.soundStretches.back().end()) + ")\"")
-            .find("number of packets of sound"),
+        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.audioStretches.back().end()) + ")\"")
+            .find("number of packets of audio"),
         std::string::npos);
     const std::uint8_t drawn = drawn_.at(70).front();
     drawn_[70].fill(230);
@@ -131,7 +131,7 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
         std::exchange(plan_.pictures[1], std::make_shared<const CodedPictures>(std::move(longer)));
     EXPECT_NE(fault("cp good.mp4 bad.mp4").find("b.mp4 is left before its frame 75"), std::string::npos);
     plan_.pictures[1] = pictures;
-    // And what is no fault of the coding: other pictures, of another clip, up to the second key picture
+    // And what is no fault of the coding: other pictures, of another clip, up to the second keyframe
     // behind.
     clip("b.mp4", "2", options_ + " -vf \"drawbox=w=20:h=20:t=fill:enable=gte(n\\,40)\"");
     EXPECT_EQ(fault("cp good.mp4 bad.mp4"), "another picture shows in frame 105");

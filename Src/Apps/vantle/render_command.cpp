@@ -55,7 +55,7 @@ FrameRange parseFrames(const std::string& text) {
         std::string_view(text).substr(middle == std::string::npos ? text.size() : middle + 1));
     if (!first || !last || *first < 0 || *last < *first)
         throw CLI::ValidationError("--frames", "\"" + text + "\" is no range of frames (as 10-19)");
-    // Positions in the sound are counted from these: far beyond any video is far enough.
+    // Positions in the audio are counted from these: far beyond any video is far enough.
     constexpr std::int64_t farthest = FrameRange{}.last;
     return {std::min(*first, farthest), std::min(*last, farthest)};
 }
@@ -124,18 +124,18 @@ void addRenderCommand(CLI::App& app) {
         ->check(CLI::IsMember({"natural"}));
     command->add_flag("--shrink", request.film.shrink,
                       "Shorten transitions that are too long for their inputs");
-    command->add_flag("--mute", request.film.mute, "Leave out the sound of all inputs");
+    command->add_flag("--mute", request.film.mute, "Leave out the audio of all inputs");
     command
         ->add_option("--music", request.film.music.file,
-                     "Sound under the film, repeated when shorter, faded out over its last two seconds")
+                     "Audio under the film, repeated when shorter, faded out over its last two seconds")
         ->type_name("FILE");
     command->add_option("--music-volume", request.film.music.volume, "How loud it is")
         ->check(within(0.0, 1.0))
         ->capture_default_str();
-    command->add_flag("--music-duck", request.film.music.duck, "Lower it where inputs have sound");
+    command->add_flag("--music-duck", request.film.music.duck, "Lower it where inputs have audio");
     command
         ->add_option("--channels", request.film.channels,
-                     "Channels of the sound (default: those of the inputs where they agree, else 2)")
+                     "Channels of the audio (default: those of the inputs where they agree, else 2)")
         ->check(CLI::Range(1, 8));
     command->add_flag("--plan", request.plan, "Only tell what the film will be, frame by frame");
     command->add_flag("--json", request.json, "With --plan: tell it as JSON")->needs("--plan");
@@ -157,7 +157,8 @@ void addRenderCommand(CLI::App& app) {
         "Only frames A-B of the output, counted from 0");
     command->add_option("--encoder", request.encoders.video,
                         "FFmpeg's encoder for the pictures of a video (libx265, libsvtav1, prores_ks, ffv1)");
-    command->add_option("--sound-encoder", request.encoders.sound, "FFmpeg's encoder for its sound (flac)");
+    command->add_option("--audio-encoder,--sound-encoder", request.encoders.audio,
+                        "FFmpeg's encoder for its audio (flac)");
     command
         ->add_option_function<std::vector<std::string>>(
             "--encoder-option",

@@ -26,9 +26,9 @@ constexpr std::string_view rewrap = "ffmpeg -i IN -c copy OUT.mp4 may mend that"
 
 ByteView contents(const AVPacket& packet) { return {packet.data, static_cast<std::size_t>(packet.size)}; }
 
-NalCoding codingOf(const Input& input, const AVCodecParameters& form) {
-    if (form.codec_id == AV_CODEC_ID_H264) return NalCoding::h264;
-    if (form.codec_id == AV_CODEC_ID_HEVC) return NalCoding::hevc;
+NalCodec codecOf(const Input& input, const AVCodecParameters& form) {
+    if (form.codec_id == AV_CODEC_ID_H264) return NalCodec::h264;
+    if (form.codec_id == AV_CODEC_ID_HEVC) return NalCodec::hevc;
     refuse(input, std::string("is coded as ") + avcodec_get_name(form.codec_id) +
                       "; only H.264 and HEVC can be copied");
 }
@@ -47,12 +47,12 @@ void checkForm(const Input& input, const AVCodecParameters& form) {
 
 void checkSets(const Input& input, const DecoderConfiguration& configuration) {
     for (const Bytes& set : configuration.sets()) {
-        const std::optional<SequenceSet> sequence = sequenceSet(configuration.coding(), set);
+        const std::optional<SequenceSet> sequence = sequenceSet(configuration.codec(), set);
         if (sequence && !sequence->progressive)
             refuse(input,
                    "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
         const std::optional<PictureSet> picture =
-            configuration.coding() == NalCoding::h264 ? pictureSet(set) : std::nullopt;
+            configuration.codec() == NalCodec::h264 ? pictureSet(set) : std::nullopt;
         if ((sequence && sequence->separatePlanes) || (picture && picture->sliceGroups))
             refuse(input, "its pictures are coded in a form that few decoders know; others can be copied");
     }
@@ -62,7 +62,7 @@ void checkSets(const Input& input, const DecoderConfiguration& configuration) {
 bool beginsAfresh(const Input& input, const AVPacket& packet, const DecoderConfiguration& configuration) {
     bool fresh = true;
     for (const ByteView unit : unitsWithLengths(contents(packet))) {
-        switch (kindOf(configuration.coding(), unit)) {
+        switch (kindOf(configuration.codec(), unit)) {
             case NalKind::slice:
                 fresh = false;
                 break;
@@ -71,7 +71,7 @@ bool beginsAfresh(const Input& input, const AVPacket& packet, const DecoderConfi
             case NalKind::parameterSet:
                 if (std::ranges::none_of(configuration.sets(),
                                          [&](const Bytes& set) { return std::ranges::equal(set, unit); }))
-                    refuse(input, "its coding changes on the way; only one that stays can be copied");
+                    refuse(input, "its codec settings change on the way; ffmpeg -i IN OUT.mp4 mends that");
                 break;
             default:
                 break;
@@ -92,9 +92,7 @@ void checkPacket(const Input& input, const AVPacket& packet) {
          std::span(packet.side_data, static_cast<std::size_t>(packet.side_data_elems)))
         if (side.type == AV_PKT_DATA_NEW_EXTRADATA || side.type == AV_PKT_DATA_ENCRYPTION_INFO ||
             side.type == AV_PKT_DATA_ENCRYPTION_INIT_INFO)
-            refuse(input,
-                   "its coding changes on the way, or is secret; only one that stays, and is open, can be "
-                   "copied");
+            refuse(input, "its codec settings change on the way, or it is encrypted");
 }
 
 /// Numbers the pictures by their times, which must lie on the grid of the film and fill it.
@@ -105,7 +103,7 @@ void number(const Input& input, CodedPictures& coded) {
     const std::int64_t first = std::ranges::min(times);
     if (first != input.first().pts)
         refuse(input,
-               "its first pictures cannot be decoded; a clip that begins with a key picture can be copied");
+               "its first pictures cannot be decoded; a clip that begins with a keyframe can be copied");
     coded.start = first;
     std::vector<bool> seen(times.size());
     for (std::size_t i = 0; i < times.size(); ++i) {
@@ -133,7 +131,7 @@ void settleEntries(CodedPictures& coded) {
     }
     std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
     for (auto picture = coded.pictures.rbegin(); picture != coded.pictures.rend(); ++picture) {
-        if (coded.coding == NalCoding::h264) picture->entry = picture->entry && earliest > picture->number;
+        if (coded.codec == NalCodec::h264) picture->entry = picture->entry && earliest > picture->number;
         earliest = std::min(earliest, picture->number);
     }
 }
@@ -155,14 +153,14 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
         refuse(input, "is no .mp4, .mov or .mkv file; " + std::string(rewrap));
     const int stream = *packets.best(AVMEDIA_TYPE_VIDEO);
     const AVCodecParameters& form = *packets.stream(stream).codecpar;
-    const NalCoding coding = codingOf(input, form);
+    const NalCodec codec = codecOf(input, form);
     checkForm(input, form);
     if (form.extradata_size <= 0) refuse(input, "its packets lack a description; " + std::string(rewrap));
     CodedPictures coded{.stream = stream,
-                        .coding = coding,
+                        .codec = codec,
                         .form = copyOf(form),
                         .configuration = DecoderConfiguration(
-                            coding, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
+                            codec, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
                         .timeBase = packets.stream(stream).time_base,
                         .rate = rate,
                         .pictures = {}};
@@ -185,26 +183,26 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
     throw NotCopied(what.starts_with(input.name()) ? what : input.name() + ": " + what);
 }
 
-CodedSound codedSound(const Input& input) {
+CodedAudio codedAudio(const Input& input) {
     const int stream = input.source().audio->stream;
     Demuxer packets(input.name());
     packets.useAlone(stream);
     const AVStream& source = packets.stream(stream);
     const AVCodecParameters& form = *source.codecpar;
     if (form.codec_id != AV_CODEC_ID_AAC || form.profile != FF_PROFILE_AAC_LOW ||
-        form.frame_size != CodedSound::portion || form.extradata_size < 2)
-        refuse(input, "its sound is not AAC-LC");
-    CodedSound coded{.stream = stream, .form = copyOf(form)};
+        form.frame_size != CodedAudio::frameSamples || form.extradata_size < 2)
+        refuse(input, "its audio is not AAC-LC");
+    CodedAudio coded{.stream = stream, .form = copyOf(form)};
     // Some files keep times in thousandths only.
     const double slack = std::max(1.0, form.sample_rate * av_q2d(source.time_base));
     while (const av::Packet packet = packets.read(stream)) {
-        if (packet->pts == AV_NOPTS_VALUE) refuse(input, "its sound has no times");
+        if (packet->pts == AV_NOPTS_VALUE) refuse(input, "its audio has no times");
         const double time = static_cast<double>(packet->pts) * av_q2d(source.time_base) * form.sample_rate;
         if (coded.packets == 0) coded.first = std::llround(time);
-        const std::int64_t expected = coded.first + coded.packets * CodedSound::portion;
+        const std::int64_t expected = coded.first + coded.packets * CodedAudio::frameSamples;
         if (std::abs(time - static_cast<double>(expected)) > slack ||
             (packet->flags & AV_PKT_FLAG_CORRUPT) != 0)
-            refuse(input, "its sound has gaps");
+            refuse(input, "its audio has gaps");
         ++coded.packets;
     }
     return coded;

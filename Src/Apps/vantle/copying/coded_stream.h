@@ -1,4 +1,4 @@
-/// The pictures and the sound of an input as they lie in its file, coded.
+/// The pictures and the audio of an input as they lie in its file, coded.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ struct CodedPicture {
 /// Pictures of an input that may be copied, in the order in which they are decoded.
 struct CodedPictures {
     int stream;
-    NalCoding coding;
+    NalCodec codec;
     av::Parameters form;
     DecoderConfiguration configuration;
     AVRational timeBase;
@@ -44,10 +44,10 @@ struct CodedPictures {
 /// rate.
 CodedPictures codedPictures(const Input& input, AVRational rate);
 
-/// Sound in portions of 1024 samples that overlap by half: what a packet holds is heard in full only with the
-/// one before it and the one after it.
-struct CodedSound {
-    static constexpr int portion = 1024;
+/// Audio in AAC frames of 1024 samples that overlap by half: what a packet holds is heard in full only with
+/// the one before it and the one after it.
+struct CodedAudio {
+    static constexpr int frameSamples = 1024;
 
     int stream;
     av::Parameters form;
@@ -55,9 +55,9 @@ struct CodedSound {
     std::int64_t packets = 0;
 };
 
-/// Reads the times of all packets of an input's sound, which it has. Throws NotCopied when it cannot be
+/// Reads the times of all packets of an input's audio, which it has. Throws NotCopied when it cannot be
 /// copied.
-CodedSound codedSound(const Input& input);
+CodedAudio codedAudio(const Input& input);
 
 /// A copy of a stream's description.
 av::Parameters copyOf(const AVCodecParameters& form);

@@ -10,10 +10,10 @@ extern "C" {
 namespace vantle {
 
 std::optional<CopyPlan> planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice,
-                                   bool keepsSound, std::vector<std::string>& notes) {
+                                   bool keepsAudio, std::vector<std::string>& notes) {
     if (mode == CopyMode::never) return {};
     const Film& film = open.film();
-    CopyPlan plan = planCopy(film, scanSources(open), keepsSound,
+    CopyPlan plan = planCopy(film, scanSources(open), keepsAudio,
                              [&](const CopyPlan& tried) { tryEncoding(tried, choice); });
     // Below a tenth it saves next to nothing, and all else would have to be like what is copied.
     const bool few = mode == CopyMode::automatic && plan.copied() > 0 && plan.copied() < film.frames() / 10;

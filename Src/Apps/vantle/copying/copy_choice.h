@@ -14,10 +14,10 @@ namespace vantle {
 
 enum class CopyMode : std::uint8_t { automatic, always, never };
 
-/// What is copied of the film; none when nothing is. `notes` gets a line about what is not. With `keepsSound`
-/// its sound may be copied too. Throws Error when not all that could be copied is and `always` is asked for.
+/// What is copied of the film; none when nothing is. `notes` gets a line about what is not. With `keepsAudio`
+/// its audio may be copied too. Throws Error when not all that could be copied is and `always` is asked for.
 std::optional<CopyPlan> planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice,
-                                   bool keepsSound, std::vector<std::string>& notes);
+                                   bool keepsAudio, std::vector<std::string>& notes);
 
 /// What the film loses of its inputs, in a line for each. With copies it has as many bits as these, and those
 /// of joins alone are drawn with 8.

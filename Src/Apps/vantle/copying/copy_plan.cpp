@@ -6,14 +6,14 @@
 #include <map>
 #include <utility>
 
-#include "media/sound_format.h"
+#include "media/audio_format.h"
 
 namespace vantle {
 
 namespace {
 
 constexpr std::int64_t shortest = 2;  // pictures of a stretch: two fresh ones in a row confuse browsers
-constexpr int longestSeam = 12;       // seconds: a join, and ten up to the next key picture
+constexpr int longestSeam = 12;       // seconds: a join, and ten up to the next keyframe
 constexpr int compared = 2;           // seconds at either end of a longer stretch
 
 std::int64_t framesIn(int seconds, AVRational rate) { return av_rescale(seconds, rate.num, rate.den); }
@@ -31,7 +31,7 @@ std::string mismatch(const AVCodecParameters& form, const AVCodecParameters& mod
     const auto range = [](const AVCodecParameters& of) {
         return of.color_range == AVCOL_RANGE_UNSPECIFIED ? AVCOL_RANGE_MPEG : of.color_range;
     };
-    if (form.codec_id != model.codec_id) return "coding";
+    if (form.codec_id != model.codec_id) return "codec";
     if (form.format != model.format) return "pixel format";
     if (range(form) != range(model)) return "range of colours";
     if (form.color_space != model.color_space || form.color_primaries != model.color_primaries ||
@@ -124,7 +124,7 @@ class Layout {
         if (!entry) {
             if (to - from > shortest)
                 plan_.refusals.push_back(
-                    film_.sourceOf(part).name + ": has no key picture in its frames " +
+                    film_.sourceOf(part).name + ": has no keyframe in its frames " +
                     std::to_string(from - offset) + " to " + std::to_string(to - offset - 1) +
                     ", with which copying could begin; one every few seconds (x264: keyint) "
                     "helps");
@@ -182,49 +182,50 @@ void findAlike(CopyPlan& plan, const Copyable& copyable) {
     }
 }
 
-/// The nearest multiple of a portion.
-std::int64_t portionAt(std::int64_t sample) {
-    return av_rescale_rnd(sample, 1, CodedSound::portion, AV_ROUND_NEAR_INF);
+/// The nearest multiple of an AAC frame.
+std::int64_t aacFrameAt(std::int64_t sample) {
+    return av_rescale_rnd(sample, 1, CodedAudio::frameSamples, AV_ROUND_NEAR_INF);
 }
 
-/// Lays out which portions of the sound are copied: those in which one part is heard alone and as it is.
-void planSound(CopyPlan& plan) {
+/// Lays out which AAC frames of the audio are copied: those in which one part is heard alone and as it is.
+void planAudio(CopyPlan& plan) {
     const Film& film = plan.film;
-    plan.soundDelays.assign(film.parts.size(), 0);
+    plan.audioDelays.assign(film.parts.size(), 0);
     const int rate = film.audio->sampleRate;
     const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
     constexpr std::int64_t fewest = 16;
-    // .mp4 and .mov say to a thousandth of a second where sound ends: a portion heard for less would be cut
-    // off.
+    // .mp4 and .mov say to a thousandth of a second where audio ends: an AAC frame heard for less would be
+    // cut off.
     const std::int64_t end =
-        av_rescale_rnd(sample(film.frames()) - rate / 1000, 1, CodedSound::portion, AV_ROUND_UP);
-    std::vector<SoundStretch>& stretches = plan.soundStretches;
+        av_rescale_rnd(sample(film.frames()) - rate / 1000, 1, CodedAudio::frameSamples, AV_ROUND_UP);
+    std::vector<AudioStretch>& stretches = plan.audioStretches;
     std::int64_t next = -1;
-    const auto encodeTo = [&](std::int64_t portion) {
-        if (portion > next) stretches.push_back({next, portion - next});
-        next = portion;
+    const auto encodeTo = [&](std::int64_t aacFrame) {
+        if (aacFrame > next) stretches.push_back({next, aacFrame - next});
+        next = aacFrame;
     };
     for (std::size_t number = 0; number < film.parts.size(); ++number) {
         const Part& part = film.parts[number];
-        if (!part.sounds) continue;
-        const CodedSound& sound = *plan.sounds[number];
-        // Its packets keep their distance from each other, so that all are shifted alike, by half a portion
-        // at most.
+        if (!part.audible) continue;
+        const CodedAudio& audio = *plan.audio[number];
+        // Its packets keep their distance from each other, so that all are shifted alike, by half an AAC
+        // frame at most.
         const std::int64_t shown = film.sourceOf(part).startSample(rate) + sample(part.first);
-        const std::int64_t meant = sample(part.start) + sound.first - shown;
-        const std::int64_t first = portionAt(meant);
-        plan.soundDelays[number] = first * CodedSound::portion - meant;
-        const auto sounds = [&](std::size_t other) { return film.parts[other].sounds; };
+        const std::int64_t meant = sample(part.start) + audio.first - shown;
+        const std::int64_t first = aacFrameAt(meant);
+        plan.audioDelays[number] = first * CodedAudio::frameSamples - meant;
+        const auto audible = [&](std::size_t other) { return film.parts[other].audible; };
         const std::int64_t cleanFrom =
-            number == 0 ? -CodedSound::portion
-                        : sample(sounds(number - 1) ? film.joins[number - 1].end() : part.start);
-        const std::int64_t cleanTo = number == film.joins.size()
-                                         ? std::numeric_limits<std::int64_t>::max() / 2
-                                         : sample(sounds(number + 1) ? film.joins[number].start : part.end());
+            number == 0 ? -CodedAudio::frameSamples
+                        : sample(audible(number - 1) ? film.joins[number - 1].end() : part.start);
+        const std::int64_t cleanTo =
+            number == film.joins.size() ? std::numeric_limits<std::int64_t>::max() / 2
+                                        : sample(audible(number + 1) ? film.joins[number].start : part.end());
         const std::int64_t from =
-            std::max({av_rescale_rnd(cleanFrom, 1, CodedSound::portion, AV_ROUND_UP), first, next});
-        const std::int64_t to = std::min(
-            {av_rescale_rnd(cleanTo, 1, CodedSound::portion, AV_ROUND_DOWN) - 1, first + sound.packets, end});
+            std::max({av_rescale_rnd(cleanFrom, 1, CodedAudio::frameSamples, AV_ROUND_UP), first, next});
+        const std::int64_t to =
+            std::min({av_rescale_rnd(cleanTo, 1, CodedAudio::frameSamples, AV_ROUND_DOWN) - 1,
+                      first + audio.packets, end});
         if (to - from < fewest) continue;
         encodeTo(from);
         stretches.push_back({from, to - from, number, from - first});
@@ -233,16 +234,16 @@ void planSound(CopyPlan& plan) {
     encodeTo(end);
 }
 
-/// Finds the sound of all parts, and whether it can be copied as the film's.
-bool findSound(CopyPlan& plan, const std::vector<CodedSource>& coded) {
+/// Finds the audio of all parts, and whether it can be copied as the film's.
+bool findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
     if (!plan.film.audio || !plan.film.music.file.empty()) return false;
     const AVCodecParameters* model = nullptr;
     for (std::size_t i = 0; i < plan.film.parts.size(); ++i) {
         const Part& part = plan.film.parts[i];
-        if (!part.sounds) continue;
-        plan.sounds[i] = coded[part.source].sound;
-        if (!plan.sounds[i]) return false;
-        const AVCodecParameters& form = *plan.sounds[i]->form;
+        if (!part.audible) continue;
+        plan.audio[i] = coded[part.source].audio;
+        if (!plan.audio[i]) return false;
+        const AVCodecParameters& form = *plan.audio[i]->form;
         if (model == nullptr) model = &form;
         // The first two bytes say all that a decoder must know.
         if (!std::equal(form.extradata, form.extradata + 2, model->extradata) ||
@@ -261,9 +262,9 @@ CodedSource scan(const Input& input, AVRational rate) {
         coded.refusal = why.what();
     }
     try {
-        if (input.source().audio) coded.sound = std::make_shared<const CodedSound>(codedSound(input));
+        if (input.source().audio) coded.audio = std::make_shared<const CodedAudio>(codedAudio(input));
     } catch (const NotCopied&) {
-        // Then all sound is encoded.
+        // Then all audio is encoded.
     }
     return coded;
 }
@@ -282,9 +283,9 @@ bool CopyPlan::isCompared(const Stretch& stretch, std::int64_t frame) const {
     return stretch.isSeam || frame < stretch.first + near || frame >= stretch.end() - near;
 }
 
-const AVCodecParameters& CopyPlan::modelSound() const {
-    const auto has = [](const std::shared_ptr<const CodedSound>& sound) { return sound != nullptr; };
-    return *(*std::ranges::find_if(sounds, has))->form;
+const AVCodecParameters& CopyPlan::modelAudio() const {
+    const auto has = [](const std::shared_ptr<const CodedAudio>& coded) { return coded != nullptr; };
+    return *(*std::ranges::find_if(audio, has))->form;
 }
 
 std::vector<CodedSource> scanSources(const OpenFilm& open) {
@@ -298,11 +299,11 @@ std::vector<CodedSource> scanSources(const OpenFilm& open) {
     return coded;
 }
 
-CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsSound,
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsAudio,
                   const TryEncoding& tryEncoding) {
     CopyPlan plan;
     plan.film = film;
-    plan.sounds.resize(film.parts.size());
+    plan.audio.resize(film.parts.size());
     Copyable copyable;
     std::vector<std::string> refusals;
     for (const Part& part : film.parts) {
@@ -325,7 +326,7 @@ CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool 
                 if (plan.pictures[i]) copyable[i] = nullptr;
         }
     }
-    if (plan.copied() > 0 && keepsSound && findSound(plan, coded)) planSound(plan);
+    if (plan.copied() > 0 && keepsAudio && findAudio(plan, coded)) planAudio(plan);
     return plan;
 }
 

@@ -26,14 +26,14 @@ struct Stretch {
     std::int64_t end() const { return first + frames; }
 };
 
-/// Consecutive portions of a film's sound, which lie on a grid that begins one portion before it.
-struct SoundStretch {
+/// Consecutive AAC frames of a film's audio, which lie on a grid that begins one AAC frame before it.
+struct AudioStretch {
     std::int64_t first = 0;
-    std::int64_t portions = 0;
+    std::int64_t aacFrames = 0;
     std::optional<std::size_t> part{};  ///< from which it is copied
     std::int64_t source = 0;            ///< the first of its packets that is copied
 
-    std::int64_t end() const { return first + portions; }
+    std::int64_t end() const { return first + aacFrames; }
 };
 
 /// How many frames of these are copied.
@@ -44,10 +44,10 @@ struct CopyPlan {
     std::vector<std::shared_ptr<const CodedPictures>> pictures;  ///< by part; null where none can be copied
     std::size_t model = 0;                                       ///< the part that all others must be like
     std::vector<Stretch> stretches;
-    std::vector<std::shared_ptr<const CodedSound>> sounds;  ///< by part
-    std::vector<SoundStretch> soundStretches;               ///< none: all sound is encoded
+    std::vector<std::shared_ptr<const CodedAudio>> audio;  ///< by part
+    std::vector<AudioStretch> audioStretches;              ///< none: all audio is encoded
     std::vector<std::int64_t>
-        soundDelays;                    ///< by part, the samples by which its sound comes late on the grid
+        audioDelays;                    ///< by part, the samples by which its audio comes late on the grid
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
 
     std::int64_t copied() const { return copiedFrames(stretches); }
@@ -58,15 +58,15 @@ struct CopyPlan {
 
     const CodedPictures& modelPictures() const { return *pictures[model]; }
 
-    /// The description of the sound that is copied.
-    const AVCodecParameters& modelSound() const;
+    /// The description of the audio that is copied.
+    const AVCodecParameters& modelAudio() const;
 };
 
 /// What a file holds of one of a film's sources.
 struct CodedSource {
     std::shared_ptr<const CodedPictures> pictures{};  ///< null where they cannot be copied
     std::string refusal{};                            ///< why not
-    std::shared_ptr<const CodedSound> sound{};        ///< null where it cannot be copied
+    std::shared_ptr<const CodedAudio> audio{};        ///< null where it cannot be copied
 };
 
 /// Looks through the packets of all of a film's sources, of which each file is read once.
@@ -76,8 +76,8 @@ std::vector<CodedSource> scanSources(const OpenFilm& open);
 using TryEncoding = std::function<void(const CopyPlan&)>;
 
 /// Plans to copy what lies outside the joins of a film whose sources are `coded` so, where the others can be
-/// encoded. With `keepsSound` its sound may be copied too: nobody asked for an encoder.
-CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsSound,
+/// encoded. With `keepsAudio` its audio may be copied too: nobody asked for an encoder.
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsAudio,
                   const TryEncoding& tryEncoding);
 
 }  // namespace vantle

@@ -108,10 +108,10 @@ av::Packet CopiedPictures::next() {
 FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice,
                            bool comparesAll)
     : open_(open), plan_(plan), comparesAll_(comparesAll), copiedSets_(plan.pictures.size()) {
-    const NalCoding coding = plan.modelPictures().coding;
+    const NalCodec codec = plan.modelPictures().codec;
     const auto noteLevels = [&](const std::vector<Bytes>& sets) {
         for (const Bytes& set : sets)
-            if (const auto sequence = sequenceSet(coding, set)) level_ = std::max(level_, sequence->level);
+            if (const auto sequence = sequenceSet(codec, set)) level_ = std::max(level_, sequence->level);
     };
     for (const Stretch& stretch : plan.stretches) {
         if (stretch.part) {
@@ -135,8 +135,7 @@ FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const Enc
 
 std::vector<Bytes> FilmPictures::setsOf(const std::vector<Bytes>& own) const {
     std::vector<Bytes> sets;
-    for (const Bytes& set : own)
-        sets.push_back(restated(plan_.modelPictures().coding, set, reorder_, level_));
+    for (const Bytes& set : own) sets.push_back(restated(plan_.modelPictures().codec, set, reorder_, level_));
     return sets;
 }
 
@@ -145,7 +144,7 @@ av::Parameters FilmPictures::form() const {
     av::Parameters form = copyOf(*model.form);
     // Those of the first stretch, and all others that do not take their place: beside being in each stretch.
     std::vector<Bytes> sets = copiedSets_[plan_.model];
-    if (model.coding == NalCoding::h264)
+    if (model.codec == NalCodec::h264)
         for (const auto& [seams, encoded] : encodedSets_)
             sets.insert(sets.end(), encoded.begin(), encoded.end());
     const Bytes record = model.configuration.withSets(sets);
@@ -193,23 +192,23 @@ av::Packet FilmPictures::next() {
 }
 
 av::Packet FilmPictures::rewritten(av::Packet packet) const {
-    const NalCoding coding = plan_.modelPictures().coding;
+    const NalCodec codec = plan_.modelPictures().codec;
     const Stretch& stretch = plan_.stretches[stretch_];
     const std::optional<std::size_t>& part = stretch.part;
     const ByteView bytes(packet->data, static_cast<std::size_t>(packet->size));
     const std::vector<ByteView> units = part ? unitsWithLengths(bytes) : unitsWithStartCodes(bytes);
     const bool key = (packet->flags & AV_PKT_FLAG_KEY) != 0;
     const bool holdsSets = std::ranges::any_of(
-        units, [&](ByteView unit) { return kindOf(coding, unit) == NalKind::parameterSet; });
+        units, [&](ByteView unit) { return kindOf(codec, unit) == NalKind::parameterSet; });
     if (part && !key && !holdsSets) {
         av_packet_free_side_data(packet.get());
         return packet;
     }
-    // In each stretch sets come before each key picture, for those who start there.
+    // In each stretch sets come before each keyframe, for those who start there.
     Bytes contents;
     bool opened = !key;
     for (const ByteView unit : units) {
-        const NalKind kind = kindOf(coding, unit);
+        const NalKind kind = kindOf(codec, unit);
         if (!opened && kind != NalKind::delimiter) {
             for (const Bytes& set : part ? copiedSets_[*part] : encodedSets_.at(stretch.isSeam))
                 appendUnit(contents, set);
@@ -219,7 +218,7 @@ av::Packet FilmPictures::rewritten(av::Packet packet) const {
         if (kind == NalKind::parameterSet || (!part && kind == NalKind::other)) continue;
         const std::size_t at = contents.size() + 4;
         appendUnit(contents, unit);
-        if (!begun_ && coding == NalCoding::hevc) breakLink(std::span(contents).subspan(at));
+        if (!begun_ && codec == NalCodec::hevc) breakLink(std::span(contents).subspan(at));
     }
     av::Packet result = packetOf(contents, *packet);
     result->duration = packet->duration;

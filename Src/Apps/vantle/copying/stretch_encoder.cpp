@@ -19,9 +19,9 @@ namespace {
 std::set<int> identifiers(const CopyPlan& plan) {
     std::set<int> used;
     for (const auto& pictures : plan.pictures) {
-        if (!pictures || pictures->coding != NalCoding::h264) continue;
+        if (!pictures || pictures->codec != NalCodec::h264) continue;
         for (const Bytes& set : pictures->configuration.sets()) {
-            if (const auto sequence = sequenceSet(NalCoding::h264, set)) used.insert(sequence->id);
+            if (const auto sequence = sequenceSet(NalCodec::h264, set)) used.insert(sequence->id);
             if (const auto picture = pictureSet(set)) used.insert(picture->id);
         }
     }
@@ -62,7 +62,7 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
     : plan_(plan), seams_(seams) {
     const CodedPictures& model = plan.modelPictures();
     const AVCodecParameters& form = *model.form;
-    const std::string usual = model.coding == NalCoding::h264 ? "libx264" : "libx265";
+    const std::string usual = model.codec == NalCodec::h264 ? "libx264" : "libx265";
     const std::string name = choice.name.empty() ? usual : choice.name;
     const auto refuse = [&](const std::string& why) {
         throw NotCopied(plan.film.sourceOf(plan.film.parts[plan.model]).name +
@@ -83,9 +83,9 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
         bool complete = false;
         for (const ByteView set :
              unitsWithStartCodes({context.extradata, static_cast<std::size_t>(context.extradata_size)})) {
-            if (kindOf(model.coding, set) != NalKind::parameterSet) continue;
+            if (kindOf(model.codec, set) != NalKind::parameterSet) continue;
             sets_.emplace_back(set.begin(), set.end());
-            if (const std::optional<SequenceSet> sequence = sequenceSet(model.coding, set)) {
+            if (const std::optional<SequenceSet> sequence = sequenceSet(model.codec, set)) {
                 reorder_ = std::max(reorder_, sequence->reorder);
                 complete = true;
             }
@@ -116,7 +116,7 @@ std::unique_ptr<Encoder> StretchEncoder::open() const {
         context.chroma_sample_location = like.chroma_location;
         context.profile = like.profile;
         if (seams_) {
-            if (plan_.modelPictures().coding == NalCoding::h264) context.level = like.level;
+            if (plan_.modelPictures().codec == NalCodec::h264) context.level = like.level;
             // They would need room among the references, and here they save neither time nor size.
             context.max_b_frames = 0;
         }

@@ -27,7 +27,7 @@ class Fault : public Error {
 /// Decoded pictures by their numbers.
 class NumberedPictures {
    public:
-    /// Goes to the key picture that shows at `time`, or before it.
+    /// Goes to the keyframe that shows at `time`, or before it.
     NumberedPictures(const std::string& file, int stream, std::int64_t start, AVRational rate,
                      std::int64_t time)
         : input_(file), stream_(stream), start_(start), rate_(rate), reader_(input_, stream) {
@@ -60,17 +60,17 @@ class NumberedPictures {
     bool found_ = false;  // the first that was asked for
 };
 
-/// The packets of a film's sound: each begins where the one before it ends.
-class SoundPackets {
+/// The packets of a film's audio: each begins where the one before it ends.
+class AudioPackets {
    public:
-    SoundPackets(AVRational timeBase, int sampleRate)
+    AudioPackets(AVRational timeBase, int sampleRate)
         : samples_(av_q2d(timeBase) * sampleRate), slack_(std::max(1.0, samples_)) {}
 
     void take(const AVPacket& packet) {
         const double time = static_cast<double>(packet.pts) * samples_;
         if (count_ == 0) first_ = time;
-        if (std::abs(time - first_ - static_cast<double>(count_ * CodedSound::portion)) > slack_)
-            fail("wrong times at packet of sound", count_);
+        if (std::abs(time - first_ - static_cast<double>(count_ * CodedAudio::frameSamples)) > slack_)
+            fail("wrong times at packet of audio", count_);
         ++count_;
     }
 
@@ -98,7 +98,7 @@ class PicturePackets {
     }
 
     std::vector<std::int64_t> times;
-    std::vector<std::int64_t> keys;  ///< when key pictures show
+    std::vector<std::int64_t> keys;  ///< when keyframes show
 
    private:
     bool keepsDecoding_;
@@ -127,21 +127,21 @@ class Verification {
         stream_ = *input.best(AVMEDIA_TYPE_VIDEO);
         input.use(stream_);
         PicturePackets pictures(std::string_view(input.container().iformat->name).starts_with("mov,"));
-        std::optional<SoundPackets> sound;
-        if (!plan_.soundStretches.empty()) {
+        std::optional<AudioPackets> audio;
+        if (!plan_.audioStretches.empty()) {
             const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO);
-            if (!stream) throw Fault("the sound is missing");
+            if (!stream) throw Fault("the audio is missing");
             input.use(*stream);
-            sound.emplace(input.stream(*stream).time_base, plan_.modelSound().sample_rate);
+            audio.emplace(input.stream(*stream).time_base, plan_.modelAudio().sample_rate);
         }
         while (const av::Packet packet = input.read()) {
             if (packet->stream_index == stream_)
                 pictures.take(*packet);
             else
-                sound->take(*packet);
+                audio->take(*packet);
         }
-        if (sound && sound->count() != plan_.soundStretches.back().end() + 1)
-            fail("the number of packets of sound is", sound->count());
+        if (audio && audio->count() != plan_.audioStretches.back().end() + 1)
+            fail("the number of packets of audio is", audio->count());
         checkTimes(pictures, input.stream(stream_).time_base);
     }
 
@@ -205,10 +205,10 @@ class Verification {
         return {first, end};
     }
 
-    /// Looks at the frames from `first` on, a key picture, to before `end`.
+    /// Looks at the frames from `first` on, a keyframe, to before `end`.
     void check(std::int64_t first, std::int64_t end) const {
         const auto key = keys_.find(first);
-        if (key == keys_.end()) fail("no key picture is in frame", first);
+        if (key == keys_.end()) fail("no keyframe is in frame", first);
         NumberedPictures made(file_, stream_, start_, rate_, key->second);
         for (const Stretch& stretch : plan_.stretches) {
             const std::int64_t from = std::max(first, stretch.first);
@@ -244,7 +244,7 @@ class Verification {
     int stream_ = 0;
     std::int64_t start_ = 0;
     std::vector<std::int64_t> entries_;
-    std::map<std::int64_t, std::int64_t> keys_;  // when key pictures show, by frame
+    std::map<std::int64_t, std::int64_t> keys_;  // when keyframes show, by frame
 };
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace vantle {
 
 /// What is wrong with the file of a film that was written as planned, in a few words; empty when nothing is.
 /// Inputs that are shown to their ends must show all that they hold. All packets are counted and their times
-/// are looked at. Each seam is decoded, from the last key picture before it to the second after it, or with
+/// are looked at. Each seam is decoded, from the last keyframe before it to the second after it, or with
 /// `everything` the whole film, and compared: copied pictures must be those of their inputs, and encoded
 /// ones, where the plan compares them, like what was `drawn`.
 std::string faultOf(const std::string& file, const CopyPlan& plan,

@@ -1,4 +1,4 @@
-/// A decoder of pictures or sound.
+/// A decoder of pictures or audio.
 #pragma once
 
 #include <cstdint>

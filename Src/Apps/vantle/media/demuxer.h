@@ -33,7 +33,7 @@ class Demuxer {
     /// True when there are streams of this type, whether or not they can be decoded.
     bool holds(AVMediaType type) const;
 
-    /// Why there is no best stream of a type, pictures or sound, in words.
+    /// Why there is no best stream of a type, pictures or audio, in words.
     std::string whyNone(AVMediaType type) const;
 
     /// Keeps the packets of this stream for `read` while those of another one are read.
@@ -106,7 +106,7 @@ class Demuxer {
     };
     std::map<int, Times> times_;                                     // by stream
     std::int64_t shift_ = 0;                                         // for what follows the last jump
-    std::int64_t begin_ = std::numeric_limits<std::int64_t>::max();  // of the pictures and sound read so far
+    std::int64_t begin_ = std::numeric_limits<std::int64_t>::max();  // of the pictures and audio read so far
     std::int64_t end_ = 0;                                           // of the same
     std::int64_t othersEnd_ = 0;                                     // of subtitles and the like
 };

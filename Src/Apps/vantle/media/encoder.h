@@ -1,4 +1,4 @@
-/// An encoder of pictures or sound.
+/// An encoder of pictures or audio.
 #pragma once
 
 #include <functional>

@@ -34,7 +34,7 @@ class Filters {
     /// The next result, or null when the graph needs input first or has ended (see `ended`).
     av::Frame pull();
 
-    /// As `pull`, in portions of exactly `samples` samples of sound (fewer at the end).
+    /// As `pull`, in portions of exactly `samples` samples of audio (fewer at the end).
     av::Frame pullSamples(int samples);
 
     /// True once the graph has given its last result.

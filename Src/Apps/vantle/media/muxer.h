@@ -20,7 +20,7 @@ class Muxer {
     /// Adds a stream for the packets of an encoder, which is set up already.
     AVStream& add(const AVCodecContext& encoder);
 
-    /// Adds a stream for packets of this description, `rate` of them a second (0/1 for sound).
+    /// Adds a stream for packets of this description, `rate` of them a second (0/1 for audio).
     AVStream& add(const AVCodecParameters& form, AVRational timeBase, AVRational rate);
 
     /// Writes the header, when all streams are added.

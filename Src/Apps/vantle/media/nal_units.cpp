@@ -46,9 +46,9 @@ NalKind kindInHevc(int type) {
 
 }  // namespace
 
-NalKind kindOf(NalCoding coding, ByteView unit) {
+NalKind kindOf(NalCodec codec, ByteView unit) {
     if (unit.size() < 2) return NalKind::foreign;
-    if (coding == NalCoding::h264) return kindInH264(unit[0] & 31);
+    if (codec == NalCodec::h264) return kindInH264(unit[0] & 31);
     const int layer = (unit[0] & 1) << 5 | unit[1] >> 3;
     // Some programs leave messages of their own, which no decoder looks at.
     if (hevcType(unit) >= 48) return NalKind::other;

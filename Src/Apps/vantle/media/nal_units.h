@@ -10,7 +10,7 @@ namespace vantle {
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
-enum class NalCoding : std::uint8_t { h264, hevc };
+enum class NalCodec : std::uint8_t { h264, hevc };
 
 /// What a unit is, as far as one must know who moves it.
 enum class NalKind : std::uint8_t {
@@ -23,7 +23,7 @@ enum class NalKind : std::uint8_t {
     foreign,       ///< of what is not moved: partitions, layers, views, alpha
 };
 
-NalKind kindOf(NalCoding coding, ByteView unit);
+NalKind kindOf(NalCodec codec, ByteView unit);
 
 /// The units of a packet in a file, each behind its length of four bytes. Throws Error when they do not fit.
 std::vector<ByteView> unitsWithLengths(ByteView packet);

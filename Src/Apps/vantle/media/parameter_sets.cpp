@@ -249,13 +249,13 @@ Parsed parseHevc(const Bytes& bytes) {
     return parsed;
 }
 
-bool isSequenceSet(NalCoding coding, ByteView unit) {
+bool isSequenceSet(NalCodec codec, ByteView unit) {
     if (unit.size() < 4) return false;
-    return coding == NalCoding::h264 ? (unit[0] & 31) == 7 : (unit[0] >> 1 & 63) == 33;
+    return codec == NalCodec::h264 ? (unit[0] & 31) == 7 : (unit[0] >> 1 & 63) == 33;
 }
 
-Parsed parse(NalCoding coding, const Bytes& bytes) {
-    return coding == NalCoding::h264 ? parseH264(bytes) : parseHevc(bytes);
+Parsed parse(NalCodec codec, const Bytes& bytes) {
+    return codec == NalCodec::h264 ? parseH264(bytes) : parseHevc(bytes);
 }
 
 /// Sixteen bits, the high ones first.
@@ -271,9 +271,9 @@ void appendPair(Bytes& bytes, std::size_t value) {
 
 }  // namespace
 
-std::optional<SequenceSet> sequenceSet(NalCoding coding, ByteView unit) {
-    if (!isSequenceSet(coding, unit)) return {};
-    return parse(coding, payload(unit)).set;
+std::optional<SequenceSet> sequenceSet(NalCodec codec, ByteView unit) {
+    if (!isSequenceSet(codec, unit)) return {};
+    return parse(codec, payload(unit)).set;
 }
 
 std::optional<PictureSet> pictureSet(ByteView unit) {
@@ -288,14 +288,14 @@ std::optional<PictureSet> pictureSet(ByteView unit) {
     return set;
 }
 
-Bytes restated(NalCoding coding, ByteView unit, int reorder, int level) {
-    if (!isSequenceSet(coding, unit)) return {unit.begin(), unit.end()};
+Bytes restated(NalCodec codec, ByteView unit, int reorder, int level) {
+    if (!isSequenceSet(codec, unit)) return {unit.begin(), unit.end()};
     Bytes bytes = payload(unit);
-    const Parsed parsed = parse(coding, bytes);
-    bytes[coding == NalCoding::h264 ? 3 : 14] = static_cast<std::uint8_t>(level);
+    const Parsed parsed = parse(codec, bytes);
+    bytes[codec == NalCodec::h264 ? 3 : 14] = static_cast<std::uint8_t>(level);
     BitWriter write;
     write.copy(bytes, 0, parsed.statement);
-    if (coding == NalCoding::h264) {
+    if (codec == NalCodec::h264) {
         if (!parsed.hasUsability) write.bits(1U << 8, 9);  // it is there, and says none of what comes first
         // Where nothing was stated, what a decoder assumes then.
         std::vector<int> values = parsed.values;
@@ -319,8 +319,8 @@ Bytes restated(NalCoding coding, ByteView unit, int reorder, int level) {
     return escaped(write.finish());
 }
 
-DecoderConfiguration::DecoderConfiguration(NalCoding coding, ByteView record) : coding_(coding) {
-    const bool isH264 = coding == NalCoding::h264;
+DecoderConfiguration::DecoderConfiguration(NalCodec codec, ByteView record) : codec_(codec) {
+    const bool isH264 = codec == NalCodec::h264;
     const std::size_t headSize = isH264 ? 5 : 22;
     if (record.size() < headSize + 2 || record[0] != 1 || (record[isH264 ? 4 : 21] & 3) != 3)
         throw Error("its packets do not have lengths of four bytes");
@@ -349,7 +349,7 @@ DecoderConfiguration::DecoderConfiguration(NalCoding coding, ByteView record) : 
         }
     }
     // Messages that a file keeps there are about its own making.
-    std::erase_if(sets_, [&](const Bytes& set) { return kindOf(coding_, set) != NalKind::parameterSet; });
+    std::erase_if(sets_, [&](const Bytes& set) { return kindOf(codec_, set) != NalKind::parameterSet; });
 }
 
 Bytes DecoderConfiguration::withSets(const std::vector<Bytes>& sets) const {
@@ -361,7 +361,7 @@ Bytes DecoderConfiguration::withSets(const std::vector<Bytes>& sets) const {
                 record.insert(record.end(), set.begin(), set.end());
             }
     };
-    if (coding_ == NalCoding::h264) {
+    if (codec_ == NalCodec::h264) {
         const auto isSequence = [](const Bytes& set) { return (set[0] & 31) == 7; };
         const auto first = std::ranges::find_if(sets, isSequence);
         if (first == sets.end()) failDamaged();
@@ -375,7 +375,7 @@ Bytes DecoderConfiguration::withSets(const std::vector<Bytes>& sets) const {
         return record;
     }
     const auto sequence =
-        std::ranges::find_if(sets, [](const Bytes& set) { return isSequenceSet(NalCoding::hevc, set); });
+        std::ranges::find_if(sets, [](const Bytes& set) { return isSequenceSet(NalCodec::hevc, set); });
     if (sequence == sets.end()) failDamaged();
     std::copy_n(payload(*sequence).begin() + 3, 12, record.begin() + 1);
     constexpr auto types = std::to_array<std::uint8_t>({32, 33, 34});

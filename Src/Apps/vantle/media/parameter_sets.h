@@ -20,7 +20,7 @@ struct SequenceSet {
 };
 
 /// Reads a sequence parameter set; none when the unit is another one. Throws Error when it is damaged.
-std::optional<SequenceSet> sequenceSet(NalCoding coding, ByteView unit);
+std::optional<SequenceSet> sequenceSet(NalCodec codec, ByteView unit);
 
 /// What an H.264 picture parameter set says.
 struct PictureSet {
@@ -33,22 +33,22 @@ std::optional<PictureSet> pictureSet(ByteView unit);
 
 /// A sequence parameter set that states by how many places pictures are coded before they are shown, so that
 /// no decoder needs to guess, and a level; other sets come back as they are.
-Bytes restated(NalCoding coding, ByteView unit, int reorder, int level);
+Bytes restated(NalCodec codec, ByteView unit, int reorder, int level);
 
 /// What a file keeps of a stream outside its packets: avcC and hvcC (ISO/IEC 14496-15).
 class DecoderConfiguration {
    public:
     /// Reads one. Throws Error when it is none, or the packets' lengths do not have four bytes.
-    DecoderConfiguration(NalCoding coding, ByteView record);
+    DecoderConfiguration(NalCodec codec, ByteView record);
 
-    NalCoding coding() const { return coding_; }
+    NalCodec codec() const { return codec_; }
     const std::vector<Bytes>& sets() const { return sets_; }
 
     /// The same with other sets; the first sequence set's profile and level are the file's.
     Bytes withSets(const std::vector<Bytes>& sets) const;
 
    private:
-    NalCoding coding_;
+    NalCodec codec_;
     Bytes head_;  // what comes before the sets
     std::vector<Bytes> sets_;
     Bytes tail_;  // and after them

@@ -40,8 +40,8 @@ const AVCodec& videoEncoder(const MovieKind& kind, const EncoderNames& encoders)
     return encoderFor(encoders.video, kind.videoEncoder, AVMEDIA_TYPE_VIDEO, "--encoder");
 }
 
-const AVCodec& soundEncoder(const MovieKind& kind, const EncoderNames& encoders) {
-    return encoderFor(encoders.sound, kind.soundEncoder, AVMEDIA_TYPE_AUDIO, "--sound-encoder");
+const AVCodec& audioEncoder(const MovieKind& kind, const EncoderNames& encoders) {
+    return encoderFor(encoders.audio, kind.audioEncoder, AVMEDIA_TYPE_AUDIO, "--audio-encoder");
 }
 
 bool isRgb(AVPixelFormat format) {
@@ -100,9 +100,9 @@ class MovieWriter final : public Writer {
                 std::vector<Filter>{{"split"},
                                     {"palettegen", {{"stats_mode", "single"}, {"reserve_transparent", "0"}}},
                                     {"paletteuse", {{"new", "1"}}, {1, 2}}});
-        if (options.sound && kind.soundEncoder != nullptr) {
-            sound_ = makeSoundEncoder(kind, options.encoders, *options.sound, 0, muxer_.wantsGlobalHeaders());
-            soundStream_ = &muxer_.add(sound_->context());
+        if (options.audio && kind.audioEncoder != nullptr) {
+            audio_ = makeAudioEncoder(kind, options.encoders, *options.audio, 0, muxer_.wantsGlobalHeaders());
+            audioStream_ = &muxer_.add(audio_->context());
         }
         muxer_.start(muxerOptions(kind));
     }
@@ -113,10 +113,10 @@ class MovieWriter final : public Writer {
         return {codec.pix_fmt, codec.colorspace, codec.color_range};
     }
 
-    std::optional<SoundFormat> soundFormat() const override {
-        if (!sound_) return {};
-        const AVCodecContext& codec = sound_->context();
-        return SoundFormat{codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels,
+    std::optional<AudioFormat> audioFormat() const override {
+        if (!audio_) return {};
+        const AVCodecContext& codec = audio_->context();
+        return AudioFormat{codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels,
                            codec.frame_size};
     }
 
@@ -134,15 +134,15 @@ class MovieWriter final : public Writer {
         encode(video_, videoStream_, picture.get());
     }
 
-    void writeSound(av::Frame samples) override {
+    void writeAudio(av::Frame samples) override {
         samples->pts = samples_;
         samples_ += samples->nb_samples;
-        encode(*sound_, *soundStream_, samples.get());
+        encode(*audio_, *audioStream_, samples.get());
     }
 
     void finish() override {
         encode(video_, videoStream_, nullptr);
-        if (sound_) encode(*sound_, *soundStream_, nullptr);
+        if (audio_) encode(*audio_, *audioStream_, nullptr);
         muxer_.finish();
         if (file_) file_->commit();
     }
@@ -190,8 +190,8 @@ class MovieWriter final : public Writer {
     Muxer muxer_;
     Encoder video_;
     AVStream& videoStream_;
-    std::unique_ptr<Encoder> sound_;
-    AVStream* soundStream_ = nullptr;
+    std::unique_ptr<Encoder> audio_;
+    AVStream* audioStream_ = nullptr;
     std::optional<Filters> palette_;
     std::int64_t pictures_ = 0;
     std::int64_t samples_ = 0;
@@ -218,14 +218,14 @@ const MovieKind* movieKind(std::string_view ending) {
 bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
     const AVCodec& video = videoEncoder(kind, encoders);
     checkHeld(kind, video, "--encoder");
-    if (kind.soundEncoder != nullptr) checkHeld(kind, soundEncoder(kind, encoders), "--sound-encoder");
+    if (kind.audioEncoder != nullptr) checkHeld(kind, audioEncoder(kind, encoders), "--audio-encoder");
     const AVPixFmtDescriptor& pixels = *av_pix_fmt_desc_get(pixelsFor(video));
     return pixels.log2_chroma_w > 0 || pixels.log2_chroma_h > 0;
 }
 
-std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNames& encoders,
+std::unique_ptr<Encoder> makeAudioEncoder(const MovieKind& kind, const EncoderNames& encoders,
                                           const AudioForm& wish, std::int64_t bitRate, bool globalHeaders) {
-    const AVCodec& encoder = soundEncoder(kind, encoders);
+    const AVCodec& encoder = audioEncoder(kind, encoders);
     return std::make_unique<Encoder>(encoder, av::Options{}, [&](AVCodecContext& codec) {
         constexpr std::int64_t bitsPerChannel = 96'000;
         codec.sample_rate = supportedRate(encoder, wish.sampleRate);

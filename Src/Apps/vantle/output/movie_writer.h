@@ -15,7 +15,7 @@ struct MovieKind {
     std::string_view ending;
     const char* muxer;
     const char* videoEncoder;
-    const char* soundEncoder;  ///< null: the format holds no sound
+    const char* audioEncoder;  ///< null: the format holds no audio
 };
 
 /// The kind of video with this ending (as ".mp4"), or null.
@@ -28,8 +28,8 @@ av::Options usualOptions(std::string_view encoder);
 /// of file does not hold what the encoders make, or FFmpeg does not have them.
 bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
 
-/// Opens the encoder for the sound of a video. It gets at least `bitRate` bits a second.
-std::unique_ptr<Encoder> makeSoundEncoder(const MovieKind& kind, const EncoderNames& encoders,
+/// Opens the encoder for the audio of a video. It gets at least `bitRate` bits a second.
+std::unique_ptr<Encoder> makeAudioEncoder(const MovieKind& kind, const EncoderNames& encoders,
                                           const AudioForm& wish, std::int64_t bitRate, bool globalHeaders);
 
 /// How the file of a kind is to be written.

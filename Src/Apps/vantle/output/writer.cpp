@@ -14,9 +14,9 @@ OutputKind outputKind(const std::string& name, const EncoderNames& encoders) {
     std::string ending = name == "-" ? ".mkv" : std::filesystem::path(name).extension().string();
     std::ranges::transform(ending, ending.begin(), [](unsigned char c) { return std::tolower(c); });
     if (const MovieKind* const movie = movieKind(ending))
-        return {movie, false, movie->soundEncoder != nullptr, halvesChroma(*movie, encoders)};
-    if (!encoders.video.empty() || !encoders.sound.empty())
-        throw UsageError("--encoder and --sound-encoder are for a video");
+        return {movie, false, movie->audioEncoder != nullptr, halvesChroma(*movie, encoders)};
+    if (!encoders.video.empty() || !encoders.audio.empty())
+        throw UsageError("--encoder and --audio-encoder are for a video");
     if (pictureCodec(name) != AV_CODEC_ID_NONE)
         return {nullptr, !numberedName(name, 0).empty(), false, false};
     throw UsageError("cannot tell what to write from the name " + name +

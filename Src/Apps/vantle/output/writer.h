@@ -7,16 +7,16 @@
 #include <optional>
 #include <string>
 
+#include "media/audio_format.h"
 #include "media/av.h"
 #include "media/canvas.h"
 #include "media/convert.h"
 #include "media/opened_files.h"
-#include "media/sound_format.h"
 #include "timeline/film.h"
 
 namespace vantle {
 
-/// Takes pictures (and sound) in order. Nothing stands under the output's name before `finish` has returned,
+/// Takes pictures (and audio) in order. Nothing stands under the output's name before `finish` has returned,
 /// and nothing of it stays when that is never called. Every failure to write throws Error.
 class Writer {
    public:
@@ -31,11 +31,11 @@ class Writer {
     /// Completes the output and gives it its name.
     virtual void finish() = 0;
 
-    /// The format that sound must have; none for a writer without sound.
-    virtual std::optional<SoundFormat> soundFormat() const { return {}; }
+    /// The format that audio must have; none for a writer without audio.
+    virtual std::optional<AudioFormat> audioFormat() const { return {}; }
 
-    /// The next samples of sound, in that format.
-    virtual void writeSound(av::Frame /*samples*/) {}
+    /// The next samples of audio, in that format.
+    virtual void writeAudio(av::Frame /*samples*/) {}
 };
 
 /// A video file format, with the encoders that suit it.
@@ -45,14 +45,14 @@ struct MovieKind;
 struct OutputKind {
     const MovieKind* movie = nullptr;
     bool numbered = false;
-    bool holdsSound = false;
+    bool holdsAudio = false;
     bool evenSize = false;  ///< the pixel format halves the chroma: width and height must be even
 };
 
 /// A video's encoders by FFmpeg's names; empty for those that suit the kind of file best.
 struct EncoderNames {
     std::string video{};
-    std::string sound{};
+    std::string audio{};
 };
 
 /// The kind of output with this name, `-` for standard output. Throws UsageError when its ending is none that
@@ -63,7 +63,7 @@ struct WriterOptions {
     std::string name;
     Canvas canvas{};
     const AVFrame* colours = nullptr;  ///< a picture whose description of its colours a video takes over
-    std::optional<AudioForm> sound{};
+    std::optional<AudioForm> audio{};
     bool overwrite = false;
     EncoderNames encoders{};
     av::Options encoderOptions{};  ///< for a video's encoder, as FFmpeg knows them

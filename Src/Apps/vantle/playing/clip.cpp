@@ -73,9 +73,9 @@ bool sameForm(const AVFrame& a, const AVFrame& b) {
 
 }  // namespace
 
-Clip::Clip(Input& input, const Canvas& canvas, std::int64_t first, bool sound)
+Clip::Clip(Input& input, const Canvas& canvas, std::int64_t first, bool audio)
     : input_(input), canvas_(canvas), number_(first) {
-    input_.start(number_, canvas_.rate, sound);
+    input_.start(number_, canvas_.rate, audio);
 }
 
 av::Frame Clip::next() {

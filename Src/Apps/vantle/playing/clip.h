@@ -13,9 +13,9 @@ namespace vantle {
 /// Gives the picture of an input for each number of a film's grid: the one that shows at that time.
 class Clip {
    public:
-    /// From the input's picture number `first` on. The input must outlive it; with `sound`, its sound can be
+    /// From the input's picture number `first` on. The input must outlive it; with `audio`, its audio can be
     /// read from there too.
-    Clip(Input& input, const Canvas& canvas, std::int64_t first, bool sound);
+    Clip(Input& input, const Canvas& canvas, std::int64_t first, bool audio);
 
     /// The next picture; after the input's end its last one, again and again.
     av::Frame next();

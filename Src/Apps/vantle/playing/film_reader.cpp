@@ -55,7 +55,7 @@ av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
     if (isNew) {
         players_.push_back(
             {number,
-             Clip(open_.inputOf(part), canvasOf(film_, part), frame - part.offset(), audio_ && part.sounds),
+             Clip(open_.inputOf(part), canvasOf(film_, part), frame - part.offset(), audio_ && part.audible),
              nullptr});
         player = std::prev(players_.end());
     }

@@ -85,7 +85,7 @@ Input::Opened::Opened(const std::string& name, int threads)
       stream(pictureStream(demuxer)),
       reader(std::in_place, demuxer, stream, threads),
       probing(threads == oneThread) {
-    if (const std::optional<int> sound = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*sound);
+    if (const std::optional<int> audio = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*audio);
 }
 
 Input::Input(const std::string& name) {
@@ -110,9 +110,9 @@ Input::Input(const std::string& name) {
     if (const AVPixFmtDescriptor* const pixels =
             av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first_->format)))
         source_.depth = pixels->comp[0].depth;
-    if (const std::optional<int> sound = opened_->demuxer.best(AVMEDIA_TYPE_AUDIO)) {
-        const AVCodecParameters& coded = *opened_->demuxer.stream(*sound).codecpar;
-        if (coded.sample_rate > 0) source_.audio = {*sound, coded.sample_rate, coded.ch_layout.nb_channels};
+    if (const std::optional<int> audio = opened_->demuxer.best(AVMEDIA_TYPE_AUDIO)) {
+        const AVCodecParameters& coded = *opened_->demuxer.stream(*audio).codecpar;
+        if (coded.sample_rate > 0) source_.audio = {*audio, coded.sample_rate, coded.ch_layout.nb_channels};
     } else if (opened_->demuxer.holds(AVMEDIA_TYPE_AUDIO)) {
         source_.leftOut = opened_->demuxer.whyNone(AVMEDIA_TYPE_AUDIO) + "; it is left out";
     }
@@ -271,9 +271,9 @@ void Input::restart() {
     opened_->end = 0;
 }
 
-void Input::start(std::int64_t number, AVRational rate, bool sound) {
+void Input::start(std::int64_t number, AVRational rate, bool audio) {
     if (!opened_) open(asManyAsCores);
-    if (source_.audio && !sound) opened_->demuxer.drop(source_.audio->stream);
+    if (source_.audio && !audio) opened_->demuxer.drop(source_.audio->stream);
     const bool reread = !std::exchange(opened_->atStart, false);
     const std::int64_t second = av_rescale_q(1, {1, 1}, source_.timeBase);
     const std::int64_t time = first_->pts + av_rescale_q(number, av_inv_q(rate), source_.timeBase);
@@ -282,9 +282,9 @@ void Input::start(std::int64_t number, AVRational rate, bool sound) {
         opened_->reader.reset();  // which lets go of its stream
         opened_->reader.emplace(opened_->demuxer, opened_->stream, asManyAsCores);
     }
-    if (source_.audio && sound) opened_->demuxer.use(source_.audio->stream);
-    // A decoder may show its first picture only some way behind a key packet; sound needs a run-up.
-    for (const int before : {sound ? 1 : 0, 5, 30}) {
+    if (source_.audio && audio) opened_->demuxer.use(source_.audio->stream);
+    // A decoder may show its first picture only some way behind a key packet; audio needs a run-up.
+    for (const int before : {audio ? 1 : 0, 5, 30}) {
         if (!seek(std::max(time, first_->pts) - before * second)) break;
         av::Frame picture = nextPicture();
         if (!picture || gridNumber(picture->pts, rate) > number) continue;

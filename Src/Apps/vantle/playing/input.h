@@ -47,8 +47,8 @@ class Input {
     std::int64_t gridNumber(std::int64_t time, AVRational rate) const;
 
     /// Makes `nextPicture` go on with the picture that shows at number `number` of the grid of `rate`, or
-    /// earlier ones before it. With `sound`, a reader of the sound that is made next starts early enough.
-    void start(std::int64_t number, AVRational rate, bool sound);
+    /// earlier ones before it. With `audio`, a reader of the audio that is made next starts early enough.
+    void start(std::int64_t number, AVRational rate, bool audio);
 
     /// The next picture as decoded, or null at the end. Only after `start`.
     av::Frame nextPicture();

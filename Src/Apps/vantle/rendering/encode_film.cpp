@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "Host/error.h"
+#include "playing/audio_mix.h"
 #include "playing/film_reader.h"
 #include "playing/painter.h"
-#include "playing/sound.h"
 #include "system/progress_bar.h"
 #include "timeline/time.h"
 
@@ -17,7 +17,7 @@ namespace vantle {
 
 namespace {
 
-/// Draws frames of a film into a writer, with their sound where it takes any.
+/// Draws frames of a film into a writer, with their audio where it takes any.
 class Rendering {
    public:
     /// Of the frames from `first` to before `end`.
@@ -27,10 +27,10 @@ class Rendering {
           progress_(progress),
           next_(first),
           end_(end),
-          reader_(open, next_, writer.soundFormat().has_value()),
+          reader_(open, next_, writer.audioFormat().has_value()),
           painter_(open.film().canvas.size, writer.pictureFormat()) {
-        if (const std::optional<SoundFormat> format = writer.soundFormat())
-            sound_.emplace(open, *format, sampleOf(next_, open.film().canvas.rate, format->sampleRate),
+        if (const std::optional<AudioFormat> format = writer.audioFormat())
+            audio_.emplace(open, *format, sampleOf(next_, open.film().canvas.rate, format->sampleRate),
                            false);
     }
 
@@ -38,16 +38,16 @@ class Rendering {
         for (; next_ < end_; ++next_) {
             writer_.write(painter_.paint(reader_.next()), next_);
             progress_.update(++written_);
-            if (sound_) sound_->advance(next_ + 1);
-            writeSound();
+            if (audio_) audio_->advance(next_ + 1);
+            writeAudio();
         }
-        if (sound_) sound_->finish();
-        writeSound();
+        if (audio_) audio_->finish();
+        writeAudio();
     }
 
    private:
-    void writeSound() {
-        while (av::Frame samples = sound_ ? sound_->pull() : nullptr) writer_.writeSound(std::move(samples));
+    void writeAudio() {
+        while (av::Frame samples = audio_ ? audio_->pull() : nullptr) writer_.writeAudio(std::move(samples));
     }
 
     Writer& writer_;
@@ -57,7 +57,7 @@ class Rendering {
     std::int64_t written_ = 0;
     FilmReader reader_;
     Painter painter_;
-    std::optional<Soundtrack> sound_;
+    std::optional<AudioMix> audio_;
 };
 
 /// The join that `--at` means.
@@ -89,7 +89,7 @@ std::int64_t encodeFilm(const RenderRequest& request, const OutputKind& kind, co
         makeWriter(kind, {.name = request.delivery.output,
                           .canvas = film.canvas,
                           .colours = &open.inputs.front()->first(),
-                          .sound = kind.holdsSound ? film.audio : std::nullopt,
+                          .audio = kind.holdsAudio ? film.audio : std::nullopt,
                           .overwrite = request.delivery.force,
                           .encoders = request.encoders,
                           .encoderOptions = request.encoderOptions});

@@ -42,7 +42,7 @@ void checkRequest(const RenderRequest& request, const OutputKind& kind) {
     if (request.delivery.output == "-" && isatty(STDOUT_FILENO) == 1)
         throw UsageError(
             "-o - writes a video to standard output, which is a terminal; pipe it into a player");
-    if (!request.film.music.file.empty() && !kind.holdsSound) throw UsageError("--music: OUT holds no sound");
+    if (!request.film.music.file.empty() && !kind.holdsAudio) throw UsageError("--music: OUT holds no audio");
 }
 
 /// The film as it is to be for what is written, its seed chosen where one is needed.
@@ -158,7 +158,7 @@ void render(const RenderRequest& request) {
     Lines notes = open.laid.notes;
     const std::optional<CopyPlan> copies =
         planCopies(open, copyMode(request, kind, open.film()),
-                   {request.encoders.video, request.encoderOptions}, request.encoders.sound.empty(), notes);
+                   {request.encoders.video, request.encoderOptions}, request.encoders.audio.empty(), notes);
     const Lines lost = losses(open.film(), copies);
     notes.insert(notes.begin(), lost.begin(), lost.end());
     if (request.plan)

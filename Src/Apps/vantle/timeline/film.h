@@ -27,7 +27,7 @@ struct Part {
     std::int64_t frames = 0;  ///< how many frames show it
     std::int64_t first = 0;   ///< the source's picture that the first of them shows
     Fit fit = Fit::contain;
-    bool sounds = false;  ///< it has audio that is heard
+    bool audible = false;  ///< it has audio that is heard
 
     std::int64_t end() const { return start + frames; }
     bool holds(std::int64_t frame) const { return frame >= start && frame < end(); }

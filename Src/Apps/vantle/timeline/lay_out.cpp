@@ -159,7 +159,7 @@ class Layout {
     std::optional<AudioForm> audioForm() const {
         std::optional<AudioForm> form;
         for (const Part& part : laid_.film.parts) {
-            if (!part.sounds) continue;
+            if (!part.audible) continue;
             const Source::Audio& audio = *laid_.film.sourceOf(part).audio;
             if (!form)
                 form = {audio.sampleRate, audio.channels};

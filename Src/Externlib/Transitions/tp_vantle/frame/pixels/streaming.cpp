@@ -11,7 +11,7 @@ namespace vantle {
 
 namespace {
 
-constexpr std::int32_t colourBits = 0x00FFFFFF;
+[[maybe_unused]] constexpr std::int32_t colourBits = 0x00FFFFFF;
 
 #if VANTLE_LEVELS
 

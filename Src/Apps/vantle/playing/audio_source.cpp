@@ -1,4 +1,4 @@
-#include "playing/sound_source.h"
+#include "playing/audio_source.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -19,17 +19,17 @@ bool sameForm(const AVFrame& a, const AVFrame& b) {
            av_channel_layout_compare(&a.ch_layout, &b.ch_layout) == 0;
 }
 
-int soundStream(const Demuxer& input) {
+int audioStream(const Demuxer& input) {
     if (const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO)) return *stream;
     throw Error(input.name() + ": " + input.whyNone(AVMEDIA_TYPE_AUDIO));
 }
 
 }  // namespace
 
-SoundSource::SoundSource(Demuxer& input, int stream, const SoundFormat& format)
+AudioSource::AudioSource(Demuxer& input, int stream, const AudioFormat& format)
     : format_(format), reader_(input, stream) {}
 
-av::Frame SoundSource::next() {
+av::Frame AudioSource::next() {
     for (;;) {
         if (av::Frame frame = converter_ ? converter_->pull() : nullptr) return frame;
         if (converter_ && converter_->ended()) converter_.reset();
@@ -39,7 +39,7 @@ av::Frame SoundSource::next() {
         if (frame && frame->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
             av_channel_layout_default(&frame->ch_layout, frame->ch_layout.nb_channels);
         if (converter_ && (!frame || !sameForm(*frame, *like_))) {
-            // The sound ends, or goes on in another form.
+            // The audio ends, or goes on in another form.
             converter_->close(AV_NOPTS_VALUE);
             held_ = std::move(frame);
         } else if (frame) {
@@ -53,17 +53,17 @@ av::Frame SoundSource::next() {
     }
 }
 
-SoundReader::SoundReader(Demuxer& input, int stream, const SoundFormat& format, std::int64_t first)
+AudioReader::AudioReader(Demuxer& input, int stream, const AudioFormat& format, std::int64_t first)
     : source_(input, stream, format), format_(format), next_(first) {}
 
-av::Frame SoundReader::read(int samples) {
-    av::Frame sound = silence(format_, samples);
+av::Frame AudioReader::read(int samples) {
+    av::Frame audio = silence(format_, samples);
     const std::int64_t start = next_;
     while (next_ < start + samples && (held_ || take())) {
         const std::int64_t end = std::min(place_ + held_->nb_samples, start + samples);
         next_ = std::max(next_, place_);
         if (next_ < end) {
-            av_samples_copy(sound->extended_data, held_->extended_data, static_cast<int>(next_ - start),
+            av_samples_copy(audio->extended_data, held_->extended_data, static_cast<int>(next_ - start),
                             static_cast<int>(next_ - place_), static_cast<int>(end - next_), format_.channels,
                             format_.sampleFormat);
             next_ = end;
@@ -71,13 +71,13 @@ av::Frame SoundReader::read(int samples) {
         if (place_ + held_->nb_samples <= next_) held_.reset();
     }
     next_ = start + samples;
-    return sound;
+    return audio;
 }
 
-bool SoundReader::take() {
+bool AudioReader::take() {
     held_ = source_.next();
     if (!held_) return false;
-    // Times are rounded and clocks drift: what lies nearer to the sound before it than this follows it.
+    // Times are rounded and clocks drift: what lies nearer to the audio before it than this follows it.
     const std::int64_t slack = format_.sampleRate / 10;
     const std::int64_t stated = held_->pts != AV_NOPTS_VALUE ? held_->pts : end_.value_or(0);
     place_ = end_ && std::abs(stated - *end_) <= slack ? *end_ : stated;
@@ -85,9 +85,9 @@ bool SoundReader::take() {
     return true;
 }
 
-MusicReader::MusicReader(const std::string& name, const SoundFormat& format)
+MusicReader::MusicReader(const std::string& name, const AudioFormat& format)
     : input_(name),
-      stream_(soundStream(input_)),
+      stream_(audioStream(input_)),
       format_(format),
       source_(std::in_place, input_, stream_, format),
       portions_(*silence(format, 1), {1, format.sampleRate}, {}) {}
@@ -102,7 +102,7 @@ av::Frame MusicReader::read(int samples) {
             portions_.push(std::move(frame));
             restarted = false;
         } else {
-            if (std::exchange(restarted, true)) throw Error(input_.name() + ": its sound cannot be read");
+            if (std::exchange(restarted, true)) throw Error(input_.name() + ": its audio cannot be read");
             source_.reset();
             input_.reopen();
             source_.emplace(input_, stream_, format_);

@@ -1,4 +1,4 @@
-#include "playing/sound.h"
+#include "playing/audio_mix.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,13 +11,13 @@ namespace vantle {
 
 namespace {
 
-/// Sound is mixed in single precision, plane by plane.
-SoundFormat mixed(SoundFormat format) {
+/// Audio is mixed in single precision, plane by plane.
+AudioFormat mixed(AudioFormat format) {
     format.sampleFormat = AV_SAMPLE_FMT_FLTP;
     return format;
 }
 
-float* channel(AVFrame& sound, int number) { return reinterpret_cast<float*>(sound.extended_data[number]); }
+float* channel(AVFrame& audio, int number) { return reinterpret_cast<float*>(audio.extended_data[number]); }
 
 /// 0 before `start`, 1 after `length` more samples, a straight line between.
 float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
@@ -27,10 +27,10 @@ float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
 
 }  // namespace
 
-std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::int64_t first, int sampleRate) {
+std::unique_ptr<Demuxer> AudioMix::Player::audioOf(const Input& input, std::int64_t first, int sampleRate) {
     const int stream = input.source().audio->stream;
     auto demuxer = std::make_unique<Demuxer>(input.name());
-    // Beside the pictures, though they are not wanted: of sound alone a long pause might look like a jump in
+    // Beside the pictures, though they are not wanted: of audio alone a long pause might look like a jump in
     // time.
     demuxer->use(stream);
     // A decoder needs a run-up.
@@ -40,8 +40,8 @@ std::unique_ptr<Demuxer> Soundtrack::Player::soundOf(const Input& input, std::in
     return demuxer;
 }
 
-Soundtrack::Soundtrack(const OpenFilm& open, const SoundFormat& format, std::int64_t first, bool alone,
-                       std::vector<std::int64_t> delays)
+AudioMix::AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t first, bool alone,
+                   std::vector<std::int64_t> delays)
     : open_(open),
       film_(open.film()),
       delays_(std::move(delays)),
@@ -59,17 +59,17 @@ Soundtrack::Soundtrack(const OpenFilm& open, const SoundFormat& format, std::int
         music_->read(static_cast<int>(std::min(left, portion)));
 }
 
-std::int64_t Soundtrack::sample(std::int64_t frame) const {
+std::int64_t AudioMix::sample(std::int64_t frame) const {
     return sampleOf(frame, film_.canvas.rate, format_.sampleRate);
 }
 
-void Soundtrack::advance(std::int64_t frame) {
+void AudioMix::advance(std::int64_t frame) {
     const std::int64_t end = sample(frame);
     if (end <= next_) return;
     const av::Frame mix = silence(format_, static_cast<int>(end - next_));
     for (std::size_t number = 0; number < film_.parts.size(); ++number) {
         const Part& part = film_.parts[number];
-        if (part.sounds && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
+        if (part.audible && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
     }
     players_.remove_if([&](const Player& player) { return sample(film_.parts[player.part].end()) <= end; });
     if (music_) addMusic(*mix);
@@ -81,21 +81,21 @@ void Soundtrack::advance(std::int64_t frame) {
     output_.push(av::share(*mix));
 }
 
-void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
+void AudioMix::addPart(AVFrame& mix, std::size_t number) {
     const Part& part = film_.parts[number];
     // What of the part lies in these samples.
     const std::int64_t begin = std::max(sample(part.start), next_);
     const std::int64_t end = std::min(sample(part.end()), next_ + mix.nb_samples);
     auto player = std::ranges::find(players_, number, &Player::part);
     if (player == players_.end()) {
-        // Counted from the input's own first picture, so that its sound lies with its pictures.
+        // Counted from the input's own first picture, so that its audio lies with its pictures.
         const std::int64_t first = film_.sourceOf(part).startSample(format_.sampleRate) + sample(part.first) -
                                    (delays_.empty() ? 0 : delays_[number]);
         players_.emplace_back(number, open_.inputOf(part), format_, first + begin - sample(part.start),
                               alone_);
         player = std::prev(players_.end());
     }
-    const av::Frame sound = player->reader.read(static_cast<int>(end - begin));
+    const av::Frame audio = player->reader.read(static_cast<int>(end - begin));
     // How loud it is rises over the join before it, and falls over the one after it.
     struct Slope {
         std::int64_t start;
@@ -107,43 +107,41 @@ void Soundtrack::addPart(AVFrame& mix, std::size_t number) {
     };
     std::optional<Slope> rise;
     std::optional<Slope> fall;
-    if (number > 0 && film_.parts[number - 1].sounds) rise = slopeOf(number - 1);
-    if (number < film_.joins.size() && film_.parts[number + 1].sounds) fall = slopeOf(number);
+    if (number > 0 && film_.parts[number - 1].audible) rise = slopeOf(number - 1);
+    if (number < film_.joins.size() && film_.parts[number + 1].audible) fall = slopeOf(number);
     for (std::int64_t at = begin; at < end; ++at) {
         const float gain = (rise ? ramp(at, rise->start, rise->length) : 1.0F) *
                            (fall ? 1.0F - ramp(at, fall->start, fall->length) : 1.0F);
         for (int i = 0; i < format_.channels; ++i)
-            channel(mix, i)[at - next_] += channel(*sound, i)[at - begin] * gain;
+            channel(mix, i)[at - next_] += channel(*audio, i)[at - begin] * gain;
     }
 }
 
-void Soundtrack::addMusic(AVFrame& mix) {
+void AudioMix::addMusic(AVFrame& mix) {
     constexpr float ducked = 0.25F;  // 12 decibels less
     const std::int64_t slope = format_.sampleRate / 2;
     const std::int64_t fade = 2 * std::int64_t{format_.sampleRate};
     const std::int64_t filmEnd = sample(film_.frames());
     const std::int64_t end = next_ + mix.nb_samples;
-    std::vector<std::pair<std::int64_t, std::int64_t>> louder;  // where inputs have sound, near here
+    std::vector<std::pair<std::int64_t, std::int64_t>> louder;  // where inputs have audio, near here
     for (const Part& part : film_.parts)
-        if (film_.music.duck && part.sounds && sample(part.start) - slope < end &&
+        if (film_.music.duck && part.audible && sample(part.start) - slope < end &&
             sample(part.end()) + slope > next_)
             louder.emplace_back(sample(part.start), sample(part.end()));
-    const av::Frame sound = music_->read(mix.nb_samples);
+    const av::Frame audio = music_->read(mix.nb_samples);
     for (int i = 0; i < mix.nb_samples; ++i) {
         const std::int64_t at = next_ + i;
         float gain = static_cast<float>(film_.music.volume) * (1.0F - ramp(at, filmEnd - fade, fade));
-        // Down by the time a part with sound begins, and up again only after its end.
+        // Down by the time a part with audio begins, and up again only after its end.
         float down = 0.0F;
         for (const auto& [start, stop] : louder)
             down = std::max(down, std::min(ramp(at, start - slope, slope), 1.0F - ramp(at, stop, slope)));
         gain *= 1.0F - (1.0F - ducked) * down;
         for (int number = 0; number < format_.channels; ++number)
-            channel(mix, number)[i] += channel(*sound, number)[i] * gain;
+            channel(mix, number)[i] += channel(*audio, number)[i] * gain;
     }
 }
 
-av::Frame Soundtrack::pull() {
-    return frameSamples_ > 0 ? output_.pullSamples(frameSamples_) : output_.pull();
-}
+av::Frame AudioMix::pull() { return frameSamples_ > 0 ? output_.pullSamples(frameSamples_) : output_.pull(); }
 
 }  // namespace vantle

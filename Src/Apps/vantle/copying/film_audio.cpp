@@ -1,25 +1,25 @@
-#include "copying/film_sound.h"
+#include "copying/film_audio.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "media/sound_format.h"
+#include "media/audio_format.h"
 
 namespace vantle {
 
 namespace {
 
-/// How far around what is kept an encoder hears, to settle: eight portions.
-constexpr std::int64_t around = 8 * std::int64_t{CodedSound::portion};
+/// How far around what is kept an encoder hears, to settle: eight AAC frames.
+constexpr std::int64_t around = 8 * std::int64_t{CodedAudio::frameSamples};
 
-SoundFormat formatOf(const AVCodecContext& codec) {
+AudioFormat formatOf(const AVCodecContext& codec) {
     return {codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels, codec.frame_size};
 }
 
 }  // namespace
 
-EncodedSound::EncodedSound(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
+EncodedAudio::EncodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
                            std::vector<std::int64_t> delays)
     : film_(open.film()),
       encoder_(std::move(encoder)),
@@ -31,7 +31,7 @@ EncodedSound::EncodedSound(const OpenFilm& open, std::unique_ptr<Encoder> encode
                          static_cast<std::int64_t>(film_.canvas.rate.den) * encoder_->context().sample_rate,
                          AV_ROUND_DOWN)) {}
 
-av::Packet EncodedSound::next() {
+av::Packet EncodedAudio::next() {
     for (;;) {
         if (av::Packet packet = encoder_->receive()) {
             if (packet->pts >= kept_.first && packet->pts < kept_.end) return packet;
@@ -55,58 +55,58 @@ av::Packet EncodedSound::next() {
     }
 }
 
-CopiedSound::CopiedSound(const std::string& name, const CodedSound& coded, std::int64_t first,
+CopiedAudio::CopiedAudio(const std::string& name, const CodedAudio& coded, std::int64_t first,
                          std::int64_t count)
     : coded_(coded), input_(name), next_(first), end_(first + count) {
     input_.useAlone(coded.stream);
-    const std::int64_t sample = coded.first + first * CodedSound::portion;
+    const std::int64_t sample = coded.first + first * CodedAudio::frameSamples;
     if (!input_.seek(coded.stream, av_rescale_q(sample, {1, coded.form->sample_rate},
                                                 input_.stream(coded.stream).time_base)))
         input_.reopen();
 }
 
-std::int64_t CopiedSound::numberOf(const AVPacket& packet) const {
+std::int64_t CopiedAudio::numberOf(const AVPacket& packet) const {
     const double time = static_cast<double>(packet.pts) * av_q2d(input_.stream(coded_.stream).time_base) *
                         coded_.form->sample_rate;
-    return std::llround((time - static_cast<double>(coded_.first)) / CodedSound::portion);
+    return std::llround((time - static_cast<double>(coded_.first)) / CodedAudio::frameSamples);
 }
 
-av::Packet CopiedSound::next() {
+av::Packet CopiedAudio::next() {
     if (next_ == end_) return nullptr;
     av::Packet packet;
     do packet = input_.read(coded_.stream);
     while (packet && numberOf(*packet) < next_);
     if (!packet || numberOf(*packet) != next_)
-        throw NotCopied(input_.name() + ": its sound is not found again");
+        throw NotCopied(input_.name() + ": its audio is not found again");
     ++next_;
     av_packet_free_side_data(packet.get());
     return packet;
 }
 
-av::Packet FilmSound::nextOfStretch() {
-    const SoundStretch& stretch = plan_.soundStretches[stretch_];
-    constexpr std::int64_t portion = CodedSound::portion;
+av::Packet FilmAudio::nextOfStretch() {
+    const AudioStretch& stretch = plan_.audioStretches[stretch_];
+    constexpr std::int64_t frameSamples = CodedAudio::frameSamples;
     if (!stretch.part) {
         if (!encoding_)
             encoding_.emplace(open_, makeEncoder_(),
-                              SampleRange{stretch.first * portion, stretch.end() * portion},
-                              plan_.soundDelays);
+                              SampleRange{stretch.first * frameSamples, stretch.end() * frameSamples},
+                              plan_.audioDelays);
         return encoding_->next();
     }
     if (!copying_)
         copying_.emplace(plan_.film.sourceOf(plan_.film.parts[*stretch.part]).name,
-                         *plan_.sounds[*stretch.part], stretch.source, stretch.portions);
+                         *plan_.audio[*stretch.part], stretch.source, stretch.aacFrames);
     return copying_->next();
 }
 
-av::Packet FilmSound::next() {
-    for (; stretch_ < plan_.soundStretches.size(); ++stretch_) {
+av::Packet FilmAudio::next() {
+    for (; stretch_ < plan_.audioStretches.size(); ++stretch_) {
         if (av::Packet packet = nextOfStretch()) {
-            constexpr std::int64_t portion = CodedSound::portion;
+            constexpr std::int64_t frameSamples = CodedAudio::frameSamples;
             const std::int64_t end =
-                sampleOf(plan_.film.frames(), plan_.film.canvas.rate, plan_.modelSound().sample_rate);
-            packet->pts = packet->dts = portion_++ * portion;
-            packet->duration = std::min(portion, end - packet->pts);
+                sampleOf(plan_.film.frames(), plan_.film.canvas.rate, plan_.modelAudio().sample_rate);
+            packet->pts = packet->dts = aacFrame_++ * frameSamples;
+            packet->duration = std::min(frameSamples, end - packet->pts);
             return packet;
         }
         encoding_.reset();

@@ -1,41 +1,41 @@
-/// The sound of one file.
+/// The audio of one file.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include "media/audio_format.h"
 #include "media/decoder.h"
 #include "media/demuxer.h"
 #include "media/filters.h"
-#include "media/sound_format.h"
 
 namespace vantle {
 
-/// Decoded sound brought to one form, whatever forms it comes in.
-class SoundSource {
+/// Decoded audio brought to one form, whatever forms it comes in.
+class AudioSource {
    public:
-    /// The sound of a stream of `input`, which must outlive it.
-    SoundSource(Demuxer& input, int stream, const SoundFormat& format);
+    /// The audio of a stream of `input`, which must outlive it.
+    AudioSource(Demuxer& input, int stream, const AudioFormat& format);
 
     /// The next of it, in samples of the form, or null at the end.
     av::Frame next();
 
    private:
-    SoundFormat format_;
+    AudioFormat format_;
     StreamReader reader_;
     std::optional<Filters> converter_;  // from the decoded form to `format_`
-    av::Frame like_;                    // sound of the form that the converter is made for
+    av::Frame like_;                    // audio of the form that the converter is made for
     av::Frame held_;                    // the first of another form, while the converter is emptied
     bool ended_ = false;
 };
 
-/// The sound of a film's input, without end: gaps and what follows are silent.
-class SoundReader {
+/// The audio of a film's input, without end: gaps and what follows are silent.
+class AudioReader {
    public:
     /// From the input's sample number `first` on, counted from its time 0. The input's pictures must have
-    /// been started with sound at about that time.
-    SoundReader(Demuxer& input, int stream, const SoundFormat& format, std::int64_t first);
+    /// been started with audio at about that time.
+    AudioReader(Demuxer& input, int stream, const AudioFormat& format, std::int64_t first);
 
     /// The next `samples` samples.
     av::Frame read(int samples);
@@ -43,19 +43,19 @@ class SoundReader {
    private:
     bool take();
 
-    SoundSource source_;
-    SoundFormat format_;
+    AudioSource source_;
+    AudioFormat format_;
     std::int64_t next_;                // the sample that is given next
-    av::Frame held_;                   // sound that is yet to be given, at least in part
+    av::Frame held_;                   // audio that is yet to be given, at least in part
     std::int64_t place_ = 0;           // of its first sample
-    std::optional<std::int64_t> end_;  // of the sound read so far
+    std::optional<std::int64_t> end_;  // of the audio read so far
 };
 
 /// Music from its start, again and again.
 class MusicReader {
    public:
-    /// Throws Error when the file cannot be read or has no sound.
-    MusicReader(const std::string& name, const SoundFormat& format);
+    /// Throws Error when the file cannot be read or has no audio.
+    MusicReader(const std::string& name, const AudioFormat& format);
 
     /// The next `samples` samples.
     av::Frame read(int samples);
@@ -63,10 +63,10 @@ class MusicReader {
    private:
     Demuxer input_;
     int stream_;
-    SoundFormat format_;
-    std::optional<SoundSource> source_;
+    AudioFormat format_;
+    std::optional<AudioSource> source_;
     Filters portions_;
-    std::int64_t end_ = 0;  // of the sound read so far, in samples
+    std::int64_t end_ = 0;  // of the audio read so far, in samples
 };
 
 }  // namespace vantle

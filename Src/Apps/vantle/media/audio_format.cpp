@@ -1,4 +1,4 @@
-#include "media/sound_format.h"
+#include "media/audio_format.h"
 
 extern "C" {
 #include <libavutil/channel_layout.h>
@@ -9,7 +9,7 @@ extern "C" {
 
 namespace vantle {
 
-Filter toForm(const SoundFormat& format) {
+Filter toForm(const AudioFormat& format) {
     AVChannelLayout layout{};
     av_channel_layout_default(&layout, format.channels);
     std::array<char, 64> name{};
@@ -20,15 +20,15 @@ Filter toForm(const SoundFormat& format) {
              {"channel_layouts", name.data()}}};
 }
 
-av::Frame silence(const SoundFormat& format, int samples) {
+av::Frame silence(const AudioFormat& format, int samples) {
     av::Frame frame = av::makeFrame();
     frame->sample_rate = format.sampleRate;
     frame->format = format.sampleFormat;
     frame->nb_samples = samples;
     av_channel_layout_default(&frame->ch_layout, format.channels);
-    av::check(av_frame_get_buffer(frame.get(), 0), "sound");
+    av::check(av_frame_get_buffer(frame.get(), 0), "audio");
     av::check(av_samples_set_silence(frame->extended_data, 0, samples, format.channels, format.sampleFormat),
-              "sound");
+              "audio");
     return frame;
 }
 

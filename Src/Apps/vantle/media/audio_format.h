@@ -1,4 +1,4 @@
-/// The form of sound.
+/// The form of audio.
 #pragma once
 
 #include <cstdint>
@@ -9,17 +9,17 @@
 
 namespace vantle {
 
-struct SoundFormat {
+struct AudioFormat {
     int sampleRate = 0;
     AVSampleFormat sampleFormat = AV_SAMPLE_FMT_NONE;
     int channels = 2;
     int frameSamples = 0;  ///< samples that an encoder takes at a time, but the last; 0: any number
 };
 
-/// The filter that brings sound to a form.
-Filter toForm(const SoundFormat& format);
+/// The filter that brings audio to a form.
+Filter toForm(const AudioFormat& format);
 
-/// New sound of a form, silent.
-av::Frame silence(const SoundFormat& format, int samples);
+/// New audio of a form, silent.
+av::Frame silence(const AudioFormat& format, int samples);
 
 }  // namespace vantle
