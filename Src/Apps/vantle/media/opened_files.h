@@ -3,11 +3,12 @@
 
 #include <sys/types.h>
 
-#include <compare>
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <string>
 #include <string_view>
+#include <tuple>
 
 #include "media/av.h"
 
@@ -21,7 +22,9 @@ struct FileIdentity {
     /// That of the file at `path`, or none. A link is followed.
     static std::optional<FileIdentity> of(const std::filesystem::path& path);
 
-    auto operator<=>(const FileIdentity&) const = default;
+    bool operator<(const FileIdentity& other) const {
+        return std::tie(device, inode) < std::tie(other.device, other.inode);
+    }
 };
 
 using FileSet = std::set<FileIdentity>;
@@ -47,7 +50,7 @@ class OpenedFiles {
                     AVDictionary** options);
     bool note(std::string_view url);
     void noteList(const std::filesystem::path& list);
-    void noteFilters(const std::string& graph);
+    void noteFilters(const std::string& description);
 
     decltype(AVFormatContext::io_open) open_ = nullptr;
     FileSet found_;

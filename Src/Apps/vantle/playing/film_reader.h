@@ -36,7 +36,7 @@ class FilmReader {
         Clip clip;
         av::Frame last;
     };
-    av::Frame pictureOf(std::size_t part, std::int64_t frame);
+    av::Frame pictureOf(std::size_t number, std::int64_t frame);
 
     const OpenFilm& open_;
     const Film& film_;
@@ -45,7 +45,7 @@ class FilmReader {
     std::list<Player> players_;  // of the parts in this frame and the one before
 };
 
-/// What a join shows at each of `positions` (0 to 1, ascending).
-std::vector<Moment> momentsOf(const OpenFilm& open, std::size_t join, const std::vector<double>& positions);
+/// What join `number` shows at each of `positions` (0 to 1, ascending).
+std::vector<Moment> momentsOf(const OpenFilm& open, std::size_t number, const std::vector<double>& positions);
 
 }  // namespace vantle

@@ -30,11 +30,11 @@ struct OpenFilm {
     void reportDamage() const;
 };
 
-/// Loads the plug-in at `plugin`, or the installed one when that is empty, opens and measures all inputs, as
+/// Loads the plug-in at `library`, or the installed one when that is empty, opens and measures all inputs, as
 /// many at a time as there are cores, and lays the film out. Only the first two inputs stay open. Throws
 /// Error for what cannot be loaded or read, and for transitions that nothing is called by; what else is wrong
 /// is among the complaints.
-OpenFilm openFilm(const FilmRequest& request, const std::string& plugin, bool quiet);
+OpenFilm openFilm(const FilmRequest& request, const std::string& library, bool quiet);
 
 /// Throws the first complaint, if there is one, with the number of the others, or with `all` after these have
 /// been told on standard error, in a line each.

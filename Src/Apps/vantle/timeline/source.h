@@ -31,8 +31,8 @@ struct Source {
     int depth = 8;          ///< bits of a colour
     std::string leftOut{};  ///< what of it is left out, and why; empty when nothing is
 
-    /// How many pictures it has in the grid of a rate, at least 1; not for endless ones.
-    std::int64_t frames(AVRational rate) const;
+    /// How many pictures it has in a grid of so many a second, at least 1; not for endless ones.
+    std::int64_t frames(AVRational grid) const;
 
     /// The sample of its audio at which its first picture shows, counted from its time 0.
     std::int64_t startSample(int sampleRate) const;
