@@ -70,9 +70,13 @@ TEST_F(Outputs, AreRefusedAtTheStartWhenTheyWouldBeAtTheEnd) {
 
 TEST_F(Outputs, ClearAwayWhatWasKilledAndNothingElse) {
     const std::string endless = "render -q lavfi:testsrc2=s=640x360 lavfi:testsrc2 -t 0 ";
+    const auto once = [](const std::string& name) {
+        return "until ls -A | grep -q '^" + name + "[.]vantle-'; do sleep 0.1; done; ";
+    };
     for (const std::string signal : {"KILL", "XCPU"})
-        EXPECT_TRUE(vantleWhile(endless + "--hold 600 -o o.mp4", "kill -s " + signal + " $$").killed);
-    EXPECT_TRUE(vantleWhile(endless + "--hold 99 -o o_%d.png", "kill -s KILL $$").killed);
+        EXPECT_TRUE(vantleWhile(endless + "--hold 600 -o o.mp4", once(".o.mp4") + "kill -s " + signal + " $$")
+                        .killed);
+    EXPECT_TRUE(vantleWhile(endless + "--hold 99 -o o_%d.png", once(".o_3.png") + "kill -s KILL $$").killed);
     const auto left = [&] { return shell(in("ls -A | grep -c '^[.]o.*[.]vantle-'")).text(); };
     EXPECT_GT(std::stoi(left()), 2);
     // Others use such names too, and one is still being written.
@@ -80,9 +84,10 @@ TEST_F(Outputs, ClearAwayWhatWasKilledAndNothingElse) {
         in("touch .o.mp4.aB3dE9 .o.mp4.vantle-short .o.mkv.vantle-aB3dE9; ln -s o.mp4 .o.mp4.vantle-aB3dE9"));
     const std::set<std::string> others{".o.mkv.vantle-aB3dE9", ".o.mp4.aB3dE9", ".o.mp4.vantle-aB3dE9",
                                        ".o.mp4.vantle-short"};
-    const Outcome beside = vantleWhile(endless + "--hold 99 -o o_%d.png",
-                                       VANTLE " " + film_ + "-f -o o.mp4; " VANTLE " " + film_ +
-                                           "-f -o o_%d.png; ls -A | grep -c '^[.]o_0[.]'; kill $$");
+    const Outcome beside =
+        vantleWhile(endless + "--hold 99 -o o_%d.png",
+                    "sleep 2; " + once(".o_1.png") + VANTLE " " + film_ + "-f -o o.mp4; " VANTLE " " + film_ +
+                        "-f -o o_%d.png; ls -A | grep -c '^[.]o_0[.]'; kill $$");
     EXPECT_TRUE(beside.text().starts_with("1\n")) << beside.text();
     std::set<std::string> now = files();
     std::erase_if(now, [](const std::string& name) { return !name.starts_with('.'); });
