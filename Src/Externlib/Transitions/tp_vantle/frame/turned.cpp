@@ -50,20 +50,31 @@ struct Extent {
     }
 };
 
-/// The part of the upright picture that a block shows.
-struct Part {
-    std::int32_t left = 0;  // column of the output that the block begins with
-    Span columns{0, 0}, rows{0, 0};
-    std::int32_t sourceColumns[patchSide], sourceRows[patchSide];  // the frame's, of each column and row
-
-    std::int32_t columnCount() const { return columns.end - columns.first; }
-    std::int32_t rowCount() const { return rows.end - rows.first; }
-};
-
 /// A row of the output.
 struct Line {
     std::int32_t y;
     Span columns;  // that show the picture
+};
+
+/// Rows of blocks' height.
+struct Band {
+    Line lines[patchSide];
+    std::int32_t count = 0;
+
+    const Line* begin() const { return lines; }
+    const Line* end() const { return lines + count; }
+};
+
+/// The part of the upright picture that a block shows.
+struct Part {
+    const Band* band = nullptr;  // that the block lies in
+    std::int32_t left = 0;       // column of the output that it begins with
+    Span columns{0, 0}, rows{0, 0};
+    std::int32_t sourceColumns[patchSide], sourceRows[patchSide];  // the frame's, of each column and row
+
+    Span needed[patchSide];  // of each row, from the first column
+
+    std::int32_t rowCount() const { return rows.end - rows.first; }
 };
 
 /// Draws in square blocks, of which each is put together upright while what the next one shows is
@@ -79,39 +90,43 @@ class TurnedPicture {
           // The largest that never shows more than a patch, in whole halves of cache lines.
           size_(static_cast<std::int32_t>((patchSide - 2.0 * truncation - 2.0) / turn.growth()) / 8 * 8) {}
 
-    /// Draws the block's height of rows from `top` on.
-    void drawBand(std::int32_t top) const {
-        Line lines[patchSide];
-        std::int32_t count = 0;
+    /// Draws all of the frame. A block is drawn when it is known which one is to be prefetched.
+    void draw() const {
+        Band bands[2];
+        Part parts[2];
+        Band* band = &bands[0];
+        Part *part = &parts[0], *next = &parts[1];
+        const auto drawPart = [&] {
+            if (part->band != nullptr) drawBlock(*part, *next);
+            std::swap(part, next);
+        };
+        for (std::int32_t top = 0; top < stage_.height(); top += size_) {
+            const Span shown = drawGround(*band, top);
+            // Blocks begin where cache lines of the output do.
+            for (std::int32_t left = shown.first / 16 * 16; left < shown.end; left += size_) {
+                findPart(*next, *band, left, top);
+                drawPart();
+            }
+            if (!shown.empty()) band = band == &bands[0] ? &bands[1] : &bands[0];
+        }
+        next->rows = {0, 0};
+        drawPart();
+    }
+
+   private:
+    /// Begins a band: draws what lies beside the picture, and tells the columns that show some of it.
+    Span drawGround(Band& band, std::int32_t top) const {
         Span shown{stage_.width(), 0};
+        band.count = 0;
         for (Row row : stage_.rowsOf({top, top + size_}, Writes::colours)) {
             const Span columns = columnsInside(turn_.row(row.y()));
             row.shade(source_, black, columns.first).skip(columns.end).shade(source_, black, stage_.width());
-            lines[count++] = {row.y(), columns};
+            band.lines[band.count++] = {row.y(), columns};
             if (!columns.empty())
                 shown = {std::min(shown.first, columns.first), std::max(shown.end, columns.end)};
         }
-        Part parts[2];
-        Part *part = &parts[0], *next = &parts[1];
-        // Blocks begin where cache lines of the output do.
-        const std::int32_t first = shown.first / 16 * 16;
-        for (std::int32_t left = first; left < shown.end; left += size_) {
-            findPart(*next, left, top);
-            if (left > first) drawBlock({lines, lines + count}, *part, *next);
-            std::swap(part, next);
-        }
-        next->rows = {0, 0};
-        if (!shown.empty()) drawBlock({lines, lines + count}, *part, *next);
+        return shown;
     }
-
-    std::int32_t bandSize() const { return size_; }
-
-   private:
-    struct Lines {
-        const Line *first, *last;
-        const Line* begin() const { return first; }
-        const Line* end() const { return last; }
-    };
 
     /// The columns of a row that show the picture.
     Span columnsInside(const TurnedRow& turned) const {
@@ -124,7 +139,7 @@ class TurnedPicture {
         return {std::max(across.first, down.first), std::min(across.end, down.end)};
     }
 
-    void findPart(Part& part, std::int32_t left, std::int32_t top) const {
+    void findPart(Part& part, const Band& band, std::int32_t left, std::int32_t top) const {
         const double cosine = turn_.cosine, sine = turn_.sine;
         const double x = left - turn_.centreColumn, y = top - turn_.centreRow;
         const double reach = size_ * turn_.growth() + 2.0 * truncation;
@@ -134,24 +149,50 @@ class TurnedPicture {
             return corner + std::min(perColumn * size_, 0.0) + std::min(perRow * size_, 0.0) - truncation +
                    centre - 0.5;
         };
+        part.band = &band;
         part.left = left;
         part.columns = across_.within(lowest(cosine * x + sine * y, cosine, sine, turn_.centreColumn), reach);
         part.rows = down_.within(lowest(cosine * y - sine * x, -sine, cosine, turn_.centreRow), reach);
         across_.findSources(part.sourceColumns, part.columns);
         down_.findSources(part.sourceRows, part.rows);
+        const double half = 0.5 * size_;
+        findNeeded(part, cosine * (x + half) + sine * (y + half) + turn_.centreColumn,
+                   cosine * (y + half) - sine * (x + half) + turn_.centreRow);
     }
 
-    void drawBlock(const Lines& lines, const Part& part, const Part& next) const {
+    /// Of each row of a part, what lies between all four sides of the turned block about (column, row).
+    void findNeeded(Part& part, double column, double row) const {
+        const auto awayFromZero = [](double slope) {
+            return std::copysign(std::max(std::abs(slope), 1e-6), slope);
+        };
+        const double cosine = awayFromZero(turn_.cosine), sine = awayFromZero(turn_.sine);
+        const double reach = 0.5 * size_ + 2.0 * truncation;
+        const double first = part.columns.first;
+        const auto inPart = [&](double at) {
+            return static_cast<std::int32_t>(std::clamp(at - first, 0.0, part.columns.end - first));
+        };
+        for (std::int32_t i = 0; i < part.rowCount(); ++i) {
+            const double down = part.rows.first + i - row;
+            const double upright = sine / cosine * down, across = -cosine / sine * down;
+            const double acrossReach = reach / std::abs(sine), uprightReach = reach / std::abs(cosine);
+            part.needed[i] = {inPart(column + std::max(upright - uprightReach, across - acrossReach)),
+                              inPart(column + std::min(upright + uprightReach, across + acrossReach) + 1.0)};
+        }
+    }
+
+    void drawBlock(const Part& part, const Part& next) const {
         Pixel patch[patchSide * patchSide];
-        for (std::int32_t row = 0; row < part.rowCount() && part.columnCount() > 0; ++row)
-            gather(patch + placeOf(0, row), stage_.row(part.sourceRows[row]).pixels(source_),
-                   part.sourceColumns, part.columnCount());
+        for (std::int32_t row = 0; row < part.rowCount(); ++row) {
+            const Span& needed = part.needed[row];
+            if (!needed.empty())
+                gather(patch + placeOf(needed.first, row), stage_.row(part.sourceRows[row]).pixels(source_),
+                       part.sourceColumns + needed.first, needed.end - needed.first);
+        }
         Steps steps;
         findSteps(steps, turn_, part.left - turn_.centreColumn, size_);
-        const std::int32_t rowsPerLine =
-            next.rowCount() / std::max(static_cast<std::int32_t>(lines.last - lines.first), 1) + 1;
+        const std::int32_t rowsPerLine = next.rowCount() / part.band->count + 1;
         std::int32_t prefetched = 0;
-        for (const Line& line : lines) {
+        for (const Line& line : *part.band) {
             for (std::int32_t end = std::min(prefetched + rowsPerLine, next.rowCount()); prefetched < end;
                  ++prefetched)
                 prefetchRow(next, prefetched);
@@ -174,10 +215,11 @@ class TurnedPicture {
     }
 
     void prefetchRow(const Part& part, std::int32_t row) const {
+        const Span& needed = part.needed[row];
+        if (needed.empty()) return;
         const std::uint8_t* const pixels = stage_.row(part.sourceRows[row]).pixels(source_);
-        if (part.columnCount() == 0) return;
-        const std::ptrdiff_t last = part.sourceColumns[part.columnCount() - 1];
-        for (std::ptrdiff_t column = part.sourceColumns[0]; column <= last; column += linePixels)
+        const std::ptrdiff_t last = part.sourceColumns[needed.end - 1];
+        for (std::ptrdiff_t column = part.sourceColumns[needed.first]; column <= last; column += linePixels)
             prefetch(pixels + 4 * column);
     }
 
@@ -192,8 +234,7 @@ class TurnedPicture {
 
 void drawTurned(const Stage& stage, Source source, double angle, float scale) {
     const Turn turn{std::cos(angle), std::sin(angle), stage.width() >> 1, stage.height() >> 1};
-    const TurnedPicture picture(stage, source, turn, scale);
-    for (std::int32_t top = 0; top < stage.height(); top += picture.bandSize()) picture.drawBand(top);
+    TurnedPicture(stage, source, turn, scale).draw();
 }
 
 }  // namespace vantle
