@@ -31,16 +31,16 @@ TEST(ParameterSets, StateHowManyPicturesWaitAndKeepRoomForThoseReferredTo) {
     const std::string added = std::string(plain) + "1 00000000 1 1 011 010 000010000 000010000";
     EXPECT_EQ(restated(NalCodec::h264, bare, 0, 40), unit({0x67, 66, 0, 40}, added + "1 00101"));
     EXPECT_EQ(restated(NalCodec::h264, bare, 6, 40), unit({0x67, 66, 0, 40}, added + "00111 00111"));
-    const std::optional<SequenceSet> read = sequenceSet(NalCodec::h264, bare);
+    const std::optional<SequenceParameterSet> read = sequenceParameterSet(NalCodec::h264, bare);
     ASSERT_TRUE(read);
     EXPECT_EQ(std::tuple(read->id, read->level, read->references, read->progressive),
               std::tuple(3, 30, 4, true));
-    EXPECT_THROW(sequenceSet(NalCodec::h264, ByteView(bare).first(6)), Error);
+    EXPECT_THROW(sequenceParameterSet(NalCodec::h264, ByteView(bare).first(6)), Error);
     // One that says: two wait, among three.
     const std::string high =
         "1 010 1 1 0 0 1 1 011 011 0 0001010 00110 1 1 0 1 00000000 1 1 1 1 0001011 0001011";
     const Bytes stated = unit({0x67, 100, 0, 30}, high + "011 00100");
-    EXPECT_EQ(sequenceSet(NalCodec::h264, stated)->reorder, 2);
+    EXPECT_EQ(sequenceParameterSet(NalCodec::h264, stated)->reorder, 2);
     EXPECT_EQ(restated(NalCodec::h264, stated, 1, 30), unit({0x67, 100, 0, 30}, high + "010 00100"));
     EXPECT_EQ(restated(NalCodec::h264, stated, 4, 30), unit({0x67, 100, 0, 30}, high + "00101 00101"));
 }
@@ -53,7 +53,7 @@ TEST(ParameterSets, OfHevcKeepWhatLooksLikeAStartCodeApart) {
     const std::string rest = "1 010 011 1 1 0 0 1 0";
     // One waits for none; two that wait need room beside the one that shows.
     const Bytes stated = unit(head(93), size + "010 1 1" + rest);
-    EXPECT_EQ(sequenceSet(NalCodec::hevc, stated)->references, 1);
+    EXPECT_EQ(sequenceParameterSet(NalCodec::hevc, stated)->references, 1);
     EXPECT_EQ(restated(NalCodec::hevc, stated, 2, 120), unit(head(120), size + "011 011 1" + rest));
     const Bytes other{0x40, 1, 0, 0, 3, 1};
     EXPECT_EQ(restated(NalCodec::hevc, other, 2, 120), other);

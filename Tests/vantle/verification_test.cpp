@@ -78,12 +78,13 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_NE(filtered("-bsf:v \"filter_units=remove_types=7|8\""), "");
     // Encoded pictures have parameter sets of their own.
     const Demuxer made((folder_ / "good.mp4").string());
-    const AVCodecParameters& form = *made.stream(*made.best(AVMEDIA_TYPE_VIDEO)).codecpar;
-    const DecoderConfiguration configuration(NalCodec::h264,
-                                             {form.extradata, static_cast<std::size_t>(form.extradata_size)});
+    const AVCodecParameters& parameters = *made.stream(*made.best(AVMEDIA_TYPE_VIDEO)).codecpar;
+    const DecoderConfiguration configuration(
+        NalCodec::h264, {parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)});
     std::vector<int> identifiers;
     for (const Bytes& set : configuration.sets())
-        identifiers.push_back(pictureSet(set) ? pictureSet(set)->id : sequenceSet(NalCodec::h264, set)->id);
+        identifiers.push_back(pictureParameterSet(set) ? pictureParameterSet(set)->id
+                                                       : sequenceParameterSet(NalCodec::h264, set)->id);
     EXPECT_EQ(identifiers, (std::vector<int>{0, 1, 0, 1}));
     // A picture that is decoded when the one before it is: how long these two take is changed in the file.
     filtered("-bsf:v \"setts=dts=DTS-if(eq(N\\,50)\\,1\\,0)\"");

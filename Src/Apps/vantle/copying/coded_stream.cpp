@@ -17,7 +17,7 @@ namespace vantle {
 
 namespace {
 
-/// What makes a file of packets as they are wanted of any that holds the same.
+/// Suggested to the user: remux.
 constexpr std::string_view rewrap = "ffmpeg -i IN -c copy OUT.mp4 may mend that";
 
 [[noreturn]] void refuse(const Input& input, const std::string& why) {
@@ -26,35 +26,35 @@ constexpr std::string_view rewrap = "ffmpeg -i IN -c copy OUT.mp4 may mend that"
 
 ByteView contents(const AVPacket& packet) { return {packet.data, static_cast<std::size_t>(packet.size)}; }
 
-NalCodec codecOf(const Input& input, const AVCodecParameters& form) {
-    if (form.codec_id == AV_CODEC_ID_H264) return NalCodec::h264;
-    if (form.codec_id == AV_CODEC_ID_HEVC) return NalCodec::hevc;
-    refuse(input, std::string("is coded as ") + avcodec_get_name(form.codec_id) +
+NalCodec codecOf(const Input& input, const AVCodecParameters& parameters) {
+    if (parameters.codec_id == AV_CODEC_ID_H264) return NalCodec::h264;
+    if (parameters.codec_id == AV_CODEC_ID_HEVC) return NalCodec::hevc;
+    refuse(input, std::string("is coded as ") + avcodec_get_name(parameters.codec_id) +
                       "; only H.264 and HEVC can be copied");
 }
 
-/// What is wrong with pictures of this form wherever they go.
-void checkForm(const Input& input, const AVCodecParameters& form) {
+/// What is wrong with pictures of these parameters wherever they go.
+void checkParameters(const Input& input, const AVCodecParameters& parameters) {
     if (!input.upright(input.first()).empty())
         refuse(input, "its pictures are turned upright; only those that are stored upright can be copied");
     if (av_cmp_q(input.first().sample_aspect_ratio, {1, 1}) != 0)
         refuse(input, "its pixels are not square; only square ones can be copied");
     if (isHdr(input.first()))
         refuse(input, "its HDR colours are mapped to ordinary ones; a clip of those can be copied");
-    if (form.field_order > AV_FIELD_PROGRESSIVE)
+    if (parameters.field_order > AV_FIELD_PROGRESSIVE)
         refuse(input, "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
 }
 
-void checkSets(const Input& input, const DecoderConfiguration& configuration) {
+void checkParameterSets(const Input& input, const DecoderConfiguration& configuration) {
     for (const Bytes& set : configuration.sets()) {
-        const std::optional<SequenceSet> sequence = sequenceSet(configuration.codec(), set);
+        const std::optional<SequenceParameterSet> sequence = sequenceParameterSet(configuration.codec(), set);
         if (sequence && !sequence->progressive)
             refuse(input,
                    "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
-        const std::optional<PictureSet> picture =
-            configuration.codec() == NalCodec::h264 ? pictureSet(set) : std::nullopt;
+        const std::optional<PictureParameterSet> picture =
+            configuration.codec() == NalCodec::h264 ? pictureParameterSet(set) : std::nullopt;
         if ((sequence && sequence->separatePlanes) || (picture && picture->sliceGroups))
-            refuse(input, "its pictures are coded in a form that few decoders know; others can be copied");
+            refuse(input, "its pictures are coded in a way that few decoders know; others can be copied");
     }
 }
 
@@ -121,26 +121,27 @@ void number(const Input& input, CodedPictures& coded) {
     }
 }
 
-/// Leaves as entries those across which nothing is shown in another order than it is decoded in, but for what
-/// HEVC lets one leave out.
-void settleEntries(CodedPictures& coded) {
+/// Leaves as random access points those across which nothing is shown in another order than it is decoded in,
+/// but for what HEVC lets one leave out.
+void settleRandomAccess(CodedPictures& coded) {
     std::int64_t latest = -1;
     for (CodedPicture& picture : coded.pictures) {
-        picture.entry = picture.entry && latest < picture.number;
+        picture.randomAccess = picture.randomAccess && latest < picture.number;
         latest = std::max(latest, picture.number);
     }
     std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
     for (auto picture = coded.pictures.rbegin(); picture != coded.pictures.rend(); ++picture) {
-        if (coded.codec == NalCodec::h264) picture->entry = picture->entry && earliest > picture->number;
+        if (coded.codec == NalCodec::h264)
+            picture->randomAccess = picture->randomAccess && earliest > picture->number;
         earliest = std::min(earliest, picture->number);
     }
 }
 
 }  // namespace
 
-av::Parameters copyOf(const AVCodecParameters& form) {
+av::Parameters copyOf(const AVCodecParameters& parameters) {
     av::Parameters copy(av::check(avcodec_parameters_alloc(), "parameters"));
-    av::check(avcodec_parameters_copy(copy.get(), &form), "parameters");
+    av::check(avcodec_parameters_copy(copy.get(), &parameters), "parameters");
     return copy;
 }
 
@@ -152,28 +153,31 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
     if (!format.starts_with("mov,") && !format.starts_with("matroska,"))
         refuse(input, "is no .mp4, .mov or .mkv file; " + std::string(rewrap));
     const int stream = *packets.best(AVMEDIA_TYPE_VIDEO);
-    const AVCodecParameters& form = *packets.stream(stream).codecpar;
-    const NalCodec codec = codecOf(input, form);
-    checkForm(input, form);
-    if (form.extradata_size <= 0) refuse(input, "its packets lack a description; " + std::string(rewrap));
-    CodedPictures coded{.stream = stream,
-                        .codec = codec,
-                        .form = copyOf(form),
-                        .configuration = DecoderConfiguration(
-                            codec, {form.extradata, static_cast<std::size_t>(form.extradata_size)}),
-                        .timeBase = packets.stream(stream).time_base,
-                        .rate = rate,
-                        .pictures = {}};
-    checkSets(input, coded.configuration);
+    const AVCodecParameters& parameters = *packets.stream(stream).codecpar;
+    const NalCodec codec = codecOf(input, parameters);
+    checkParameters(input, parameters);
+    if (parameters.extradata_size <= 0)
+        refuse(input, "its packets lack a description; " + std::string(rewrap));
+    CodedPictures coded{
+        .stream = stream,
+        .codec = codec,
+        .parameters = copyOf(parameters),
+        .configuration = DecoderConfiguration(
+            codec, {parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)}),
+        .timeBase = packets.stream(stream).time_base,
+        .rate = rate,
+        .pictures = {}};
+    checkParameterSets(input, coded.configuration);
     packets.useAlone(stream);
     while (const av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
-        coded.pictures.push_back(
-            {.time = packet->pts, .number = 0, .entry = beginsAfresh(input, *packet, coded.configuration)});
+        coded.pictures.push_back({.time = packet->pts,
+                                  .number = 0,
+                                  .randomAccess = beginsAfresh(input, *packet, coded.configuration)});
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
     number(input, coded);
-    settleEntries(coded);
+    settleRandomAccess(coded);
     return coded;
 } catch (const NotCopied&) {
     throw;
@@ -188,16 +192,17 @@ CodedAudio codedAudio(const Input& input) {
     Demuxer packets(input.name());
     packets.useAlone(stream);
     const AVStream& source = packets.stream(stream);
-    const AVCodecParameters& form = *source.codecpar;
-    if (form.codec_id != AV_CODEC_ID_AAC || form.profile != FF_PROFILE_AAC_LOW ||
-        form.frame_size != CodedAudio::frameSamples || form.extradata_size < 2)
+    const AVCodecParameters& parameters = *source.codecpar;
+    if (parameters.codec_id != AV_CODEC_ID_AAC || parameters.profile != FF_PROFILE_AAC_LOW ||
+        parameters.frame_size != CodedAudio::frameSamples || parameters.extradata_size < 2)
         refuse(input, "its audio is not AAC-LC");
-    CodedAudio coded{.stream = stream, .form = copyOf(form)};
+    CodedAudio coded{.stream = stream, .parameters = copyOf(parameters)};
     // Some files keep times in thousandths only.
-    const double slack = std::max(1.0, form.sample_rate * av_q2d(source.time_base));
+    const double slack = std::max(1.0, parameters.sample_rate * av_q2d(source.time_base));
     while (const av::Packet packet = packets.read(stream)) {
         if (packet->pts == AV_NOPTS_VALUE) refuse(input, "its audio has no times");
-        const double time = static_cast<double>(packet->pts) * av_q2d(source.time_base) * form.sample_rate;
+        const double time =
+            static_cast<double>(packet->pts) * av_q2d(source.time_base) * parameters.sample_rate;
         if (coded.packets == 0) coded.first = std::llround(time);
         const std::int64_t expected = coded.first + coded.packets * CodedAudio::frameSamples;
         if (std::abs(time - static_cast<double>(expected)) > slack ||

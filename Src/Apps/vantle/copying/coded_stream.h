@@ -19,16 +19,16 @@ class NotCopied : public Error {
 };
 
 struct CodedPicture {
-    std::int64_t time = 0;    ///< when it shows, in the stream's time base
-    std::int64_t number = 0;  ///< in the order in which pictures show, from 0
-    bool entry = false;       ///< decoding may begin here: what shows later does not refer back across it
+    std::int64_t time = 0;      ///< when it shows, in the stream's time base
+    std::int64_t number = 0;    ///< in the order in which pictures show, from 0
+    bool randomAccess = false;  ///< decoding may begin here: what shows later does not refer back across it
 };
 
 /// Pictures of an input that may be copied, in the order in which they are decoded.
 struct CodedPictures {
     int stream;
     NalCodec codec;
-    av::Parameters form;
+    av::Parameters parameters;
     DecoderConfiguration configuration;
     AVRational timeBase;
     AVRational rate;
@@ -50,7 +50,7 @@ struct CodedAudio {
     static constexpr int frameSamples = 1024;
 
     int stream;
-    av::Parameters form;
+    av::Parameters parameters;
     std::int64_t first = 0;  ///< the sample with which the first packet begins, from the input's time 0
     std::int64_t packets = 0;
 };
@@ -60,6 +60,6 @@ struct CodedAudio {
 CodedAudio codedAudio(const Input& input);
 
 /// A copy of a stream's description.
-av::Parameters copyOf(const AVCodecParameters& form);
+av::Parameters copyOf(const AVCodecParameters& parameters);
 
 }  // namespace vantle

@@ -36,7 +36,7 @@ std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>&
     int kept = 8;
     if (copies)
         if (const auto* const format =
-                av_pix_fmt_desc_get(static_cast<AVPixelFormat>(copies->modelPictures().form->format)))
+                av_pix_fmt_desc_get(static_cast<AVPixelFormat>(copies->modelPictures().parameters->format)))
             kept = format->comp[0].depth;
     const auto isDrawn = [&](std::size_t join) {
         return join < film.joins.size() && film.joins[join].transition;

@@ -34,10 +34,10 @@ class Audio {
 
     AVStream& addTo(Muxer& muxer) const {
         if (whole_) return muxer.add(whole_->context());
-        const av::Parameters form = copyOf(plan_.modelAudio());
-        form->codec_tag = 0;
-        form->initial_padding = CodedAudio::frameSamples;
-        return muxer.add(*form, timeBase(), {0, 1});
+        const av::Parameters parameters = copyOf(plan_.modelAudio());
+        parameters->codec_tag = 0;
+        parameters->initial_padding = CodedAudio::frameSamples;
+        return muxer.add(*parameters, timeBase(), {0, 1});
     }
 
     av::Packet next() { return pieces_ ? pieces_->next() : whole_->next(); }
@@ -52,8 +52,7 @@ class Audio {
     std::optional<EncodedAudio> whole_;
 };
 
-/// As other films are written, but that room for the index is left at the start, rather than all moved along
-/// for it.
+/// As other films are written, but with room reserved for the moov box instead of faststart's second pass.
 av::Options fileOptions(const CopyPlan& plan, const MovieKind& kind) {
     av::Options wanted = muxerOptions(kind);
     if (wanted.erase("movflags") == 0) return wanted;
@@ -81,7 +80,7 @@ std::string copyFilm(const OpenFilm& open, const CopyPlan& plan, const CopyOptio
     for (const std::unique_ptr<Input>& input : open.inputs) input->close();
     FilmPictures pictures(open, plan, {options.encoders.video, options.encoderOptions}, options.verifyAll);
     const AVRational rate = plan.film.canvas.rate;
-    const AVStream& pictureStream = muxer.add(*pictures.form(), av_inv_q(rate), rate);
+    const AVStream& pictureStream = muxer.add(*pictures.parameters(), av_inv_q(rate), rate);
     std::optional<Audio> audio;
     const AVStream* audioStream = nullptr;
     if (plan.film.audio) {

@@ -27,15 +27,15 @@ std::string rateText(AVRational rate) {
 }
 
 /// Why an input's pictures cannot go into the film beside those of the model; empty when they can.
-std::string mismatch(const AVCodecParameters& form, const AVCodecParameters& model) {
+std::string mismatch(const AVCodecParameters& parameters, const AVCodecParameters& model) {
     const auto range = [](const AVCodecParameters& of) {
         return of.color_range == AVCOL_RANGE_UNSPECIFIED ? AVCOL_RANGE_MPEG : of.color_range;
     };
-    if (form.codec_id != model.codec_id) return "codec";
-    if (form.format != model.format) return "pixel format";
-    if (range(form) != range(model)) return "range of colours";
-    if (form.color_space != model.color_space || form.color_primaries != model.color_primaries ||
-        form.color_trc != model.color_trc || form.chroma_location != model.chroma_location)
+    if (parameters.codec_id != model.codec_id) return "codec";
+    if (parameters.format != model.format) return "pixel format";
+    if (range(parameters) != range(model)) return "range of colours";
+    if (parameters.color_space != model.color_space || parameters.color_primaries != model.color_primaries ||
+        parameters.color_trc != model.color_trc || parameters.chroma_location != model.chroma_location)
         return "description of its colours";
     return {};
 }
@@ -46,23 +46,24 @@ std::string refusalOf(const Film& film, const Source& source, const CodedSource&
         return source.name + ": shows " + rateText(source.rate) + " pictures a second and the film " +
                rateText(film.canvas.rate) + "; clips of one rate can be copied";
     if (!coded.pictures) return coded.refusal;
-    const AVCodecParameters& form = *coded.pictures->form;
+    const AVCodecParameters& parameters = *coded.pictures->parameters;
     const Size& size = film.canvas.size;
-    if (form.width != size.width || form.height != size.height)
-        return source.name + ": is " + sizeText(form.width, form.height) + " and the film " +
+    if (parameters.width != size.width || parameters.height != size.height)
+        return source.name + ": is " + sizeText(parameters.width, parameters.height) + " and the film " +
                sizeText(size.width, size.height) + "; clips of one size can be copied";
     return {};
 }
 
-/// All pictures from an entry on that are decoded before any from `limit` on: the number after the last.
-std::int64_t cleanEnd(const CodedPictures& coded, std::size_t entry, std::int64_t limit) {
-    const std::int64_t first = coded.pictures[entry].number;
+/// All pictures from a random access point on that are decoded before any from `limit` on: the number after
+/// the last.
+std::int64_t cleanEnd(const CodedPictures& coded, std::size_t start, std::int64_t limit) {
+    const std::int64_t first = coded.pictures[start].number;
     std::int64_t end = first;
     std::int64_t latest = first;
     std::int64_t count = 0;
-    for (std::size_t i = entry; i < coded.pictures.size(); ++i) {
+    for (std::size_t i = start; i < coded.pictures.size(); ++i) {
         const std::int64_t number = coded.pictures[i].number;
-        if (number < first) continue;  // shown before the entry: left out
+        if (number < first) continue;  // shown before it: left out
         if (number >= limit) break;
         latest = std::max(latest, number);
         if (latest == first + count++) end = latest + 1;
@@ -70,10 +71,12 @@ std::int64_t cleanEnd(const CodedPictures& coded, std::size_t entry, std::int64_
     return end;
 }
 
-/// The first entry from a picture on, in decoding order.
-std::optional<std::size_t> entryFrom(const CodedPictures& coded, std::int64_t number, std::int64_t limit) {
+/// The first random access point from a picture on, in decoding order.
+std::optional<std::size_t> randomAccessFrom(const CodedPictures& coded, std::int64_t number,
+                                            std::int64_t limit) {
     for (std::size_t i = 0; i < coded.pictures.size(); ++i)
-        if (coded.pictures[i].entry && coded.pictures[i].number >= number && coded.pictures[i].number < limit)
+        if (coded.pictures[i].randomAccess && coded.pictures[i].number >= number &&
+            coded.pictures[i].number < limit)
             return i;
     return {};
 }
@@ -98,7 +101,7 @@ class Layout {
    private:
     struct Laid {
         std::size_t part;
-        std::size_t entry;
+        std::size_t start;
         std::int64_t first;  // frames of the film
         std::int64_t end;
     };
@@ -118,10 +121,10 @@ class Layout {
         const std::int64_t from = number > 0 ? film_.joins[number - 1].end() : 0;
         const std::int64_t to = number < film_.joins.size() ? film_.joins[number].start : part.end();
         const std::int64_t offset = part.offset();
-        std::optional<std::size_t> entry = entryFrom(coded, from - offset, to - offset);
-        if (entry && isLoneFrame(coded.pictures[*entry].number + offset))
-            entry = entryFrom(coded, coded.pictures[*entry].number + 1, to - offset);
-        if (!entry) {
+        std::optional<std::size_t> start = randomAccessFrom(coded, from - offset, to - offset);
+        if (start && isLoneFrame(coded.pictures[*start].number + offset))
+            start = randomAccessFrom(coded, coded.pictures[*start].number + 1, to - offset);
+        if (!start) {
             if (to - from > shortest)
                 plan_.refusals.push_back(
                     film_.sourceOf(part).name + ": has no keyframe in its frames " +
@@ -130,8 +133,8 @@ class Layout {
                     "helps");
             return;
         }
-        const Laid laid{number, *entry, coded.pictures[*entry].number + offset,
-                        cleanEnd(coded, *entry, to - offset) + offset};
+        const Laid laid{number, *start, coded.pictures[*start].number + offset,
+                        cleanEnd(coded, *start, to - offset) + offset};
         if (laid.end - laid.first >= shortest) laid_.push_back(laid);
     }
 
@@ -143,7 +146,7 @@ class Layout {
         if (frame - before.end != 1) return false;
         const std::int64_t offset = film_.parts[before.part].offset();
         const std::int64_t end =
-            cleanEnd(*plan_.pictures[before.part], before.entry, before.end - offset - 1) + offset;
+            cleanEnd(*plan_.pictures[before.part], before.start, before.end - offset - 1) + offset;
         if (end - before.first < shortest) return true;
         before.end = end;
         return false;
@@ -169,10 +172,10 @@ void findAlike(CopyPlan& plan, const Copyable& copyable) {
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         if (!copyable[i]) continue;
         if (model == nullptr) {
-            model = copyable[i]->form.get();
+            model = copyable[i]->parameters.get();
             plan.model = i;
         }
-        const std::string other = mismatch(*copyable[i]->form, *model);
+        const std::string other = mismatch(*copyable[i]->parameters, *model);
         if (other.empty())
             plan.pictures[i] = copyable[i];
         else
@@ -243,12 +246,12 @@ bool findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
         if (!part.audible) continue;
         plan.audio[i] = coded[part.source].audio;
         if (!plan.audio[i]) return false;
-        const AVCodecParameters& form = *plan.audio[i]->form;
-        if (model == nullptr) model = &form;
+        const AVCodecParameters& parameters = *plan.audio[i]->parameters;
+        if (model == nullptr) model = &parameters;
         // The first two bytes say all that a decoder must know.
-        if (!std::equal(form.extradata, form.extradata + 2, model->extradata) ||
-            form.sample_rate != plan.film.audio->sampleRate ||
-            form.ch_layout.nb_channels != plan.film.audio->channels)
+        if (!std::equal(parameters.extradata, parameters.extradata + 2, model->extradata) ||
+            parameters.sample_rate != plan.film.audio->sampleRate ||
+            parameters.ch_layout.nb_channels != plan.film.audio->channels)
             return false;
     }
     return model != nullptr;
@@ -285,7 +288,7 @@ bool CopyPlan::isCompared(const Stretch& stretch, std::int64_t frame) const {
 
 const AVCodecParameters& CopyPlan::modelAudio() const {
     const auto has = [](const std::shared_ptr<const CodedAudio>& coded) { return coded != nullptr; };
-    return *(*std::ranges::find_if(audio, has))->form;
+    return *(*std::ranges::find_if(audio, has))->parameters;
 }
 
 std::vector<CodedSource> scanSources(const OpenFilm& open) {

@@ -60,14 +60,14 @@ CopiedAudio::CopiedAudio(const std::string& name, const CodedAudio& coded, std::
     : coded_(coded), input_(name), next_(first), end_(first + count) {
     input_.useAlone(coded.stream);
     const std::int64_t sample = coded.first + first * CodedAudio::frameSamples;
-    if (!input_.seek(coded.stream, av_rescale_q(sample, {1, coded.form->sample_rate},
+    if (!input_.seek(coded.stream, av_rescale_q(sample, {1, coded.parameters->sample_rate},
                                                 input_.stream(coded.stream).time_base)))
         input_.reopen();
 }
 
 std::int64_t CopiedAudio::numberOf(const AVPacket& packet) const {
     const double time = static_cast<double>(packet.pts) * av_q2d(input_.stream(coded_.stream).time_base) *
-                        coded_.form->sample_rate;
+                        coded_.parameters->sample_rate;
     return std::llround((time - static_cast<double>(coded_.first)) / CodedAudio::frameSamples);
 }
 

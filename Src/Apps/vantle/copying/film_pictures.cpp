@@ -9,13 +9,14 @@ namespace vantle {
 
 namespace {
 
-/// By how many places pictures of a copied stretch are coded before they show.
+/// The reorder depth of a copied stretch: how many pictures, at most, are decoded before one and shown after
+/// it.
 int reorderOf(const CodedPictures& coded, std::int64_t first, std::int64_t end) {
     std::vector<std::int64_t> before;  // numbers of pictures coded so far that may show later, ascending
     std::ptrdiff_t most = 0;
     bool begun = false;
     for (const CodedPicture& picture : coded.pictures) {
-        begun = begun || (picture.entry && picture.number == first);
+        begun = begun || (picture.randomAccess && picture.number == first);
         if (!begun || picture.number < first || picture.number >= end) continue;
         const auto place = std::ranges::lower_bound(before, picture.number);
         most = std::max(most, before.end() - place);
@@ -79,15 +80,15 @@ CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& cod
                                std::int64_t count)
     : coded_(coded), input_(name), first_(first), left_(count) {
     input_.useAlone(coded.stream);
-    const auto entry = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
-        return picture.entry && picture.number == first;
+    const auto start = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
+        return picture.randomAccess && picture.number == first;
     });
     const auto find = [&] {
         do ahead_ = input_.read(coded_.stream);
         while (ahead_ && coded_.numberOf(*ahead_) < first_);
         return ahead_ && coded_.numberOf(*ahead_) == first_;
     };
-    if (input_.seek(coded.stream, entry->time) && find()) return;
+    if (input_.seek(coded.stream, start->time) && find()) return;
     input_.reopen();
     if (!find()) throw NotCopied(name + ": its picture " + std::to_string(first) + " is not found again");
 }
@@ -111,7 +112,8 @@ FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const Enc
     const NalCodec codec = plan.modelPictures().codec;
     const auto noteLevels = [&](const std::vector<Bytes>& sets) {
         for (const Bytes& set : sets)
-            if (const auto sequence = sequenceSet(codec, set)) level_ = std::max(level_, sequence->level);
+            if (const auto sequence = sequenceParameterSet(codec, set))
+                level_ = std::max(level_, sequence->level);
     };
     for (const Stretch& stretch : plan.stretches) {
         if (stretch.part) {
@@ -139,23 +141,23 @@ std::vector<Bytes> FilmPictures::setsOf(const std::vector<Bytes>& own) const {
     return sets;
 }
 
-av::Parameters FilmPictures::form() const {
+av::Parameters FilmPictures::parameters() const {
     const CodedPictures& model = plan_.modelPictures();
-    av::Parameters form = copyOf(*model.form);
+    av::Parameters parameters = copyOf(*model.parameters);
     // Those of the first stretch, and all others that do not take their place: beside being in each stretch.
     std::vector<Bytes> sets = copiedSets_[plan_.model];
     if (model.codec == NalCodec::h264)
         for (const auto& [seams, encoded] : encodedSets_)
             sets.insert(sets.end(), encoded.begin(), encoded.end());
     const Bytes record = model.configuration.withSets(sets);
-    av_freep(&form->extradata);
-    form->extradata = static_cast<std::uint8_t*>(
+    av_freep(&parameters->extradata);
+    parameters->extradata = static_cast<std::uint8_t*>(
         av::check(av_mallocz(record.size() + AV_INPUT_BUFFER_PADDING_SIZE), "parameters"));
-    form->extradata_size = static_cast<int>(record.size());
-    std::ranges::copy(record, form->extradata);
-    form->codec_tag = 0;
-    form->video_delay = reorder_;
-    return form;
+    parameters->extradata_size = static_cast<int>(record.size());
+    std::ranges::copy(record, parameters->extradata);
+    parameters->codec_tag = 0;
+    parameters->video_delay = reorder_;
+    return parameters;
 }
 
 av::Packet FilmPictures::nextOfStretch() {
@@ -214,7 +216,7 @@ av::Packet FilmPictures::rewritten(av::Packet packet) const {
                 appendUnit(contents, set);
             opened = true;
         }
-        // What an encoder says of itself is not what the film is.
+        // Drop the encoder's own parameter sets and SEI.
         if (kind == NalKind::parameterSet || (!part && kind == NalKind::other)) continue;
         const std::size_t at = contents.size() + 4;
         appendUnit(contents, unit);

@@ -73,7 +73,7 @@ class FilmPictures {
     FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
 
     /// The stream's description for a file.
-    av::Parameters form() const;
+    av::Parameters parameters() const;
 
     av::Packet next();
 

@@ -8,7 +8,7 @@
 
 namespace vantle {
 
-/// True for pictures of one form and the same pixels.
+/// True for pictures of one format and the same pixels.
 bool samePixels(const AVFrame& a, const AVFrame& b);
 
 /// How bright a picture is, 0 to 255, in each cell of a coarse grid.

@@ -21,8 +21,8 @@ std::set<int> identifiers(const CopyPlan& plan) {
     for (const auto& pictures : plan.pictures) {
         if (!pictures || pictures->codec != NalCodec::h264) continue;
         for (const Bytes& set : pictures->configuration.sets()) {
-            if (const auto sequence = sequenceSet(NalCodec::h264, set)) used.insert(sequence->id);
-            if (const auto picture = pictureSet(set)) used.insert(picture->id);
+            if (const auto sequence = sequenceParameterSet(NalCodec::h264, set)) used.insert(sequence->id);
+            if (const auto picture = pictureParameterSet(set)) used.insert(picture->id);
         }
     }
     return used;
@@ -61,7 +61,7 @@ av::Options withUsers(const av::Options& own, const av::Options& users) {
 StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice, bool seams)
     : plan_(plan), seams_(seams) {
     const CodedPictures& model = plan.modelPictures();
-    const AVCodecParameters& form = *model.form;
+    const AVCodecParameters& parameters = *model.parameters;
     const std::string usual = model.codec == NalCodec::h264 ? "libx264" : "libx265";
     const std::string name = choice.name.empty() ? usual : choice.name;
     const auto refuse = [&](const std::string& why) {
@@ -69,10 +69,10 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
                         ": joins cannot be encoded like it: " + why);
     };
     codec_ = avcodec_find_encoder_by_name(name.c_str());
-    if (codec_ == nullptr || codec_->id != form.codec_id)
-        refuse(name + " does not make " + avcodec_get_name(form.codec_id) + "; " + usual + " does");
+    if (codec_ == nullptr || codec_->id != parameters.codec_id)
+        refuse(name + " does not make " + avcodec_get_name(parameters.codec_id) + "; " + usual + " does");
     const std::vector<AVPixelFormat> formats = av::pixelFormats(*codec_);
-    const auto format = static_cast<AVPixelFormat>(form.format);
+    const auto format = static_cast<AVPixelFormat>(parameters.format);
     if (!formats.empty() && std::ranges::find(formats, format) == formats.end())
         refuse(name + " does not take pictures of " + av_get_pix_fmt_name(format));
     options_ = withUsers(ownOptions(plan, name, seams), choice.options);
@@ -85,7 +85,7 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
              unitsWithStartCodes({context.extradata, static_cast<std::size_t>(context.extradata_size)})) {
             if (kindOf(model.codec, set) != NalKind::parameterSet) continue;
             sets_.emplace_back(set.begin(), set.end());
-            if (const std::optional<SequenceSet> sequence = sequenceSet(model.codec, set)) {
+            if (const std::optional<SequenceParameterSet> sequence = sequenceParameterSet(model.codec, set)) {
                 reorder_ = std::max(reorder_, sequence->reorder);
                 complete = true;
             }
@@ -102,7 +102,7 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
 
 std::unique_ptr<Encoder> StretchEncoder::open() const {
     return std::make_unique<Encoder>(*codec_, options_, [&](AVCodecContext& context) {
-        const AVCodecParameters& like = *plan_.modelPictures().form;
+        const AVCodecParameters& like = *plan_.modelPictures().parameters;
         context.width = like.width;
         context.height = like.height;
         context.pix_fmt = static_cast<AVPixelFormat>(like.format);

@@ -30,7 +30,7 @@ class StretchEncoder {
     /// The parameter sets of all that it encodes.
     const std::vector<Bytes>& sets() const { return sets_; }
 
-    /// By how many places its pictures are coded before they show.
+    /// Its reorder depth.
     int reorder() const { return reorder_; }
 
    private:

@@ -177,7 +177,7 @@ class Verification {
     }
 
     /// The frames of the film at which decoding may begin, ascending.
-    std::vector<std::int64_t> entries() const {
+    std::vector<std::int64_t> randomAccesses() const {
         std::vector<std::int64_t> frames;
         for (const Stretch& stretch : plan_.stretches) {
             if (!stretch.part) {
@@ -190,18 +190,19 @@ class Verification {
             const Part& part = plan_.film.parts[*stretch.part];
             for (const CodedPicture& picture : plan_.pictures[*stretch.part]->pictures) {
                 const std::int64_t frame = picture.number + part.offset();
-                if (picture.entry && frame >= stretch.first && frame < stretch.end()) frames.push_back(frame);
+                if (picture.randomAccess && frame >= stretch.first && frame < stretch.end())
+                    frames.push_back(frame);
             }
         }
         return frames;
     }
 
     std::pair<std::int64_t, std::int64_t> around(std::int64_t seam) {
-        if (entries_.empty()) entries_ = entries();
-        const auto at = std::ranges::lower_bound(entries_, seam);
-        const std::int64_t first = at != entries_.begin() ? *std::prev(at) : 0;
+        if (randomAccesses_.empty()) randomAccesses_ = randomAccesses();
+        const auto at = std::ranges::lower_bound(randomAccesses_, seam);
+        const std::int64_t first = at != randomAccesses_.begin() ? *std::prev(at) : 0;
         const std::int64_t end =
-            std::distance(at, entries_.end()) > 1 ? *std::next(at) + 1 : plan_.film.frames();
+            std::distance(at, randomAccesses_.end()) > 1 ? *std::next(at) + 1 : plan_.film.frames();
         return {first, end};
     }
 
@@ -220,10 +221,10 @@ class Verification {
                 const Part& part = plan_.film.parts[*stretch.part];
                 const CodedPictures& coded = *plan_.pictures[*stretch.part];
                 offset = part.offset();
-                const auto entry = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
-                    return picture.entry && picture.number == from - offset;
+                const auto start = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
+                    return picture.randomAccess && picture.number == from - offset;
                 });
-                source.emplace(plan_.film.sourceOf(part).name, coded.stream, coded.start, rate_, entry->time);
+                source.emplace(plan_.film.sourceOf(part).name, coded.stream, coded.start, rate_, start->time);
             }
             for (std::int64_t frame = from; frame < to; ++frame) {
                 const av::Frame picture = made.picture(frame);
@@ -243,7 +244,7 @@ class Verification {
     AVRational rate_;
     int stream_ = 0;
     std::int64_t start_ = 0;
-    std::vector<std::int64_t> entries_;
+    std::vector<std::int64_t> randomAccesses_;
     std::map<std::int64_t, std::int64_t> keys_;  // when keyframes show, by frame
 };
 

@@ -9,7 +9,7 @@ extern "C" {
 
 namespace vantle {
 
-Filter toForm(const AudioFormat& format) {
+Filter toFormat(const AudioFormat& format) {
     AVChannelLayout layout{};
     av_channel_layout_default(&layout, format.channels);
     std::array<char, 64> name{};

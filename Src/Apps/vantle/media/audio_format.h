@@ -1,4 +1,4 @@
-/// The form of audio.
+/// The format of audio.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +16,10 @@ struct AudioFormat {
     int frameSamples = 0;  ///< samples that an encoder takes at a time, but the last; 0: any number
 };
 
-/// The filter that brings audio to a form.
-Filter toForm(const AudioFormat& format);
+/// The filter that brings audio to a format.
+Filter toFormat(const AudioFormat& format);
 
-/// New audio of a form, silent.
+/// New audio of a format, silent.
 av::Frame silence(const AudioFormat& format, int samples);
 
 }  // namespace vantle

@@ -23,7 +23,7 @@ struct Delete {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
-    void operator()(AVCodecParameters* form) const { avcodec_parameters_free(&form); }
+    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };

@@ -109,11 +109,13 @@ std::string Demuxer::whyNone(AVMediaType type) const {
     const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
     const bool pictures = type == AVMEDIA_TYPE_VIDEO;
     if (stream < 0) return pictures ? "holds no picture" : "holds no audio";
-    const AVCodecParameters& form = *this->stream(stream).codecpar;
+    const AVCodecParameters& parameters = *this->stream(stream).codecpar;
     std::array<char, AV_FOURCC_MAX_STRING_SIZE> tag{};
-    av_fourcc_make_string(tag.data(), form.codec_tag);
+    av_fourcc_make_string(tag.data(), parameters.codec_tag);
     return std::string("FFmpeg has no decoder for its ") + (pictures ? "pictures" : "audio") + " (" +
-           (form.codec_id != AV_CODEC_ID_NONE ? avcodec_get_name(form.codec_id) + std::string(", ") : "") +
+           (parameters.codec_id != AV_CODEC_ID_NONE
+                ? avcodec_get_name(parameters.codec_id) + std::string(", ")
+                : "") +
            tag.data() + ")";
 }
 

@@ -22,24 +22,24 @@ struct Free {
 Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters)
     : graph_(av::check(avfilter_graph_alloc(), "filters")) {
     const bool video = like.width > 0;
-    const std::unique_ptr<AVBufferSrcParameters, Free> form(
+    const std::unique_ptr<AVBufferSrcParameters, Free> parameters(
         av::check(av_buffersrc_parameters_alloc(), "filters"));
-    form->format = like.format;
-    form->time_base = timeBase;
-    form->width = like.width;
-    form->height = like.height;
-    form->sample_aspect_ratio = like.sample_aspect_ratio;
-    form->sample_rate = like.sample_rate;
+    parameters->format = like.format;
+    parameters->time_base = timeBase;
+    parameters->width = like.width;
+    parameters->height = like.height;
+    parameters->sample_aspect_ratio = like.sample_aspect_ratio;
+    parameters->sample_rate = like.sample_rate;
 #if LIBAVFILTER_VERSION_MAJOR >= 10
-    form->color_space = like.colorspace;
-    form->color_range = like.color_range;
+    parameters->color_space = like.colorspace;
+    parameters->color_range = like.color_range;
 #endif
-    if (!video) av::check(av_channel_layout_copy(&form->ch_layout, &like.ch_layout), "filters");
+    if (!video) av::check(av_channel_layout_copy(&parameters->ch_layout, &like.ch_layout), "filters");
     source_ = av::check(
         avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name(video ? "buffer" : "abuffer"), "in"),
         "filters");
-    const int code = av_buffersrc_parameters_set(source_, form.get());
-    av_channel_layout_uninit(&form->ch_layout);
+    const int code = av_buffersrc_parameters_set(source_, parameters.get());
+    av_channel_layout_uninit(&parameters->ch_layout);
     av::check(code, "filters");
     av::check(avfilter_init_dict(source_, nullptr), "filters");
     nodes_.push_back({source_, 0});

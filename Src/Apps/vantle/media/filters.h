@@ -21,7 +21,7 @@ struct Filter {
 /// Filters, most often a chain, with one input and one output, that of the last filter.
 class Filters {
    public:
-    /// For frames of the form of `like`, with times in `timeBase`. Throws Error when a filter is
+    /// For frames of the format of `like`, with times in `timeBase`. Throws Error when a filter is
     /// unknown or refuses its settings.
     Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters);
 

@@ -20,9 +20,9 @@ AVStream& Muxer::add(const AVCodecContext& encoder) {
     return *stream;
 }
 
-AVStream& Muxer::add(const AVCodecParameters& form, AVRational timeBase, AVRational rate) {
+AVStream& Muxer::add(const AVCodecParameters& parameters, AVRational timeBase, AVRational rate) {
     AVStream* const stream = av::check(avformat_new_stream(output_.get(), nullptr), writing_);
-    av::check(avcodec_parameters_copy(stream->codecpar, &form), writing_);
+    av::check(avcodec_parameters_copy(stream->codecpar, &parameters), writing_);
     stream->time_base = timeBase;
     stream->avg_frame_rate = rate;
     return *stream;

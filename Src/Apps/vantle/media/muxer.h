@@ -21,7 +21,7 @@ class Muxer {
     AVStream& add(const AVCodecContext& encoder);
 
     /// Adds a stream for packets of this description, `rate` of them a second (0/1 for audio).
-    AVStream& add(const AVCodecParameters& form, AVRational timeBase, AVRational rate);
+    AVStream& add(const AVCodecParameters& parameters, AVRational timeBase, AVRational rate);
 
     /// Writes the header, when all streams are added.
     void start(const av::Options& options);

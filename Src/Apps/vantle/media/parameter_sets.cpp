@@ -109,9 +109,9 @@ class BitWriter {
     std::size_t position_ = 0;
 };
 
-/// A set with where in its bits the depth of reordering is stated.
+/// A set with where in its bits the reorder depth is stated.
 struct Parsed {
-    SequenceSet set;
+    SequenceParameterSet set;
     std::size_t statement = 0;  // the first bit of it
     std::size_t rest = 0;       // the first bit behind it
     std::vector<int> values;    // its numbers
@@ -271,16 +271,16 @@ void appendPair(Bytes& bytes, std::size_t value) {
 
 }  // namespace
 
-std::optional<SequenceSet> sequenceSet(NalCodec codec, ByteView unit) {
+std::optional<SequenceParameterSet> sequenceParameterSet(NalCodec codec, ByteView unit) {
     if (!isSequenceSet(codec, unit)) return {};
     return parse(codec, payload(unit)).set;
 }
 
-std::optional<PictureSet> pictureSet(ByteView unit) {
+std::optional<PictureParameterSet> pictureParameterSet(ByteView unit) {
     if (unit.size() < 2 || (unit[0] & 31) != 8) return {};
     const Bytes bytes = payload(unit);
     BitReader read(bytes, 8);
-    PictureSet set;
+    PictureParameterSet set;
     set.id = read.number();
     read.number();
     read.skip(2);

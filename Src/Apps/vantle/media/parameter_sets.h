@@ -9,30 +9,30 @@
 namespace vantle {
 
 /// What a sequence parameter set says, as far as one must know who puts streams together.
-struct SequenceSet {
+struct SequenceParameterSet {
     int id = 0;
     int profile = 0;
     int level = 0;       ///< as it is coded
     int references = 0;  ///< pictures that may be referred to
-    int reorder = 0;     ///< places by which pictures are coded before they show, where that is stated
+    int reorder = 0;     ///< reorder depth, where that is stated
     bool progressive = true;
     bool separatePlanes = false;
 };
 
 /// Reads a sequence parameter set; none when the unit is another one. Throws Error when it is damaged.
-std::optional<SequenceSet> sequenceSet(NalCodec codec, ByteView unit);
+std::optional<SequenceParameterSet> sequenceParameterSet(NalCodec codec, ByteView unit);
 
 /// What an H.264 picture parameter set says.
-struct PictureSet {
+struct PictureParameterSet {
     int id = 0;
     bool sliceGroups = false;  ///< parts of its pictures may come in any order
 };
 
 /// Reads an H.264 picture parameter set; none when the unit is another one. Throws Error when it is damaged.
-std::optional<PictureSet> pictureSet(ByteView unit);
+std::optional<PictureParameterSet> pictureParameterSet(ByteView unit);
 
-/// A sequence parameter set that states by how many places pictures are coded before they are shown, so that
-/// no decoder needs to guess, and a level; other sets come back as they are.
+/// A sequence parameter set that states a reorder depth, so that no decoder needs to guess it, and a level;
+/// other sets come back as they are.
 Bytes restated(NalCodec codec, ByteView unit, int reorder, int level);
 
 /// What a file keeps of a stream outside its packets: avcC and hvcC (ISO/IEC 14496-15).

@@ -224,7 +224,8 @@ bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
 }
 
 std::unique_ptr<Encoder> makeAudioEncoder(const MovieKind& kind, const EncoderNames& encoders,
-                                          const AudioForm& wish, std::int64_t bitRate, bool globalHeaders) {
+                                          const AudioParameters& wish, std::int64_t bitRate,
+                                          bool globalHeaders) {
     const AVCodec& encoder = audioEncoder(kind, encoders);
     return std::make_unique<Encoder>(encoder, av::Options{}, [&](AVCodecContext& codec) {
         constexpr std::int64_t bitsPerChannel = 96'000;

@@ -30,7 +30,8 @@ bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
 
 /// Opens the encoder for the audio of a video. It gets at least `bitRate` bits a second.
 std::unique_ptr<Encoder> makeAudioEncoder(const MovieKind& kind, const EncoderNames& encoders,
-                                          const AudioForm& wish, std::int64_t bitRate, bool globalHeaders);
+                                          const AudioParameters& wish, std::int64_t bitRate,
+                                          bool globalHeaders);
 
 /// How the file of a kind is to be written.
 av::Options muxerOptions(const MovieKind& kind);

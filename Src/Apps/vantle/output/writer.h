@@ -63,7 +63,7 @@ struct WriterOptions {
     std::string name;
     Canvas canvas{};
     const AVFrame* colours = nullptr;  ///< a picture whose description of its colours a video takes over
-    std::optional<AudioForm> audio{};
+    std::optional<AudioParameters> audio{};
     bool overwrite = false;
     EncoderNames encoders{};
     av::Options encoderOptions{};  ///< for a video's encoder, as FFmpeg knows them

@@ -48,7 +48,7 @@ AudioMix::AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t
       format_(mixed(format)),
       frameSamples_(format.frameSamples),
       alone_(alone),
-      output_(*silence(format_, 1), {1, format.sampleRate}, {toForm(format)}),
+      output_(*silence(format_, 1), {1, format.sampleRate}, {toFormat(format)}),
       begin_(first),
       next_(begin_) {
     if (film_.music.file.empty()) return;

@@ -19,7 +19,7 @@ namespace vantle {
 /// join have audio it is crossfaded; where one has, it stays in its place.
 class AudioMix {
    public:
-    /// Of the film from its sample `first` on, in this form. The inputs' audio is read along with their
+    /// Of the film from its sample `first` on, in this format. The inputs' audio is read along with their
     /// pictures, or `alone`. `delays` are the samples by which each part's audio comes late, so as to lie on
     /// a grid; none when it does not.
     AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t first, bool alone,

@@ -39,13 +39,13 @@ av::Frame AudioSource::next() {
         if (frame && frame->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
             av_channel_layout_default(&frame->ch_layout, frame->ch_layout.nb_channels);
         if (converter_ && (!frame || !sameForm(*frame, *like_))) {
-            // The audio ends, or goes on in another form.
+            // The audio ends, or goes on in another format.
             converter_->close(AV_NOPTS_VALUE);
             held_ = std::move(frame);
         } else if (frame) {
             if (!converter_) {
                 converter_.emplace(*frame, reader_.stream().time_base,
-                                   std::vector<Filter>{toForm(format_), {"asettb", {{"expr", "1/sr"}}}});
+                                   std::vector<Filter>{toFormat(format_), {"asettb", {{"expr", "1/sr"}}}});
                 like_ = av::share(*frame);
             }
             converter_->push(std::move(frame));

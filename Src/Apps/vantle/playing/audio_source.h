@@ -12,21 +12,21 @@
 
 namespace vantle {
 
-/// Decoded audio brought to one form, whatever forms it comes in.
+/// Decoded audio brought to one format, whatever formats it comes in.
 class AudioSource {
    public:
     /// The audio of a stream of `input`, which must outlive it.
     AudioSource(Demuxer& input, int stream, const AudioFormat& format);
 
-    /// The next of it, in samples of the form, or null at the end.
+    /// The next of it, in samples of the format, or null at the end.
     av::Frame next();
 
    private:
     AudioFormat format_;
     StreamReader reader_;
-    std::optional<Filters> converter_;  // from the decoded form to `format_`
-    av::Frame like_;                    // audio of the form that the converter is made for
-    av::Frame held_;                    // the first of another form, while the converter is emptied
+    std::optional<Filters> converter_;  // from the decoded format to `format_`
+    av::Frame like_;                    // audio of the format that the converter is made for
+    av::Frame held_;                    // the first of another format, while the converter is emptied
     bool ended_ = false;
 };
 

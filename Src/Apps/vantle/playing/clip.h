@@ -30,7 +30,7 @@ class Clip {
     av::Frame decoded_;    // the one that shows now
     av::Frame shown_;      // the same on the canvas, once asked for
     std::optional<Filters> filters_;
-    av::Frame filtered_;  // a picture of the form that the filters are made for
+    av::Frame filtered_;  // a picture of the format that the filters are made for
     bool ended_ = false;
 };
 

@@ -30,7 +30,7 @@ class Input {
     /// What is known of it.
     const Source& source() const { return source_; }
 
-    /// The form and the colours of the first picture, without its pixels.
+    /// The format and the colours of the first picture, without its pixels.
     const AVFrame& first() const { return *first_; }
 
     /// The size at which a picture shows: upright, with square pixels.

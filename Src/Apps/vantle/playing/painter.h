@@ -9,7 +9,7 @@
 
 namespace vantle {
 
-/// The pictures of one input in the image library's form, converted only where the picture is another.
+/// The pictures of one input in the image library's format, converted only where the picture is another.
 class ImageLoader {
    public:
     ImageLoader(Size size, bool smoothChroma) : size_(size), converter_(smoothChroma) {}

@@ -51,8 +51,8 @@ struct Join {
     std::int64_t end() const { return start + frames; }
 };
 
-/// The form of a film's audio.
-struct AudioForm {
+/// The parameters of a film's audio.
+struct AudioParameters {
     int sampleRate = 0;
     int channels = 2;
 };
@@ -63,7 +63,7 @@ struct Film {
     std::vector<Source> sources{};
     std::vector<Part> parts{};
     std::vector<Join> joins{};
-    std::optional<AudioForm> audio{};  ///< none: it is silent
+    std::optional<AudioParameters> audio{};  ///< none: it is silent
     Music music{};
     /// The frame after each join is drawn by its transition too, at its very end.
     bool drawsEnds = false;

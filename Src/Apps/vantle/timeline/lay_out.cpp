@@ -156,19 +156,19 @@ class Layout {
     }
 
     /// The first input's rate, and as many channels as all agree on, else two.
-    std::optional<AudioForm> audioForm() const {
-        std::optional<AudioForm> form;
+    std::optional<AudioParameters> audioForm() const {
+        std::optional<AudioParameters> parameters;
         for (const Part& part : laid_.film.parts) {
             if (!part.audible) continue;
             const Source::Audio& audio = *laid_.film.sourceOf(part).audio;
-            if (!form)
-                form = {audio.sampleRate, audio.channels};
-            else if (form->channels != audio.channels)
-                form->channels = 2;
+            if (!parameters)
+                parameters = {audio.sampleRate, audio.channels};
+            else if (parameters->channels != audio.channels)
+                parameters->channels = 2;
         }
-        if (!form && !request_.music.file.empty()) form = {48000, 2};
-        if (form) form->channels = request_.channels.value_or(form->channels);
-        return form;
+        if (!parameters && !request_.music.file.empty()) parameters = {48000, 2};
+        if (parameters) parameters->channels = request_.channels.value_or(parameters->channels);
+        return parameters;
     }
 
     const FilmRequest& request_;
