@@ -8,6 +8,7 @@
 #include "command.h"
 #include "copying/copy_film.h"
 #include "copying/stretch_encoder.h"
+#include "media/annex_b.h"
 #include "playing/open_film.h"
 
 namespace tests {
@@ -78,11 +79,9 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_NE(filtered("-bsf:v \"filter_units=remove_types=7|8\""), "");
     // Encoded pictures have parameter sets of their own.
     const Demuxer made((folder_ / "good.mp4").string());
-    const AVCodecParameters& parameters = *made.stream(*made.best(AVMEDIA_TYPE_VIDEO)).codecpar;
-    const DecoderConfiguration configuration(
-        NalCodec::h264, {parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)});
+    const AnnexB annexB(NalCodec::h264, made.stream(*made.best(AVMEDIA_TYPE_VIDEO)));
     std::vector<int> identifiers;
-    for (const Bytes& set : configuration.sets())
+    for (const Bytes& set : annexB.header(true))
         identifiers.push_back(pictureParameterSet(set) ? pictureParameterSet(set)->id
                                                        : sequenceParameterSet(NalCodec::h264, set)->id);
     EXPECT_EQ(identifiers, (std::vector<int>{0, 1, 0, 1}));

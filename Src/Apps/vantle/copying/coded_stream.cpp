@@ -10,7 +10,9 @@ extern "C" {
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "media/annex_b.h"
 #include "media/convert.h"
 
 namespace vantle {
@@ -45,31 +47,31 @@ void checkParameters(const Input& input, const AVCodecParameters& parameters) {
         refuse(input, "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
 }
 
-void checkParameterSets(const Input& input, const DecoderConfiguration& configuration) {
-    for (const Bytes& set : configuration.sets()) {
-        const std::optional<SequenceParameterSet> sequence = sequenceParameterSet(configuration.codec(), set);
+void checkParameterSets(const Input& input, NalCodec codec, const std::vector<Bytes>& sets) {
+    for (const Bytes& set : sets) {
+        const std::optional<SequenceParameterSet> sequence = sequenceParameterSet(codec, set);
         if (sequence && !sequence->progressive)
             refuse(input,
                    "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
         const std::optional<PictureParameterSet> picture =
-            configuration.codec() == NalCodec::h264 ? pictureParameterSet(set) : std::nullopt;
+            codec == NalCodec::h264 ? pictureParameterSet(set) : std::nullopt;
         if ((sequence && sequence->separatePlanes) || (picture && picture->sliceGroups))
             refuse(input, "its pictures are coded in a way that few decoders know; others can be copied");
     }
 }
 
 /// Whether decoding may begin with a packet, by what lies in it.
-bool beginsAfresh(const Input& input, const AVPacket& packet, const DecoderConfiguration& configuration) {
+bool beginsAfresh(const Input& input, const AVPacket& packet, const CodedPictures& coded) {
     bool fresh = true;
-    for (const ByteView unit : unitsWithLengths(contents(packet))) {
-        switch (kindOf(configuration.codec(), unit)) {
+    for (const ByteView unit : unitsOf(contents(packet))) {
+        switch (kindOf(coded.codec, unit)) {
             case NalKind::slice:
                 fresh = false;
                 break;
             case NalKind::foreign:
                 refuse(input, "its pictures come in partitions or layers, which cannot be copied");
             case NalKind::parameterSet:
-                if (std::ranges::none_of(configuration.sets(),
+                if (std::ranges::none_of(coded.parameterSets,
                                          [&](const Bytes& set) { return std::ranges::equal(set, unit); }))
                     refuse(input, "its codec settings change on the way; ffmpeg -i IN OUT.mp4 mends that");
                 break;
@@ -158,22 +160,22 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
     checkParameters(input, parameters);
     if (parameters.extradata_size <= 0)
         refuse(input, "its packets lack a description; " + std::string(rewrap));
-    CodedPictures coded{
-        .stream = stream,
-        .codec = codec,
-        .parameters = copyOf(parameters),
-        .configuration = DecoderConfiguration(
-            codec, {parameters.extradata, static_cast<std::size_t>(parameters.extradata_size)}),
-        .timeBase = packets.stream(stream).time_base,
-        .rate = rate,
-        .pictures = {}};
-    checkParameterSets(input, coded.configuration);
+    AnnexB annexB(codec, packets.stream(stream));
+    CodedPictures coded{.stream = stream,
+                        .codec = codec,
+                        .parameters = copyOf(parameters),
+                        .parameterSets = annexB.header(true),
+                        .headerSei = annexB.header(false),
+                        .timeBase = packets.stream(stream).time_base,
+                        .rate = rate,
+                        .pictures = {}};
+    checkParameterSets(input, codec, coded.parameterSets);
     packets.useAlone(stream);
-    while (const av::Packet packet = packets.read(stream)) {
+    while (av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
-        coded.pictures.push_back({.time = packet->pts,
-                                  .number = 0,
-                                  .randomAccess = beginsAfresh(input, *packet, coded.configuration)});
+        packet = annexB.converted(std::move(packet));
+        coded.pictures.push_back(
+            {.time = packet->pts, .number = 0, .randomAccess = beginsAfresh(input, *packet, coded)});
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
     number(input, coded);

@@ -29,7 +29,8 @@ struct CodedPictures {
     int stream;
     NalCodec codec;
     av::Parameters parameters;
-    DecoderConfiguration configuration;
+    std::vector<Bytes> parameterSets;  ///< of all its pictures
+    std::vector<Bytes> headerSei;      ///< kept beside its packets: about the file's own making
     AVRational timeBase;
     AVRational rate;
     std::int64_t start = 0;  ///< when the first picture shows

@@ -4,8 +4,7 @@
 #include <string>
 
 #include "copying/copy_plan.h"
-#include "output/movie_writer.h"
-#include "output/writer.h"
+#include "output/movie_kind.h"
 #include "system/progress_bar.h"
 
 namespace vantle {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "copying/coded_stream.h"
-#include "output/writer.h"
 #include "playing/open_film.h"
 #include "timeline/film.h"
 

@@ -11,48 +11,56 @@ namespace vantle {
 namespace {
 
 /// How far around what is kept an encoder hears, to settle: eight AAC frames.
-constexpr std::int64_t around = 8 * std::int64_t{CodedAudio::frameSamples};
-
-AudioFormat formatOf(const AVCodecContext& codec) {
-    return {codec.sample_rate, codec.sample_fmt, codec.ch_layout.nb_channels, codec.frame_size};
-}
+constexpr std::int64_t around = 8;
 
 }  // namespace
 
-EncodedAudio::EncodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
-                           std::vector<std::int64_t> delays)
+AudioFrames::AudioFrames(const OpenFilm& open, const AudioFormat& format, std::int64_t first,
+                         std::vector<std::int64_t> delays)
     : film_(open.film()),
-      encoder_(std::move(encoder)),
-      kept_(kept),
-      sample_(std::max<std::int64_t>(kept.first - around, 0)),
-      track_(open, formatOf(encoder_->context()), sample_, true, std::move(delays)),
-      frame_(
-          av_rescale_rnd(sample_, film_.canvas.rate.num,
-                         static_cast<std::int64_t>(film_.canvas.rate.den) * encoder_->context().sample_rate,
-                         AV_ROUND_DOWN)) {}
+      sample_(first),
+      mix_(open, format, first, true, std::move(delays)),
+      frame_(av_rescale_rnd(first, film_.canvas.rate.num,
+                            static_cast<std::int64_t>(film_.canvas.rate.den) * format.sampleRate,
+                            AV_ROUND_DOWN)) {}
 
-av::Packet EncodedAudio::next() {
+av::Frame AudioFrames::next() {
     for (;;) {
-        if (av::Packet packet = encoder_->receive()) {
-            if (packet->pts >= kept_.first && packet->pts < kept_.end) return packet;
-            continue;
-        }
-        if (flushed_) return nullptr;
-        const bool heard = sample_ >= kept_.end + around;
-        if (const av::Frame samples = heard ? nullptr : track_.pull()) {
+        if (av::Frame samples = mix_.pull()) {
             samples->pts = sample_;
             sample_ += samples->nb_samples;
-            encoder_->send(samples.get());
-        } else if (heard || finished_) {
-            encoder_->send(nullptr);
-            flushed_ = true;
-        } else if (frame_ < film_.frames()) {
-            track_.advance(++frame_);
-        } else {
-            track_.finish();
-            finished_ = true;
+            return samples;
         }
+        if (finished_) return nullptr;
+        finished_ = frame_ == film_.frames();
+        if (finished_)
+            mix_.finish();
+        else
+            mix_.advance(++frame_);
     }
+}
+
+std::unique_ptr<PacketSource> encodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder) {
+    const auto frames = std::make_shared<AudioFrames>(open, audioFormatOf(encoder->context()), 0,
+                                                      std::vector<std::int64_t>{});
+    return std::make_unique<EncodedPackets>(std::move(encoder), [frames] { return frames->next(); });
+}
+
+EncodedAudio::EncodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder, std::int64_t first,
+                           std::int64_t end, std::vector<std::int64_t> delays)
+    : first_(first * CodedAudio::frameSamples),
+      end_(end * CodedAudio::frameSamples),
+      frames_(open, audioFormatOf(encoder->context()),
+              std::max<std::int64_t>(first - around, 0) * CodedAudio::frameSamples, std::move(delays)),
+      packets_(std::move(encoder), [this, heard = (end + around) * CodedAudio::frameSamples] {
+          av::Frame samples = frames_.next();
+          return samples && samples->pts < heard ? std::move(samples) : nullptr;
+      }) {}
+
+av::Packet EncodedAudio::next() {
+    av::Packet packet = packets_.next();
+    while (packet && packet->pts < first_) packet = packets_.next();
+    return packet && packet->pts < end_ ? std::move(packet) : nullptr;
 }
 
 CopiedAudio::CopiedAudio(const std::string& name, const CodedAudio& coded, std::int64_t first,
@@ -83,14 +91,18 @@ av::Packet CopiedAudio::next() {
     return packet;
 }
 
+AVStream& FilmAudio::addTo(Muxer& muxer) const {
+    const av::Parameters parameters = copyOf(plan_.modelAudio());
+    parameters->codec_tag = 0;
+    parameters->initial_padding = CodedAudio::frameSamples;
+    return muxer.add(*parameters, timeBase(), {0, 1});
+}
+
 av::Packet FilmAudio::nextOfStretch() {
     const AudioStretch& stretch = plan_.audioStretches[stretch_];
-    constexpr std::int64_t frameSamples = CodedAudio::frameSamples;
     if (!stretch.part) {
         if (!encoding_)
-            encoding_.emplace(open_, makeEncoder_(),
-                              SampleRange{stretch.first * frameSamples, stretch.end() * frameSamples},
-                              plan_.audioDelays);
+            encoding_.emplace(open_, makeEncoder_(), stretch.first, stretch.end(), plan_.audioDelays);
         return encoding_->next();
     }
     if (!copying_)

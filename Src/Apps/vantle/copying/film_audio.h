@@ -12,38 +12,50 @@
 #include "copying/copy_plan.h"
 #include "media/demuxer.h"
 #include "media/encoder.h"
+#include "media/packet_source.h"
 #include "playing/audio_mix.h"
 
 namespace vantle {
 
-/// Samples of a film's audio, first and end.
-struct SampleRange {
-    std::int64_t first = 0;
-    std::int64_t end = 0;
-};
-
-/// Part of a film's audio, encoded.
-class EncodedAudio {
+/// A film's audio for an encoder, read apart from its pictures.
+class AudioFrames {
    public:
-    /// The packets that begin in `kept`. What lies around it is heard by the encoder too, as the film has it.
-    /// `delays` are those of AudioMix.
-    EncodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder, const SampleRange& kept,
-                 std::vector<std::int64_t> delays = {});
+    /// From the film's sample `first` on. `delays` are those of AudioMix.
+    AudioFrames(const OpenFilm& open, const AudioFormat& format, std::int64_t first,
+                std::vector<std::int64_t> delays);
 
-    /// The next packet, its times in samples, or null at the end.
-    av::Packet next();
-
-    const AVCodecContext& context() const { return encoder_->context(); }
+    /// The next audio, its time in samples of the film; null at the end.
+    av::Frame next();
 
    private:
     const Film& film_;
-    std::unique_ptr<Encoder> encoder_;
-    SampleRange kept_;
-    std::int64_t sample_;  // the next that the encoder is to hear
-    AudioMix track_;
-    std::int64_t frame_;     // of the film, before which the audio is mixed
-    bool finished_ = false;  // all of it is mixed
-    bool flushed_ = false;   // the encoder has been told of the end
+    std::int64_t sample_;
+    AudioMix mix_;
+    std::int64_t frame_;  // of the film, before which the audio is mixed
+    bool finished_ = false;
+};
+
+/// All of a film's audio, encoded.
+std::unique_ptr<PacketSource> encodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder);
+
+/// AAC frames of a film's audio, encoded. What lies around them is heard by the encoder too, as the film has
+/// it.
+class EncodedAudio {
+   public:
+    /// AAC frames `first` to before `end`.
+    EncodedAudio(const OpenFilm& open, std::unique_ptr<Encoder> encoder, std::int64_t first, std::int64_t end,
+                 std::vector<std::int64_t> delays);
+    EncodedAudio(const EncodedAudio&) = delete;
+    EncodedAudio& operator=(const EncodedAudio&) = delete;
+
+    /// The next packet, or null at the end.
+    av::Packet next();
+
+   private:
+    std::int64_t first_;  // samples
+    std::int64_t end_;
+    AudioFrames frames_;
+    EncodedPackets packets_;
 };
 
 /// Consecutive packets of an input's audio.
@@ -63,15 +75,16 @@ class CopiedAudio {
     std::int64_t end_;
 };
 
-/// All audio of a film whose plan copies some of it.
-class FilmAudio {
+/// All audio of a film whose plan copies some of it. Times are in samples.
+class FilmAudio final : public PacketSource {
    public:
     using MakeEncoder = std::function<std::unique_ptr<Encoder>()>;
     FilmAudio(const OpenFilm& open, const CopyPlan& plan, MakeEncoder makeEncoder)
         : open_(open), plan_(plan), makeEncoder_(std::move(makeEncoder)) {}
 
-    /// The next packet, its times in samples, or null at the end.
-    av::Packet next();
+    AVStream& addTo(Muxer& muxer) const override;
+    AVRational timeBase() const override { return {1, plan_.modelAudio().sample_rate}; }
+    av::Packet next() override;
 
    private:
     av::Packet nextOfStretch();

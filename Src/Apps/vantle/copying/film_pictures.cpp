@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <span>
 #include <utility>
 
@@ -34,51 +35,19 @@ av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
     packet->flags = like.flags & AV_PKT_FLAG_KEY;
     packet->pts = like.pts;
     packet->dts = like.dts;
+    packet->duration = like.duration;
     return packet;
 }
 
 }  // namespace
 
-EncodedPictures::EncodedPictures(const OpenFilm& open, const CopyPlan& plan, const StretchEncoder& encoder,
-                                 const Stretch& stretch, bool comparesAll)
-    : open_(open),
-      plan_(plan),
-      stretch_(stretch),
-      comparesAll_(comparesAll),
-      encoder_(encoder.open()),
-      reader_(open, stretch.first, false),
-      painter_(plan.film.canvas.size,
-               {encoder_->context().pix_fmt, open.inputOf(plan.film.parts[plan.model]).first().colorspace,
-                open.inputOf(plan.film.parts[plan.model]).first().color_range}),
-      frame_(stretch.first) {}
-
-EncodedPictures::~EncodedPictures() {
-    for (const Part& part : plan_.film.parts)
-        if (part.start < stretch_.end() && part.end() > stretch_.first) open_.inputOf(part).close();
-}
-
-av::Packet EncodedPictures::next() {
-    for (;;) {
-        if (av::Packet packet = encoder_->receive()) return packet;
-        if (flushed_) return nullptr;
-        flushed_ = frame_ == stretch_.end();
-        if (flushed_) {
-            encoder_->send(nullptr);
-            continue;
-        }
-        const av::Frame picture = painter_.paint(reader_.next());
-        picture->pict_type = AV_PICTURE_TYPE_NONE;
-        picture->pts = frame_;
-        if (comparesAll_ || plan_.isCompared(stretch_, frame_))
-            drawn_.emplace(frame_, brightnessOf(*picture));
-        ++frame_;
-        encoder_->send(picture.get());
-    }
-}
-
 CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
                                std::int64_t count)
-    : coded_(coded), input_(name), first_(first), left_(count) {
+    : coded_(coded),
+      input_(name),
+      annexB_(coded.codec, input_.stream(coded.stream)),
+      first_(first),
+      left_(count) {
     input_.useAlone(coded.stream);
     const auto start = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
         return picture.randomAccess && picture.number == first;
@@ -103,7 +72,9 @@ av::Packet CopiedPictures::next() {
     }
     --left_;
     packet->pts = coded_.numberOf(*packet);
-    return packet;
+    // What comes with it beside its contents was for the source's container.
+    av_packet_free_side_data(packet.get());
+    return annexB_.converted(std::move(packet));
 }
 
 FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice,
@@ -125,49 +96,65 @@ FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const Enc
             const auto& encoder =
                 encoders_.try_emplace(stretch.isSeam, plan, choice, stretch.isSeam).first->second;
             reorder_ = std::max(reorder_, encoder.reorder());
-            noteLevels(encoder.sets());
+            noteLevels(encoder.parameterSets());
         }
     }
     for (const auto& pictures : plan.pictures)
-        if (pictures) noteLevels(pictures->configuration.sets());
-    for (const auto& [seams, encoder] : encoders_) encodedSets_[seams] = setsOf(encoder.sets());
+        if (pictures) noteLevels(pictures->parameterSets);
+    for (const auto& [seams, encoder] : encoders_)
+        encodedSets_[seams] = restatedSets(encoder.parameterSets());
     for (std::size_t i = 0; i < plan.pictures.size(); ++i)
-        if (plan.pictures[i]) copiedSets_[i] = setsOf(plan.pictures[i]->configuration.sets());
+        if (plan.pictures[i]) copiedSets_[i] = restatedSets(plan.pictures[i]->parameterSets);
 }
 
-std::vector<Bytes> FilmPictures::setsOf(const std::vector<Bytes>& own) const {
+std::vector<Bytes> FilmPictures::restatedSets(const std::vector<Bytes>& own) const {
     std::vector<Bytes> sets;
     for (const Bytes& set : own) sets.push_back(restated(plan_.modelPictures().codec, set, reorder_, level_));
     return sets;
 }
 
-av::Parameters FilmPictures::parameters() const {
+AVStream& FilmPictures::addTo(Muxer& muxer) const {
     const CodedPictures& model = plan_.modelPictures();
-    av::Parameters parameters = copyOf(*model.parameters);
+    const av::Parameters parameters = copyOf(*model.parameters);
     // Those of the first stretch, and all others that do not take their place: beside being in each stretch.
     std::vector<Bytes> sets = copiedSets_[plan_.model];
     if (model.codec == NalCodec::h264)
         for (const auto& [seams, encoded] : encodedSets_)
             sets.insert(sets.end(), encoded.begin(), encoded.end());
-    const Bytes record = model.configuration.withSets(sets);
+    Bytes header;
+    for (const Bytes& set : sets) appendUnit(header, set);
     av_freep(&parameters->extradata);
     parameters->extradata = static_cast<std::uint8_t*>(
-        av::check(av_mallocz(record.size() + AV_INPUT_BUFFER_PADDING_SIZE), "parameters"));
-    parameters->extradata_size = static_cast<int>(record.size());
-    std::ranges::copy(record, parameters->extradata);
+        av::check(av_mallocz(header.size() + AV_INPUT_BUFFER_PADDING_SIZE), "parameters"));
+    parameters->extradata_size = static_cast<int>(header.size());
+    std::ranges::copy(header, parameters->extradata);
     parameters->codec_tag = 0;
     parameters->video_delay = reorder_;
-    return parameters;
+    return muxer.add(*parameters, timeBase(), plan_.film.canvas.rate);
+}
+
+void FilmPictures::beginEncoding(const Stretch& stretch) {
+    std::unique_ptr<Encoder> encoder = encoders_.at(stretch.isSeam).open();
+    const AVFrame& like = open_.inputOf(plan_.film.parts[plan_.model]).first();
+    player_.emplace(open_, stretch.first, stretch.end(),
+                    PictureFormat{encoder->context().pix_fmt, like.colorspace, like.color_range},
+                    std::nullopt);
+    encoding_.emplace(std::move(encoder), [this, stretch] {
+        av::Frame picture = player_->picture();
+        if (!picture) return picture;
+        picture->pts += stretch.first;
+        if (comparesAll_ || plan_.isCompared(stretch, picture->pts))
+            drawn_.emplace(picture->pts, brightnessOf(*picture));
+        return picture;
+    });
 }
 
 av::Packet FilmPictures::nextOfStretch() {
     const Stretch& stretch = plan_.stretches[stretch_];
     begun_ = encoding_ || copying_;
     if (!stretch.part) {
-        if (!encoding_) encoding_.emplace(open_, plan_, encoders_.at(stretch.isSeam), stretch, comparesAll_);
-        av::Packet packet = encoding_->next();
-        if (!packet) drawn_.merge(encoding_->drawn());
-        return packet;
+        if (!encoding_) beginEncoding(stretch);
+        return encoding_->next();
     }
     const Part& part = plan_.film.parts[*stretch.part];
     const std::int64_t offset = part.offset();
@@ -179,16 +166,24 @@ av::Packet FilmPictures::nextOfStretch() {
     return packet;
 }
 
+void FilmPictures::endStretch() {
+    const Stretch& stretch = plan_.stretches[stretch_++];
+    copying_.reset();
+    if (!encoding_) return;
+    encoding_.reset();
+    player_.reset();
+    for (const Part& part : plan_.film.parts)
+        if (part.start < stretch.end() && part.end() > stretch.first) open_.inputOf(part).close();
+}
+
 av::Packet FilmPictures::next() {
-    for (; stretch_ < plan_.stretches.size(); ++stretch_) {
+    while (stretch_ < plan_.stretches.size()) {
         if (av::Packet packet = nextOfStretch()) {
             packet->dts = packets_++ - reorder_;
             packet->duration = 1;
-            packet = rewritten(std::move(packet));
-            return packet;
+            return rewritten(std::move(packet));
         }
-        encoding_.reset();
-        copying_.reset();
+        endStretch();
     }
     return nullptr;
 }
@@ -196,35 +191,32 @@ av::Packet FilmPictures::next() {
 av::Packet FilmPictures::rewritten(av::Packet packet) const {
     const NalCodec codec = plan_.modelPictures().codec;
     const Stretch& stretch = plan_.stretches[stretch_];
-    const std::optional<std::size_t>& part = stretch.part;
-    const ByteView bytes(packet->data, static_cast<std::size_t>(packet->size));
-    const std::vector<ByteView> units = part ? unitsWithLengths(bytes) : unitsWithStartCodes(bytes);
+    const std::vector<ByteView> units = unitsOf({packet->data, static_cast<std::size_t>(packet->size)});
     const bool key = (packet->flags & AV_PKT_FLAG_KEY) != 0;
-    const bool holdsSets = std::ranges::any_of(
-        units, [&](ByteView unit) { return kindOf(codec, unit) == NalKind::parameterSet; });
-    if (part && !key && !holdsSets) {
-        av_packet_free_side_data(packet.get());
-        return packet;
-    }
-    // In each stretch sets come before each keyframe, for those who start there.
+    const auto isDropped = [&](ByteView unit) {
+        const NalKind kind = kindOf(codec, unit);
+        if (kind != NalKind::other) return kind == NalKind::parameterSet;
+        // The encoder's own SEI, and what came from beside the packets.
+        return !stretch.part ||
+               std::ranges::any_of(plan_.pictures[*stretch.part]->headerSei,
+                                   [&](const Bytes& sei) { return std::ranges::equal(sei, unit); });
+    };
+    if (!key && std::ranges::none_of(units, isDropped)) return packet;
+    // In each stretch parameter sets come before each keyframe, for those who start there.
     Bytes contents;
     bool opened = !key;
     for (const ByteView unit : units) {
-        const NalKind kind = kindOf(codec, unit);
-        if (!opened && kind != NalKind::delimiter) {
-            for (const Bytes& set : part ? copiedSets_[*part] : encodedSets_.at(stretch.isSeam))
+        if (!opened && kindOf(codec, unit) != NalKind::delimiter) {
+            for (const Bytes& set :
+                 stretch.part ? copiedSets_[*stretch.part] : encodedSets_.at(stretch.isSeam))
                 appendUnit(contents, set);
             opened = true;
         }
-        // Drop the encoder's own parameter sets and SEI.
-        if (kind == NalKind::parameterSet || (!part && kind == NalKind::other)) continue;
-        const std::size_t at = contents.size() + 4;
-        appendUnit(contents, unit);
-        if (!begun_ && codec == NalCodec::hevc) breakLink(std::span(contents).subspan(at));
+        if (isDropped(unit)) continue;
+        const std::span<std::uint8_t> appended = appendUnit(contents, unit);
+        if (!begun_ && codec == NalCodec::hevc) breakLink(appended);
     }
-    av::Packet result = packetOf(contents, *packet);
-    result->duration = packet->duration;
-    return result;
+    return packetOf(contents, *packet);
 }
 
 }  // namespace vantle

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,43 +11,14 @@
 #include "copying/copy_plan.h"
 #include "copying/picture_likeness.h"
 #include "copying/stretch_encoder.h"
+#include "media/annex_b.h"
 #include "media/demuxer.h"
-#include "media/encoder.h"
-#include "playing/film_reader.h"
-#include "playing/painter.h"
+#include "media/packet_source.h"
+#include "playing/film_player.h"
 
 namespace vantle {
 
-/// One stretch of a film's frames, encoded.
-class EncodedPictures {
-   public:
-    /// Remembers what is drawn in the frames that the plan compares, or in all.
-    EncodedPictures(const OpenFilm& open, const CopyPlan& plan, const StretchEncoder& encoder,
-                    const Stretch& stretch, bool comparesAll);
-    EncodedPictures(const EncodedPictures&) = delete;
-    EncodedPictures& operator=(const EncodedPictures&) = delete;
-    ~EncodedPictures();
-
-    /// The next packet, its times in frames of the film, or null at the end.
-    av::Packet next();
-
-    /// What has been drawn, as far as it is remembered, by frame.
-    std::map<std::int64_t, Brightness>& drawn() { return drawn_; }
-
-   private:
-    const OpenFilm& open_;
-    const CopyPlan& plan_;
-    Stretch stretch_;
-    bool comparesAll_;
-    std::unique_ptr<Encoder> encoder_;
-    FilmReader reader_;
-    Painter painter_;
-    std::int64_t frame_;
-    bool flushed_ = false;
-    std::map<std::int64_t, Brightness> drawn_;
-};
-
-/// Consecutive pictures of an input, from one on with which decoding may begin, as they are coded.
+/// Consecutive pictures of an input, from one on with which decoding may begin, in Annex B.
 class CopiedPictures {
    public:
     CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
@@ -60,30 +30,33 @@ class CopiedPictures {
    private:
     const CodedPictures& coded_;
     Demuxer input_;
+    AnnexB annexB_;
     std::int64_t first_;
     std::int64_t left_;
     av::Packet ahead_;  // the first, found by going there
 };
 
-/// All pictures of a film in the order in which they are decoded. Times are in frames of the film; that of
-/// decoding rises by one from packet to packet and is never after that of showing.
-class FilmPictures {
+/// All pictures of a film. Times are in frames of the film; that of decoding rises by one from packet to
+/// packet and is never after that of showing.
+class FilmPictures final : public PacketSource {
    public:
-    /// Encodes as StretchEncoder does, and remembers what EncodedPictures does.
+    /// Encodes as StretchEncoder does. What is drawn in the frames that the plan compares is remembered, with
+    /// `comparesAll` in all.
     FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
 
-    /// The stream's description for a file.
-    av::Parameters parameters() const;
-
-    av::Packet next();
+    AVStream& addTo(Muxer& muxer) const override;
+    AVRational timeBase() const override { return av_inv_q(plan_.film.canvas.rate); }
+    av::Packet next() override;
 
     /// What has been drawn for the encoders, as far as it is remembered, by frame.
     const std::map<std::int64_t, Brightness>& drawn() const { return drawn_; }
 
    private:
     /// The parameter sets of one stretch as the film has them.
-    std::vector<Bytes> setsOf(const std::vector<Bytes>& own) const;
+    std::vector<Bytes> restatedSets(const std::vector<Bytes>& own) const;
+    void beginEncoding(const Stretch& stretch);
     av::Packet nextOfStretch();
+    void endStretch();
     av::Packet rewritten(av::Packet packet) const;
 
     const OpenFilm& open_;
@@ -97,7 +70,8 @@ class FilmPictures {
     std::size_t stretch_ = 0;
     bool begun_ = false;  // the stretch has given its first packet
     std::int64_t packets_ = 0;
-    std::optional<EncodedPictures> encoding_;
+    std::optional<FilmPlayer> player_;
+    std::optional<EncodedPackets> encoding_;
     std::optional<CopiedPictures> copying_;
     std::map<std::int64_t, Brightness> drawn_;
 };

@@ -9,7 +9,7 @@ extern "C" {
 #include <string_view>
 
 #include "media/versions.h"
-#include "output/movie_writer.h"
+#include "output/movie_kind.h"
 
 namespace vantle {
 
@@ -20,7 +20,7 @@ std::set<int> identifiers(const CopyPlan& plan) {
     std::set<int> used;
     for (const auto& pictures : plan.pictures) {
         if (!pictures || pictures->codec != NalCodec::h264) continue;
-        for (const Bytes& set : pictures->configuration.sets()) {
+        for (const Bytes& set : pictures->parameterSets) {
             if (const auto sequence = sequenceParameterSet(NalCodec::h264, set)) used.insert(sequence->id);
             if (const auto picture = pictureParameterSet(set)) used.insert(picture->id);
         }
@@ -82,9 +82,9 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
         reorder_ = context.has_b_frames;
         bool complete = false;
         for (const ByteView set :
-             unitsWithStartCodes({context.extradata, static_cast<std::size_t>(context.extradata_size)})) {
+             unitsOf({context.extradata, static_cast<std::size_t>(context.extradata_size)})) {
             if (kindOf(model.codec, set) != NalKind::parameterSet) continue;
-            sets_.emplace_back(set.begin(), set.end());
+            parameterSets_.emplace_back(set.begin(), set.end());
             if (const std::optional<SequenceParameterSet> sequence = sequenceParameterSet(model.codec, set)) {
                 reorder_ = std::max(reorder_, sequence->reorder);
                 complete = true;

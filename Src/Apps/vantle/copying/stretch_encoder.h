@@ -28,7 +28,7 @@ class StretchEncoder {
     std::unique_ptr<Encoder> open() const;
 
     /// The parameter sets of all that it encodes.
-    const std::vector<Bytes>& sets() const { return sets_; }
+    const std::vector<Bytes>& parameterSets() const { return parameterSets_; }
 
     /// Its reorder depth.
     int reorder() const { return reorder_; }
@@ -38,7 +38,7 @@ class StretchEncoder {
     const AVCodec* codec_ = nullptr;
     av::Options options_;
     bool seams_;
-    std::vector<Bytes> sets_;
+    std::vector<Bytes> parameterSets_;
     int reorder_ = 0;
 };
 

@@ -9,6 +9,10 @@ extern "C" {
 
 namespace vantle {
 
+AudioFormat audioFormatOf(const AVCodecContext& encoder) {
+    return {encoder.sample_rate, encoder.sample_fmt, encoder.ch_layout.nb_channels, encoder.frame_size};
+}
+
 Filter toFormat(const AudioFormat& format) {
     AVChannelLayout layout{};
     av_channel_layout_default(&layout, format.channels);

@@ -16,6 +16,9 @@ struct AudioFormat {
     int frameSamples = 0;  ///< samples that an encoder takes at a time, but the last; 0: any number
 };
 
+/// What an encoder of audio takes.
+AudioFormat audioFormatOf(const AVCodecContext& encoder);
+
 /// The filter that brings audio to a format.
 Filter toFormat(const AudioFormat& format);
 

@@ -16,6 +16,11 @@ struct PictureFormat {
     AVColorRange range = AVCOL_RANGE_JPEG;
 };
 
+/// What an encoder of pictures takes.
+inline PictureFormat pictureFormatOf(const AVCodecContext& encoder) {
+    return {encoder.pix_fmt, encoder.colorspace, encoder.color_range};
+}
+
 /// A new picture for a writer, its pixels not set.
 av::Frame blankPicture(Size size, const PictureFormat& format);
 

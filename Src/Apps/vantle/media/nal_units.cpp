@@ -1,9 +1,7 @@
 #include "media/nal_units.h"
 
-#include <algorithm>
-#include <array>
-
-#include "Host/error.h"
+#include <cstddef>
+#include <cstring>
 
 namespace vantle {
 
@@ -55,42 +53,33 @@ NalKind kindOf(NalCodec codec, ByteView unit) {
     return layer == 0 ? kindInHevc(hevcType(unit)) : NalKind::foreign;
 }
 
-std::vector<ByteView> unitsWithLengths(ByteView packet) {
-    std::vector<ByteView> units;
-    while (!packet.empty()) {
-        std::size_t length = 0;
-        for (std::size_t i = 0; i < 4; ++i) length = length << 8 | (i < packet.size() ? packet[i] : 0xFF);
-        if (length == 0 || packet.size() < 4 || packet.size() - 4 < length)
-            throw Error("a packet is damaged");
-        units.push_back(packet.subspan(4, length));
-        packet = packet.subspan(4 + length);
-    }
-    return units;
-}
-
-std::vector<ByteView> unitsWithStartCodes(ByteView stream) {
-    constexpr std::array<std::uint8_t, 3> code{0, 0, 1};
-    std::vector<ByteView> units;
-    const auto next = [&](ByteView in) {
-        return std::search(in.begin(), in.end(), code.begin(), code.end());
+std::vector<ByteView> unitsOf(ByteView stream) {
+    constexpr std::size_t codeSize = 3;  // 0, 0, 1
+    const auto nextCode = [&](std::size_t from) {
+        for (std::size_t at = from + 2; at < stream.size(); ++at) {
+            const void* const one = std::memchr(stream.data() + at, 1, stream.size() - at);
+            if (one == nullptr) break;
+            at = static_cast<std::size_t>(static_cast<const std::uint8_t*>(one) - stream.data());
+            if (stream[at - 1] == 0 && stream[at - 2] == 0) return at - 2;
+        }
+        return stream.size();
     };
-    auto found = next(stream);
-    while (found != stream.end()) {
-        const ByteView rest(found + code.size(), stream.end());
-        const auto end = next(rest);
-        ByteView unit(rest.begin(), end);
-        found = stream.end() - (rest.end() - end);
+    std::vector<ByteView> units;
+    for (std::size_t code = nextCode(0); code < stream.size();) {
+        const std::size_t next = nextCode(code + codeSize);
+        ByteView unit = stream.subspan(code + codeSize, next - code - codeSize);
         // Zeros before the next code belong to it.
         while (!unit.empty() && unit.back() == 0) unit = unit.first(unit.size() - 1);
         if (!unit.empty()) units.push_back(unit);
+        code = next;
     }
     return units;
 }
 
-void appendUnit(Bytes& packet, ByteView unit) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-        packet.push_back(static_cast<std::uint8_t>(unit.size() >> shift));
-    packet.insert(packet.end(), unit.begin(), unit.end());
+std::span<std::uint8_t> appendUnit(Bytes& stream, ByteView unit) {
+    stream.insert(stream.end(), {0, 0, 0, 1});
+    stream.insert(stream.end(), unit.begin(), unit.end());
+    return std::span(stream).last(unit.size());
 }
 
 void breakLink(std::span<std::uint8_t> unit) {

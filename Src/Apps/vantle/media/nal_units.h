@@ -25,14 +25,11 @@ enum class NalKind : std::uint8_t {
 
 NalKind kindOf(NalCodec codec, ByteView unit);
 
-/// The units of a packet in a file, each behind its length of four bytes. Throws Error when they do not fit.
-std::vector<ByteView> unitsWithLengths(ByteView packet);
+/// The units of a byte stream (Annex B of both standards), each behind a start code.
+std::vector<ByteView> unitsOf(ByteView stream);
 
-/// The units of a stream, each behind a start code.
-std::vector<ByteView> unitsWithStartCodes(ByteView stream);
-
-/// Puts a unit behind its length at the end of a packet.
-void appendUnit(Bytes& packet, ByteView unit);
+/// Puts a unit behind a start code at the end of a byte stream. Returns where it lies there.
+std::span<std::uint8_t> appendUnit(Bytes& stream, ByteView unit);
 
 /// Makes a CRA picture's unit one of a BLA picture without pictures shown before it; others stay.
 void breakLink(std::span<std::uint8_t> unit);

@@ -258,17 +258,6 @@ Parsed parse(NalCodec codec, const Bytes& bytes) {
     return codec == NalCodec::h264 ? parseH264(bytes) : parseHevc(bytes);
 }
 
-/// Sixteen bits, the high ones first.
-std::size_t pairAt(ByteView bytes, std::size_t at) {
-    if (at + 2 > bytes.size()) failDamaged();
-    return static_cast<std::size_t>(bytes[at]) << 8 | bytes[at + 1];
-}
-
-void appendPair(Bytes& bytes, std::size_t value) {
-    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
-    bytes.push_back(static_cast<std::uint8_t>(value));
-}
-
 }  // namespace
 
 std::optional<SequenceParameterSet> sequenceParameterSet(NalCodec codec, ByteView unit) {
@@ -317,76 +306,6 @@ Bytes restated(NalCodec codec, ByteView unit, int reorder, int level) {
         write.copy(bytes, parsed.rest, end - 1);
     }
     return escaped(write.finish());
-}
-
-DecoderConfiguration::DecoderConfiguration(NalCodec codec, ByteView record) : codec_(codec) {
-    const bool isH264 = codec == NalCodec::h264;
-    const std::size_t headSize = isH264 ? 5 : 22;
-    if (record.size() < headSize + 2 || record[0] != 1 || (record[isH264 ? 4 : 21] & 3) != 3)
-        throw Error("its packets do not have lengths of four bytes");
-    head_.assign(record.begin(), record.begin() + static_cast<std::ptrdiff_t>(headSize));
-    std::size_t at = headSize;
-    const auto readSets = [&](std::size_t count) {
-        for (; count > 0; --count) {
-            const std::size_t length = pairAt(record, at);
-            at += 2;
-            if (record.size() - at < length) failDamaged();
-            const ByteView set = record.subspan(at, length);
-            sets_.emplace_back(set.begin(), set.end());
-            at += length;
-        }
-    };
-    if (isH264) {
-        readSets(record[at++] & 31);
-        if (at >= record.size()) failDamaged();
-        readSets(record[at++]);
-        tail_.assign(record.begin() + static_cast<std::ptrdiff_t>(at), record.end());
-    } else {
-        for (std::size_t arrays = record[at++]; arrays > 0; --arrays) {
-            const std::size_t count = pairAt(record, at + 1);
-            at += 3;
-            readSets(count);
-        }
-    }
-    // Messages that a file keeps there are about its own making.
-    std::erase_if(sets_, [&](const Bytes& set) { return kindOf(codec_, set) != NalKind::parameterSet; });
-}
-
-Bytes DecoderConfiguration::withSets(const std::vector<Bytes>& sets) const {
-    Bytes record = head_;
-    const auto append = [&](auto&& isOne) {
-        for (const Bytes& set : sets)
-            if (isOne(set)) {
-                appendPair(record, set.size());
-                record.insert(record.end(), set.begin(), set.end());
-            }
-    };
-    if (codec_ == NalCodec::h264) {
-        const auto isSequence = [](const Bytes& set) { return (set[0] & 31) == 7; };
-        const auto first = std::ranges::find_if(sets, isSequence);
-        if (first == sets.end()) failDamaged();
-        std::copy_n(first->begin() + 1, 3, record.begin() + 1);
-        const auto count = std::ranges::count_if(sets, isSequence);
-        record.push_back(static_cast<std::uint8_t>(0xE0 | count));
-        append(isSequence);
-        record.push_back(static_cast<std::uint8_t>(std::ssize(sets) - count));
-        append([&](const Bytes& set) { return !isSequence(set); });
-        record.insert(record.end(), tail_.begin(), tail_.end());
-        return record;
-    }
-    const auto sequence =
-        std::ranges::find_if(sets, [](const Bytes& set) { return isSequenceSet(NalCodec::hevc, set); });
-    if (sequence == sets.end()) failDamaged();
-    std::copy_n(payload(*sequence).begin() + 3, 12, record.begin() + 1);
-    constexpr auto types = std::to_array<std::uint8_t>({32, 33, 34});
-    record.push_back(types.size());
-    for (const std::uint8_t type : types) {
-        const auto isOne = [&](const Bytes& set) { return (set[0] >> 1 & 63) == type; };
-        record.push_back(type);
-        appendPair(record, static_cast<std::size_t>(std::ranges::count_if(sets, isOne)));
-        append(isOne);
-    }
-    return record;
 }
 
 }  // namespace vantle

@@ -35,23 +35,4 @@ std::optional<PictureParameterSet> pictureParameterSet(ByteView unit);
 /// other sets come back as they are.
 Bytes restated(NalCodec codec, ByteView unit, int reorder, int level);
 
-/// What a file keeps of a stream outside its packets: avcC and hvcC (ISO/IEC 14496-15).
-class DecoderConfiguration {
-   public:
-    /// Reads one. Throws Error when it is none, or the packets' lengths do not have four bytes.
-    DecoderConfiguration(NalCodec codec, ByteView record);
-
-    NalCodec codec() const { return codec_; }
-    const std::vector<Bytes>& sets() const { return sets_; }
-
-    /// The same with other sets; the first sequence set's profile and level are the file's.
-    Bytes withSets(const std::vector<Bytes>& sets) const;
-
-   private:
-    NalCodec codec_;
-    Bytes head_;  // what comes before the sets
-    std::vector<Bytes> sets_;
-    Bytes tail_;  // and after them
-};
-
 }  // namespace vantle

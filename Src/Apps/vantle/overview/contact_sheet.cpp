@@ -13,7 +13,6 @@
 #include "media/filters.h"
 #include "output/picture_writer.h"
 #include "output/staged_file.h"
-#include "output/writer.h"
 
 namespace vantle {
 
@@ -137,14 +136,13 @@ void ContactSheet::addTexts() {
 
 void ContactSheet::write(const std::string& output, bool overwrite) {
     addTexts();
-    const std::unique_ptr<Writer> writer =
-        makePictureWriter({.name = output, .canvas = {layout_.sheet(), {1, 1}}, .overwrite = overwrite});
-    av::Frame picture = blankPicture(layout_.sheet(), writer->pictureFormat());
+    PictureWriter writer(output, layout_.sheet(), overwrite);
+    av::Frame picture = blankPicture(layout_.sheet(), writer.format());
     sheet_->colorspace = sheetFormat.space;
     sheet_->color_range = sheetFormat.range;
     Converter(true).convert(viewOf(*sheet_), viewOf(*picture));
-    writer->write(std::move(picture), 0);
-    writer->finish();
+    writer.write(std::move(picture), 0);
+    writer.finish();
 }
 
 }  // namespace vantle

@@ -7,8 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "output/output_kind.h"
 #include "output/staged_folder.h"
-#include "output/writer.h"
 #include "overview/page_files.h"
 #include "overview/sprite.h"
 #include "system/interrupt.h"

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "output/writer.h"
+#include "output/output_kind.h"
 
 namespace vantle {
 

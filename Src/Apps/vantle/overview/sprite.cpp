@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "media/encoder.h"
-#include "output/writer.h"
 
 namespace vantle {
 

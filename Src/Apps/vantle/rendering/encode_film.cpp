@@ -1,64 +1,21 @@
 #include "rendering/encode_film.h"
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "Host/error.h"
-#include "playing/audio_mix.h"
-#include "playing/film_reader.h"
-#include "playing/painter.h"
+#include "media/packet_source.h"
+#include "media/palette.h"
+#include "output/movie_file.h"
+#include "output/picture_writer.h"
+#include "playing/film_player.h"
 #include "system/progress_bar.h"
-#include "timeline/time.h"
 
 namespace vantle {
 
 namespace {
-
-/// Draws frames of a film into a writer, with their audio where it takes any.
-class Rendering {
-   public:
-    /// Of the frames from `first` to before `end`.
-    Rendering(const OpenFilm& open, std::int64_t first, std::int64_t end, Writer& writer,
-              ProgressBar& progress)
-        : writer_(writer),
-          progress_(progress),
-          next_(first),
-          end_(end),
-          reader_(open, next_, writer.audioFormat().has_value()),
-          painter_(open.film().canvas.size, writer.pictureFormat()) {
-        if (const std::optional<AudioFormat> format = writer.audioFormat())
-            audio_.emplace(open, *format, sampleOf(next_, open.film().canvas.rate, format->sampleRate),
-                           false);
-    }
-
-    void run() {
-        for (; next_ < end_; ++next_) {
-            writer_.write(painter_.paint(reader_.next()), next_);
-            progress_.update(++written_);
-            if (audio_) audio_->advance(next_ + 1);
-            writeAudio();
-        }
-        if (audio_) audio_->finish();
-        writeAudio();
-    }
-
-   private:
-    void writeAudio() {
-        while (av::Frame samples = audio_ ? audio_->pull() : nullptr) writer_.writeAudio(std::move(samples));
-    }
-
-    Writer& writer_;
-    ProgressBar& progress_;
-    std::int64_t next_;
-    std::int64_t end_;
-    std::int64_t written_ = 0;
-    FilmReader reader_;
-    Painter painter_;
-    std::optional<AudioMix> audio_;
-};
 
 /// The join that `--at` means.
 std::size_t joinAt(const JoinPosition& at, const Film& film) {
@@ -72,6 +29,49 @@ std::size_t joinAt(const JoinPosition& at, const Film& film) {
     return join - 1;
 }
 
+void writePictures(const RenderRequest& request, const OpenFilm& open, std::int64_t first, std::int64_t end,
+                   ProgressBar& progress) {
+    const Delivery& delivery = request.delivery;
+    const Size size = open.film().canvas.size;
+    PictureWriter writer(delivery.output, size, delivery.force);
+    if (request.at) {
+        const std::size_t join = joinAt(*request.at, open.film());
+        writer.write(
+            Painter(size, writer.format()).paint(momentsOf(open, join, {request.at->position}).front()), 0);
+    } else {
+        FilmPlayer player(open, first, end, writer.format(), {});
+        for (std::int64_t frame = first; av::Frame picture = player.picture(); ++frame) {
+            writer.write(std::move(picture), frame);
+            progress.update(frame - first + 1);
+        }
+    }
+    writer.finish();
+}
+
+void writeMovie(const RenderRequest& request, const MovieKind& kind, const OpenFilm& open, std::int64_t first,
+                std::int64_t end, ProgressBar& progress) {
+    const Film& film = open.film();
+    MovieFile file(kind, request.delivery.output, request.delivery.force);
+    std::unique_ptr<Encoder> video =
+        makeVideoEncoder(kind, request.encoders, film.canvas, open.inputs.front()->first(),
+                         request.encoderOptions, file.wantsGlobalHeaders());
+    std::unique_ptr<Encoder> audio;
+    if (film.audio && kind.audioEncoder != nullptr)
+        audio = makeAudioEncoder(kind, request.encoders, *film.audio, 0, file.wantsGlobalHeaders());
+    // A format of 256 colours: each picture gets a palette of its own.
+    std::optional<Palettes> palettes;
+    if (video->context().pix_fmt == AV_PIX_FMT_PAL8) palettes.emplace(film.canvas.size);
+    FilmPlayer player(open, first, end, palettes ? Palettes::format : pictureFormatOf(video->context()),
+                      audio ? std::optional(audioFormatOf(audio->context())) : std::nullopt);
+    EncodedPackets pictures(
+        std::move(video), [&] { return palettes ? palettes->reduced(player.picture()) : player.picture(); });
+    std::optional<EncodedPackets> samples;
+    if (audio) samples.emplace(std::move(audio), [&] { return player.audio(); });
+    file.write(pictures, samples ? &*samples : nullptr, muxerOptions(kind),
+               [&](std::int64_t count) { progress.update(count); });
+    file.commit();
+}
+
 }  // namespace
 
 std::pair<std::int64_t, std::int64_t> wantedFrames(const RenderRequest& request, const Film& film) {
@@ -82,26 +82,13 @@ std::pair<std::int64_t, std::int64_t> wantedFrames(const RenderRequest& request,
 }
 
 std::int64_t encodeFilm(const RenderRequest& request, const OutputKind& kind, const OpenFilm& open) {
-    const Film& film = open.film();
-    const auto [first, end] = wantedFrames(request, film);
+    const auto [first, end] = wantedFrames(request, open.film());
     const std::int64_t frames = request.at ? 1 : end - first;
-    const std::unique_ptr<Writer> writer =
-        makeWriter(kind, {.name = request.delivery.output,
-                          .canvas = film.canvas,
-                          .colours = &open.inputs.front()->first(),
-                          .audio = kind.holdsAudio ? film.audio : std::nullopt,
-                          .overwrite = request.delivery.force,
-                          .encoders = request.encoders,
-                          .encoderOptions = request.encoderOptions});
     ProgressBar progress(frames, request.delivery.quiet);
-    if (request.at) {
-        const std::size_t join = joinAt(*request.at, film);
-        Painter painter(film.canvas.size, writer->pictureFormat());
-        writer->write(painter.paint(momentsOf(open, join, {request.at->position}).front()), 0);
-    } else {
-        Rendering(open, first, end, *writer, progress).run();
-    }
-    writer->finish();
+    if (kind.movie != nullptr)
+        writeMovie(request, *kind.movie, open, first, end, progress);
+    else
+        writePictures(request, open, first, end, progress);
     progress.finish();
     return frames;
 }

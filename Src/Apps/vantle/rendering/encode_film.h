@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "output/writer.h"
+#include "output/output_kind.h"
 #include "playing/open_film.h"
 #include "rendering/render.h"
 

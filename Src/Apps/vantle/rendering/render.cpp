@@ -15,7 +15,7 @@
 #include "Host/error.h"
 #include "copying/copy_film.h"
 #include "media/demuxer.h"
-#include "output/movie_writer.h"
+#include "output/movie_kind.h"
 #include "output/picture_writer.h"
 #include "output/staged_file.h"
 #include "overview/joins.h"

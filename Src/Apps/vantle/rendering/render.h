@@ -8,7 +8,7 @@
 #include "copying/copy_choice.h"
 #include "media/av.h"
 #include "output/delivery.h"
-#include "output/writer.h"
+#include "output/output_kind.h"
 #include "timeline/film.h"
 #include "timeline/film_request.h"
 

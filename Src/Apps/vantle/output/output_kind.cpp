@@ -1,10 +1,9 @@
-#include "output/writer.h"
+#include "output/output_kind.h"
 
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 
-#include "output/movie_writer.h"
 #include "output/picture_writer.h"
 
 namespace vantle {
@@ -33,10 +32,6 @@ void checkSpared(const FileSet& inputs, const std::filesystem::path& output) {
     for (std::filesystem::recursive_directory_iterator entry(output, none), end; entry != end;
          entry.increment(none))
         check(entry->path());
-}
-
-std::unique_ptr<Writer> makeWriter(const OutputKind& kind, const WriterOptions& options) {
-    return kind.movie != nullptr ? makeMovieWriter(*kind.movie, options) : makePictureWriter(options);
 }
 
 }  // namespace vantle
