@@ -19,6 +19,16 @@ struct Free {
 
 }  // namespace
 
+av::Graph parseGraph(const std::string& description) {
+    av::Graph graph(av::check(avfilter_graph_alloc(), "filters"));
+    AVFilterInOut* inputs = nullptr;
+    AVFilterInOut* outputs = nullptr;
+    avfilter_graph_parse2(graph.get(), description.c_str(), &inputs, &outputs);
+    avfilter_inout_free(&inputs);
+    avfilter_inout_free(&outputs);
+    return graph;
+}
+
 Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters)
     : graph_(av::check(avfilter_graph_alloc(), "filters")) {
     const bool video = like.width > 0;

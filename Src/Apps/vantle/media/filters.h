@@ -18,6 +18,10 @@ struct Filter {
     std::vector<std::size_t> inputs{};
 };
 
+/// The filters of a generated source's graph (`lavfi:`), those before the first fault where it has one; it is
+/// not ready to run.
+av::Graph parseGraph(const std::string& description);
+
 /// Filters, most often a chain, with one input and one output, that of the last filter.
 class Filters {
    public:

@@ -13,6 +13,8 @@ extern "C" {
 #include <memory>
 #include <string>
 
+#include "media/filters.h"
+
 namespace vantle {
 
 namespace {
@@ -91,12 +93,7 @@ void OpenedFiles::noteList(const fs::path& list) {
 }
 
 void OpenedFiles::noteFilters(const std::string& description) {
-    const av::Graph graph(av::check(avfilter_graph_alloc(), "filters"));
-    AVFilterInOut* inputs = nullptr;
-    AVFilterInOut* outputs = nullptr;
-    avfilter_graph_parse2(graph.get(), description.c_str(), &inputs, &outputs);
-    avfilter_inout_free(&inputs);
-    avfilter_inout_free(&outputs);
+    const av::Graph graph = parseGraph(description);
     for (unsigned i = 0; i < graph->nb_filters; ++i) {
         void* const filter = graph->filters[i]->priv;
         if (graph->filters[i]->filter->priv_class == nullptr) continue;

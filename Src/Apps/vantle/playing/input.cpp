@@ -34,12 +34,7 @@ int pictureStream(const Demuxer& demuxer) {
 
 /// True when one of a generated graph's own sources runs forever and no filter cuts it.
 bool runsForever(const std::string& description) {
-    const av::Graph graph(av::check(avfilter_graph_alloc(), "filters"));
-    AVFilterInOut* inputs = nullptr;
-    AVFilterInOut* outputs = nullptr;
-    avfilter_graph_parse2(graph.get(), description.c_str(), &inputs, &outputs);
-    avfilter_inout_free(&inputs);
-    avfilter_inout_free(&outputs);
+    const av::Graph graph = parseGraph(description);
     bool forever = false;
     for (unsigned i = 0; i < graph->nb_filters; ++i) {
         AVFilterContext* const filter = graph->filters[i];
