@@ -14,7 +14,7 @@ namespace vantle {
 
 namespace {
 
-bool sameForm(const AVFrame& a, const AVFrame& b) {
+bool sameSamples(const AVFrame& a, const AVFrame& b) {
     return a.sample_rate == b.sample_rate && a.format == b.format &&
            av_channel_layout_compare(&a.ch_layout, &b.ch_layout) == 0;
 }
@@ -38,7 +38,7 @@ av::Frame AudioSource::next() {
         ended_ = ended_ || !frame;
         if (frame && frame->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
             av_channel_layout_default(&frame->ch_layout, frame->ch_layout.nb_channels);
-        if (converter_ && (!frame || !sameForm(*frame, *like_))) {
+        if (converter_ && (!frame || !sameSamples(*frame, *like_))) {
             // The audio ends, or goes on in another format.
             converter_->close(AV_NOPTS_VALUE);
             held_ = std::move(frame);

@@ -19,7 +19,7 @@ int columns() {
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
-std::string clock(double seconds) {
+std::string clockTime(double seconds) {
     const long whole = std::lround(seconds);
     char text[32] = "";
     std::snprintf(text, sizeof text, "%ld:%02ld", whole / 60, whole % 60);
@@ -49,7 +49,7 @@ void ProgressBar::update(std::int64_t done) {
     const double seconds = std::chrono::duration<double>(now - start_).count();
     const double speed = static_cast<double>(done) / std::max(seconds, 1e-3);
     const double part = static_cast<double>(done) / static_cast<double>(total_);
-    const std::string left = clock(static_cast<double>(total_ - done) / std::max(speed, 1e-3));
+    const std::string left = clockTime(static_cast<double>(total_ - done) / std::max(speed, 1e-3));
     char numbers[160] = "";
     std::snprintf(numbers, sizeof numbers, "%3.0f %%  %s %lld of %lld  %.1f %ss/s  %s left", 100.0 * part,
                   unit_, static_cast<long long>(done), static_cast<long long>(total_), speed, unit_,
