@@ -69,7 +69,7 @@ class Verification : public CommandTest {
 
 TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     ASSERT_EQ(plan_.stretches.size(), 3U);
-    ASSERT_EQ(plan_.audioStretches.size(), 3U);
+    ASSERT_EQ(plan_.audioPlan.stretches.size(), 3U);
     write(".mp4");
     EXPECT_EQ(fault("cp good.mp4 bad.mp4", true), "");
     EXPECT_NE(filtered("-bsf:v \"noise=drop=eq(n\\,30)\"").find("number of packets"), std::string::npos);
@@ -117,7 +117,7 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     EXPECT_EQ(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\""), "");
     EXPECT_NE(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\"", true), "");
     EXPECT_NE(
-        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.audioStretches.back().end()) + ")\"")
+        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.audioPlan.stretches.back().end()) + ")\"")
             .find("number of packets of audio"),
         std::string::npos);
     const std::uint8_t drawn = drawn_.at(70).front();

@@ -23,9 +23,9 @@ av::Options fileOptions(const CopyPlan& plan, const MovieKind& kind) {
     const std::int64_t frames = plan.film.frames();
     const std::int64_t packets =
         !plan.film.audio ? 0
-        : plan.audioStretches.empty()
+        : plan.audioPlan.stretches.empty()
             ? sampleOf(frames, plan.film.canvas.rate, plan.film.audio->sampleRate) / shortest
-            : plan.audioStretches.back().end();
+            : plan.audioPlan.stretches.back().end();
     wanted["moov_size"] = std::to_string(65536 + perPicture * frames + perPacket * packets);
     return wanted;
 }
@@ -43,7 +43,7 @@ std::string copyFilm(const OpenFilm& open, const CopyPlan& plan, const CopyOptio
         return makeAudioEncoder(options.kind, options.encoders, *plan.film.audio, bitRate,
                                 file.wantsGlobalHeaders());
     };
-    if (!plan.audioStretches.empty())
+    if (!plan.audioPlan.stretches.empty())
         audio =
             std::make_unique<FilmAudio>(open, plan, [&] { return makeEncoder(plan.modelAudio().bit_rate); });
     else if (plan.film.audio)

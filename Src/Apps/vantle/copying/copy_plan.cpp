@@ -185,58 +185,6 @@ void findAlike(CopyPlan& plan, const Copyable& copyable) {
     }
 }
 
-/// The nearest multiple of an AAC frame.
-std::int64_t aacFrameAt(std::int64_t sample) {
-    return av_rescale_rnd(sample, 1, CodedAudio::frameSamples, AV_ROUND_NEAR_INF);
-}
-
-/// Lays out which AAC frames of the audio are copied: those in which one part is heard alone and as it is.
-void planAudio(CopyPlan& plan) {
-    const Film& film = plan.film;
-    plan.audioDelays.assign(film.parts.size(), 0);
-    const int rate = film.audio->sampleRate;
-    const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, rate); };
-    constexpr std::int64_t fewest = 16;
-    // .mp4 and .mov say to a thousandth of a second where audio ends: an AAC frame heard for less would be
-    // cut off.
-    const std::int64_t end =
-        av_rescale_rnd(sample(film.frames()) - rate / 1000, 1, CodedAudio::frameSamples, AV_ROUND_UP);
-    std::vector<AudioStretch>& stretches = plan.audioStretches;
-    std::int64_t next = -1;
-    const auto encodeTo = [&](std::int64_t aacFrame) {
-        if (aacFrame > next) stretches.push_back({next, aacFrame - next});
-        next = aacFrame;
-    };
-    for (std::size_t number = 0; number < film.parts.size(); ++number) {
-        const Part& part = film.parts[number];
-        if (!part.audible) continue;
-        const CodedAudio& audio = *plan.audio[number];
-        // Its packets keep their distance from each other, so that all are shifted alike, by half an AAC
-        // frame at most.
-        const std::int64_t shown = film.sourceOf(part).startSample(rate) + sample(part.first);
-        const std::int64_t meant = sample(part.start) + audio.first - shown;
-        const std::int64_t first = aacFrameAt(meant);
-        plan.audioDelays[number] = first * CodedAudio::frameSamples - meant;
-        const auto audible = [&](std::size_t other) { return film.parts[other].audible; };
-        const std::int64_t cleanFrom =
-            number == 0 ? -CodedAudio::frameSamples
-                        : sample(audible(number - 1) ? film.joins[number - 1].end() : part.start);
-        const std::int64_t cleanTo =
-            number == film.joins.size() ? std::numeric_limits<std::int64_t>::max() / 2
-                                        : sample(audible(number + 1) ? film.joins[number].start : part.end());
-        const std::int64_t from =
-            std::max({av_rescale_rnd(cleanFrom, 1, CodedAudio::frameSamples, AV_ROUND_UP), first, next});
-        const std::int64_t to =
-            std::min({av_rescale_rnd(cleanTo, 1, CodedAudio::frameSamples, AV_ROUND_DOWN) - 1,
-                      first + audio.packets, end});
-        if (to - from < fewest) continue;
-        encodeTo(from);
-        stretches.push_back({from, to - from, number, from - first});
-        next = to;
-    }
-    encodeTo(end);
-}
-
 /// Finds the audio of all parts, and whether it can be copied as the film's.
 bool findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
     if (!plan.film.audio || !plan.film.music.file.empty()) return false;
@@ -329,7 +277,8 @@ CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool 
                 if (plan.pictures[i]) copyable[i] = nullptr;
         }
     }
-    if (plan.copied() > 0 && keepsAudio && findAudio(plan, coded)) planAudio(plan);
+    if (plan.copied() > 0 && keepsAudio && findAudio(plan, coded))
+        plan.audioPlan = planAudio(film, plan.audio);
     return plan;
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "copying/audio_plan.h"
 #include "copying/coded_stream.h"
 #include "playing/open_film.h"
 #include "timeline/film.h"
@@ -25,16 +26,6 @@ struct Stretch {
     std::int64_t end() const { return first + frames; }
 };
 
-/// Consecutive AAC frames of a film's audio, which lie on a grid that begins one AAC frame before it.
-struct AudioStretch {
-    std::int64_t first = 0;
-    std::int64_t aacFrames = 0;
-    std::optional<std::size_t> part{};  ///< from which it is copied
-    std::int64_t source = 0;            ///< the first of its packets that is copied
-
-    std::int64_t end() const { return first + aacFrames; }
-};
-
 /// How many frames of these are copied.
 std::int64_t copiedFrames(const std::vector<Stretch>& stretches);
 
@@ -44,9 +35,7 @@ struct CopyPlan {
     std::size_t model = 0;                                       ///< the part that all others must be like
     std::vector<Stretch> stretches;
     std::vector<std::shared_ptr<const CodedAudio>> audio;  ///< by part
-    std::vector<AudioStretch> audioStretches;              ///< none: all audio is encoded
-    std::vector<std::int64_t>
-        audioDelays;                    ///< by part, the samples by which its audio comes late on the grid
+    AudioPlan audioPlan;                                   ///< without stretches all audio is encoded
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
 
     std::int64_t copied() const { return copiedFrames(stretches); }

@@ -99,10 +99,10 @@ AVStream& FilmAudio::addTo(Muxer& muxer) const {
 }
 
 av::Packet FilmAudio::nextOfStretch() {
-    const AudioStretch& stretch = plan_.audioStretches[stretch_];
+    const AudioStretch& stretch = plan_.audioPlan.stretches[stretch_];
     if (!stretch.part) {
         if (!encoding_)
-            encoding_.emplace(open_, makeEncoder_(), stretch.first, stretch.end(), plan_.audioDelays);
+            encoding_.emplace(open_, makeEncoder_(), stretch.first, stretch.end(), plan_.audioPlan.delays);
         return encoding_->next();
     }
     if (!copying_)
@@ -112,7 +112,7 @@ av::Packet FilmAudio::nextOfStretch() {
 }
 
 av::Packet FilmAudio::next() {
-    for (; stretch_ < plan_.audioStretches.size(); ++stretch_) {
+    for (; stretch_ < plan_.audioPlan.stretches.size(); ++stretch_) {
         if (av::Packet packet = nextOfStretch()) {
             constexpr std::int64_t frameSamples = CodedAudio::frameSamples;
             const std::int64_t end =

@@ -128,7 +128,7 @@ class Verification {
         input.use(stream_);
         PicturePackets pictures(std::string_view(input.container().iformat->name).starts_with("mov,"));
         std::optional<AudioPackets> audio;
-        if (!plan_.audioStretches.empty()) {
+        if (!plan_.audioPlan.stretches.empty()) {
             const std::optional<int> stream = input.best(AVMEDIA_TYPE_AUDIO);
             if (!stream) throw Fault("the audio is missing");
             input.use(*stream);
@@ -140,7 +140,7 @@ class Verification {
             else
                 audio->take(*packet);
         }
-        if (audio && audio->count() != plan_.audioStretches.back().end() + 1)
+        if (audio && audio->count() != plan_.audioPlan.stretches.back().end() + 1)
             fail("the number of packets of audio is", audio->count());
         checkTimes(pictures, input.stream(stream_).time_base);
     }

@@ -21,8 +21,7 @@ bool sameLayout(const PixelView& a, const PixelView& b) {
 const int* coefficients(AVColorSpace space) { return sws_getCoefficients(space); }
 
 int isFullRange(const PixelView& view) {
-    const bool isRgb = (av_pix_fmt_desc_get(view.format)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
-    return view.range == AVCOL_RANGE_JPEG && !isRgb ? 1 : 0;
+    return view.range == AVCOL_RANGE_JPEG && !isRgb(view.format) ? 1 : 0;
 }
 
 }  // namespace
@@ -36,6 +35,10 @@ av::Frame blankPicture(Size size, const PictureFormat& format) {
     frame->color_range = format.range;
     av::check(av_frame_get_buffer(frame.get(), 0), "frame");
     return frame;
+}
+
+bool isRgb(AVPixelFormat format) {
+    return (av_pix_fmt_desc_get(format)->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
 }
 
 PixelView viewOf(const AVFrame& frame) {

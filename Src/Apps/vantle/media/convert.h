@@ -35,6 +35,9 @@ struct PixelView {
     AVColorRange range;  ///< meaningful for YUV formats
 };
 
+/// True for pixels of red, green and blue, or of a palette of these.
+bool isRgb(AVPixelFormat format);
+
 /// True for colours far brighter than a usual screen shows, which must be mapped to those that it shows.
 inline bool isHdr(const AVFrame& picture) {
     return picture.color_trc == AVCOL_TRC_SMPTE2084 || picture.color_trc == AVCOL_TRC_ARIB_STD_B67;

@@ -40,10 +40,6 @@ const AVCodec& audioEncoder(const MovieKind& kind, const EncoderNames& encoders)
     return encoderFor(encoders.audio, kind.audioEncoder, AVMEDIA_TYPE_AUDIO, "--audio-encoder");
 }
 
-bool isRgb(AVPixelFormat format) {
-    return (av_pix_fmt_desc_get(format)->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
-}
-
 /// What players take best, where the encoder knows it, else what is nearest to it.
 AVPixelFormat pixelsFor(const AVCodec& encoder) {
     std::vector<AVPixelFormat> formats = av::pixelFormats(encoder);

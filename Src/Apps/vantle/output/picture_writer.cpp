@@ -1,9 +1,5 @@
 #include "output/picture_writer.h"
 
-extern "C" {
-#include <libavutil/pixdesc.h>
-}
-
 #include <array>
 #include <cerrno>
 #include <fstream>
@@ -14,12 +10,6 @@ extern "C" {
 #include "media/versions.h"
 
 namespace vantle {
-
-namespace {
-
-bool isRgb(AVPixelFormat format) { return (av_pix_fmt_desc_get(format)->flags & AV_PIX_FMT_FLAG_RGB) != 0; }
-
-}  // namespace
 
 PictureWriter::PictureWriter(std::string name, Size size, bool overwrite)
     : name_(std::move(name)),
