@@ -37,11 +37,12 @@ NalCodec codecOf(const Input& input, const AVCodecParameters& parameters) {
 
 /// What is wrong with pictures of these parameters wherever they go.
 void checkParameters(const Input& input, const AVCodecParameters& parameters) {
-    if (!input.upright(input.first()).empty())
+    const Source& source = input.source();
+    if (source.orientation != Orientation{})
         refuse(input, "its pictures are turned upright; only those that are stored upright can be copied");
-    if (av_cmp_q(input.first().sample_aspect_ratio, {1, 1}) != 0)
+    if (av_cmp_q(source.pixelAspect, {1, 1}) != 0)
         refuse(input, "its pixels are not square; only square ones can be copied");
-    if (isHdr(input.first()))
+    if (source.colours.hdr())
         refuse(input, "its HDR colours are mapped to ordinary ones; a clip of those can be copied");
     if (parameters.field_order > AV_FIELD_PROGRESSIVE)
         refuse(input, "its pictures are interlaced; deinterlaced ones (ffmpeg's filter bwdif) can be copied");
@@ -103,7 +104,7 @@ void number(const Input& input, CodedPictures& coded) {
     for (const CodedPicture& picture : coded.pictures) times.push_back(picture.time);
     if (times.empty()) refuse(input, "has no pictures");
     const std::int64_t first = std::ranges::min(times);
-    if (first != input.first().pts)
+    if (first != input.source().firstTime)
         refuse(input,
                "its first pictures cannot be decoded; a clip that begins with a keyframe can be copied");
     coded.start = first;

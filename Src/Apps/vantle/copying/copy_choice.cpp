@@ -49,7 +49,7 @@ std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>&
             if (std::ranges::find(notes, note) == notes.end()) notes.push_back(note);
         };
         if (!source.leftOut.empty()) tell(source.leftOut);
-        if (source.hdr)
+        if (source.colours.hdr())
             tell("its HDR colours are mapped to ordinary ones of 8 bits");
         else if (source.depth > 8 && !source.still &&
                  (source.depth > kept || isDrawn(i) || (i > 0 && isDrawn(i - 1))))

@@ -135,10 +135,9 @@ AVStream& FilmPictures::addTo(Muxer& muxer) const {
 
 void FilmPictures::beginEncoding(const Stretch& stretch) {
     std::unique_ptr<Encoder> encoder = encoders_.at(stretch.isSeam).open();
-    const AVFrame& like = open_.inputOf(plan_.film.parts[plan_.model]).first();
+    const Colours& like = plan_.film.sourceOf(plan_.film.parts[plan_.model]).colours;
     player_.emplace(open_, stretch.first, stretch.end(),
-                    PictureFormat{encoder->context().pix_fmt, like.colorspace, like.color_range},
-                    std::nullopt);
+                    PictureFormat{encoder->context().pix_fmt, like.space, like.range}, std::nullopt);
     encoding_.emplace(std::move(encoder), [this, stretch] {
         av::Frame picture = player_->picture();
         if (!picture) return picture;

@@ -1,9 +1,10 @@
-/// The size and rate that all pictures of a rendering are brought to.
+/// What pictures are, as values: sizes, rates, orientations and colours.
 #pragma once
 
 #include <cstdint>
 
 extern "C" {
+#include <libavutil/pixfmt.h>
 #include <libavutil/rational.h>
 }
 
@@ -22,6 +23,26 @@ constexpr int largestSide = 16384;
 /// stretched.
 enum class Fit : std::uint8_t { contain, cover, stretch };
 
+/// How a camera was held: what a display matrix asks of a player.
+struct Orientation {
+    int quarterTurns = 0;   ///< clockwise, that bring a picture upright: 0 to 3
+    bool mirrored = false;  ///< and its left and right, or its top and bottom, are to be exchanged
+    bool operator==(const Orientation&) const = default;
+};
+
+/// What numbers in pictures mean as colours.
+struct Colours {
+    AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
+    AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
+    AVColorSpace space = AVCOL_SPC_UNSPECIFIED;
+    AVColorRange range = AVCOL_RANGE_UNSPECIFIED;
+    bool operator==(const Colours&) const = default;
+
+    /// Far brighter than a usual screen shows: they must be mapped to those that it shows.
+    bool hdr() const { return transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67; }
+};
+
+/// The size and rate that all pictures of a rendering are brought to.
 struct Canvas {
     Size size;
     AVRational rate{};  ///< pictures per second

@@ -38,9 +38,8 @@ struct PixelView {
 /// True for pixels of red, green and blue, or of a palette of these.
 bool isRgb(AVPixelFormat format);
 
-/// True for colours far brighter than a usual screen shows, which must be mapped to those that it shows.
-inline bool isHdr(const AVFrame& picture) {
-    return picture.color_trc == AVCOL_TRC_SMPTE2084 || picture.color_trc == AVCOL_TRC_ARIB_STD_B67;
+inline Colours coloursOf(const AVFrame& picture) {
+    return {picture.color_primaries, picture.color_trc, picture.colorspace, picture.color_range};
 }
 
 /// A decoded picture.

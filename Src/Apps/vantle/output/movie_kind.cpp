@@ -72,7 +72,7 @@ int supportedRate(const AVCodec& codec, int wanted) {
     return *std::ranges::min_element(rates, {}, [&](int rate) { return std::abs(rate - wanted); });
 }
 
-void describeColours(AVCodecContext& codec, const AVFrame& like) {
+void describeColours(AVCodecContext& codec, Colours like) {
     if (isRgb(codec.pix_fmt)) {
         codec.color_range = AVCOL_RANGE_JPEG;
         codec.colorspace = AVCOL_SPC_RGB;
@@ -80,15 +80,14 @@ void describeColours(AVCodecContext& codec, const AVFrame& like) {
         codec.color_range = AVCOL_RANGE_MPEG;
         codec.colorspace = AVCOL_SPC_SMPTE170M;
     } else {
-        const bool high = codec.height >= 720;
-        const bool wide = isHdr(like);  // which becomes ordinary colours
+        // HDR becomes ordinary colours.
+        if (like.hdr()) like = {AVCOL_PRI_BT709, AVCOL_TRC_BT709, AVCOL_SPC_BT709, AVCOL_RANGE_MPEG};
+        if (like.space == AVCOL_SPC_RGB)
+            like.space = codec.height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
         codec.color_range = AVCOL_RANGE_MPEG;
-        codec.colorspace = wide                               ? AVCOL_SPC_BT709
-                           : like.colorspace != AVCOL_SPC_RGB ? like.colorspace
-                           : high                             ? AVCOL_SPC_BT709
-                                                              : AVCOL_SPC_SMPTE170M;
-        codec.color_primaries = wide ? AVCOL_PRI_BT709 : like.color_primaries;
-        codec.color_trc = wide ? AVCOL_TRC_BT709 : like.color_trc;
+        codec.colorspace = like.space;
+        codec.color_primaries = like.primaries;
+        codec.color_trc = like.transfer;
     }
 }
 
@@ -119,7 +118,7 @@ bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders) {
 }
 
 std::unique_ptr<Encoder> makeVideoEncoder(const MovieKind& kind, const EncoderNames& encoders,
-                                          const Canvas& canvas, const AVFrame& colours,
+                                          const Canvas& canvas, const Colours& colours,
                                           const av::Options& options, bool globalHeaders) {
     const AVCodec& encoder = videoEncoder(kind, encoders);
     return std::make_unique<Encoder>(encoder, withUsersOptions(usualOptions(encoder.name), options),

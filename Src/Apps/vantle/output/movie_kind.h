@@ -39,10 +39,10 @@ av::Options usualOptions(std::string_view encoder);
 /// of file does not hold what the encoders make, or FFmpeg does not have them.
 bool halvesChroma(const MovieKind& kind, const EncoderNames& encoders);
 
-/// Opens the encoder for the pictures of a video, whose colours are described as `colours` describes its own.
+/// Opens the encoder for the pictures of a video whose sources have `colours`, which it keeps where it can.
 /// `options` are the user's, which come first.
 std::unique_ptr<Encoder> makeVideoEncoder(const MovieKind& kind, const EncoderNames& encoders,
-                                          const Canvas& canvas, const AVFrame& colours,
+                                          const Canvas& canvas, const Colours& colours,
                                           const av::Options& options, bool globalHeaders);
 
 /// Opens the encoder for the audio of a video. It gets at least `bitRate` bits a second.

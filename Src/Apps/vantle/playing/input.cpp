@@ -56,6 +56,12 @@ int quarterTurns(const std::int32_t* matrix) {
     return std::isfinite(degrees) ? static_cast<int>(std::lround(-degrees / 90.0)) & 3 : 0;
 }
 
+Orientation orientationOf(const std::int32_t* matrix) {
+    if (matrix == nullptr) return {};
+    const auto at = [&](int i) { return static_cast<double>(matrix[i]); };
+    return {quarterTurns(matrix), at(0) * at(4) - at(1) * at(3) < 0.0};
+}
+
 /// The rate at which a stream's pictures were meant to show. Cameras' clocks are a little off.
 AVRational standardRate(AVFormatContext& container, AVStream& stream) {
     AVRational rate = av_guess_frame_rate(&container, &stream, nullptr);
@@ -101,7 +107,9 @@ Input::Input(const std::string& name) {
     if (const std::uint8_t* const matrix = av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX))
         std::memcpy(displayMatrix_.emplace().data(), matrix, sizeof *displayMatrix_);
     source_.size = shownSize(*first_);
-    source_.hdr = isHdr(*first_);
+    source_.pixelAspect = first_->sample_aspect_ratio;
+    source_.orientation = orientationOf(matrixOf(*first_));
+    source_.colours = coloursOf(*first_);
     if (const AVPixFmtDescriptor* const pixels =
             av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first_->format)))
         source_.depth = pixels->comp[0].depth;

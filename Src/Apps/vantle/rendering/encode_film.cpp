@@ -53,7 +53,7 @@ void writeMovie(const RenderRequest& request, const MovieKind& kind, const OpenF
     const Film& film = open.film();
     MovieFile file(kind, request.delivery.output, request.delivery.force);
     std::unique_ptr<Encoder> video =
-        makeVideoEncoder(kind, request.encoders, film.canvas, open.inputs.front()->first(),
+        makeVideoEncoder(kind, request.encoders, film.canvas, film.sources.front().colours,
                          request.encoderOptions, file.wantsGlobalHeaders());
     std::unique_ptr<Encoder> audio;
     if (film.audio && kind.audioEncoder != nullptr)

@@ -19,15 +19,17 @@ struct Source {
 
     std::string name;
     bool still = false;
-    bool endless = false;    ///< it never ends of itself: a still, or a generated source without an end
-    bool generated = false;  ///< no file
-    Size size{};             ///< at which it shows: upright, with square pixels
-    AVRational rate{};       ///< pictures per second, that of a standard within a thousandth; 0/1 for a still
+    bool endless = false;          ///< it never ends of itself: a still, or a generated source without an end
+    bool generated = false;        ///< no file
+    Size size{};                   ///< at which it shows: upright, with square pixels
+    AVRational pixelAspect{1, 1};  ///< width of a stored pixel by its height
+    Orientation orientation{};     ///< in which its pictures are stored
+    AVRational rate{};  ///< pictures per second, that of a standard within a thousandth; 0/1 for a still
     AVRational timeBase{1, 1};   ///< unit of the times below, in seconds
     std::int64_t firstTime = 0;  ///< when its first picture shows
     std::int64_t length = 0;     ///< from then to the end of its last picture; 0 for an endless one
     std::optional<Audio> audio{};
-    bool hdr = false;       ///< far brighter colours than a usual screen shows
+    Colours colours{};
     int depth = 8;          ///< bits of a colour
     std::string leftOut{};  ///< what of it is left out, and why; empty when nothing is
 
