@@ -10,6 +10,7 @@
 #include "Host/error.h"
 #include "reading/operands.h"
 #include "timeline/lay_out.h"
+#include "timeline/pace.h"
 
 namespace tests {
 
@@ -74,6 +75,26 @@ std::string text(const LaidOut& laid) {
 }
 
 }  // namespace
+
+TEST(Pace, IsThatOfMostPicturesAndAStandardWhereOneIsNear) {
+    const auto pace = [](AVRational unit, const std::vector<std::int64_t>& steps, int repeats = 12) {
+        std::vector<std::int64_t> times{1000};
+        for (int i = 0; i < repeats; ++i)
+            for (const std::int64_t step : steps) times.insert(times.begin(), times.front() + step);
+        const AVRational rate = paceOf(times, unit);
+        return std::to_string(rate.num) + "/" + std::to_string(rate.den);
+    };
+    EXPECT_EQ(pace({1, 1000}, {33, 34, 33}), "30/1");
+    EXPECT_EQ(pace({1, 1000}, {33, 34, 33, 33, 34}, 3), "30000/1001");  // which it may be as well
+    EXPECT_EQ(pace({1, 1000}, {42, 41, 42, 42}), "24000/1001");
+    EXPECT_EQ(pace({1, 600}, {20}), "30/1");
+    // A telephone in the dark, with pictures missing, late and doubled.
+    EXPECT_EQ(pace({1, 90000}, {3000, 3001, 2990, 3750, 2999, 6003, 3008, 0, 3000, 9700}), "30/1");
+    EXPECT_EQ(pace({1, 90000}, {1449, 1548, 1500}), "60/1");
+    EXPECT_EQ(pace({1, 1000}, {83, 83, 84}), "12/1");
+    EXPECT_EQ(pace({1, 1000}, {500}), "2/1");
+    EXPECT_EQ(pace({1, 1000}, {}), "0/1");
+}
 
 TEST(Times, AreReadExactlyAndRoundedOnce) {
     const AVRational ntsc{30000, 1001};

@@ -17,6 +17,7 @@ extern "C" {
 
 #include "media/convert.h"
 #include "media/versions.h"
+#include "timeline/pace.h"
 
 namespace vantle {
 
@@ -26,6 +27,9 @@ namespace {
 // one does.
 constexpr int oneThread = 1;
 constexpr int asManyAsCores = 0;
+
+// Pictures a second: more than that only some screen recordings state, where most are repeated.
+constexpr double fastest = 240.0;
 
 int pictureStream(const Demuxer& demuxer) {
     if (const std::optional<int> stream = demuxer.best(AVMEDIA_TYPE_VIDEO)) return *stream;
@@ -62,23 +66,6 @@ Orientation orientationOf(const std::int32_t* matrix) {
     return {quarterTurns(matrix), at(0) * at(4) - at(1) * at(3) < 0.0};
 }
 
-/// The rate at which a stream's pictures were meant to show. Cameras' clocks are a little off.
-AVRational standardRate(AVFormatContext& container, AVStream& stream) {
-    AVRational rate = av_guess_frame_rate(&container, &stream, nullptr);
-    // A base rate far above what is played (some screen recordings) would only repeat pictures.
-    const bool plausible = rate.num > 0 && av_q2d(rate) <= 240.0;
-    if (!plausible && stream.avg_frame_rate.num > 0) rate = stream.avg_frame_rate;
-    if (rate.num <= 0) return rate;
-    constexpr AVRational standards[] = {{24000, 1001}, {24, 1}, {25, 1},       {30000, 1001}, {30, 1},
-                                        {48, 1},       {50, 1}, {60000, 1001}, {60, 1},       {100, 1},
-                                        {120, 1},      {15, 1}, {120000, 1001}};
-    const auto distance = [&](AVRational standard) {
-        return std::abs(av_q2d(rate) / av_q2d(standard) - 1.0);
-    };
-    const AVRational nearest = *std::ranges::min_element(standards, {}, distance);
-    return distance(nearest) <= 0.001 ? nearest : rate;
-}
-
 }  // namespace
 
 Input::Opened::Opened(const std::string& name, int threads)
@@ -103,7 +90,6 @@ Input::Input(const std::string& name) {
 
     AVStream& stream = opened_->reader->stream();
     source_.still = opened_->ahead.size() == 1;
-    source_.rate = source_.still ? AVRational{0, 1} : standardRate(opened_->demuxer.container(), stream);
     if (const std::uint8_t* const matrix = av::streamSideData(stream, AV_PKT_DATA_DISPLAYMATRIX))
         std::memcpy(displayMatrix_.emplace().data(), matrix, sizeof *displayMatrix_);
     source_.size = shownSize(*first_);
@@ -122,6 +108,7 @@ Input::Input(const std::string& name) {
     constexpr std::string_view generated = "lavfi:";
     source_.generated = name.starts_with(generated);
     source_.endless = source_.still || (source_.generated && runsForever(name.substr(generated.size())));
+    source_.rate = source_.still ? AVRational{0, 1} : measuredRate();
     source_.firstTime = first_->pts;
     if (!source_.endless) source_.length = av_sat_sub64(measuredEnd(), first_->pts);
 }
@@ -212,6 +199,31 @@ std::int64_t Input::gridNumber(std::int64_t time, AVRational rate) const {
     // not be.
     return av_rescale_q_rnd(av_sat_sub64(time, first_->pts), timeBase(), av_inv_q(rate),
                             static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX));
+}
+
+AVRational Input::measuredRate() {
+    AVStream& stream = opened_->reader->stream();
+    AVFormatContext& container = opened_->demuxer.container();
+    std::vector<std::int64_t> times;
+    // The index of such a file has all pictures; of others the first few seconds tell.
+    if (std::string_view(container.iformat->name).starts_with("mov,")) {
+        for (int i = 0; i < avformat_index_get_entries_count(&stream); ++i)
+            times.push_back(avformat_index_get_entry(&stream, i)->timestamp);
+    } else if (!source_.generated) {
+        constexpr std::size_t enough = 100;
+        restart();
+        opened_->atStart = false;
+        while (const av::Packet packet = opened_->demuxer.read(opened_->stream)) {
+            if (packet->pts != AV_NOPTS_VALUE) times.push_back(packet->pts);
+            if (times.size() == enough) break;
+        }
+        restart();
+    }
+    const AVRational rate = paceOf(std::move(times), source_.timeBase);
+    if (rate.num > 0 && av_q2d(rate) <= fastest) return rate;
+    const AVRational stated =
+        av_guess_frame_rate(&opened_->demuxer.container(), &opened_->reader->stream(), nullptr);
+    return stated.num > 0 && av_q2d(stated) <= fastest ? stated : opened_->reader->stream().avg_frame_rate;
 }
 
 std::int64_t Input::measuredEnd() {

@@ -79,6 +79,7 @@ class Input {
     const std::int32_t* matrixOf(const AVFrame& picture) const;
     av::Frame decode();
     std::int64_t shownFor(std::int64_t duration) const;
+    AVRational measuredRate();
     std::int64_t measuredEnd();
     std::optional<std::int64_t> endOfPackets();
     bool seek(std::int64_t time);
