@@ -149,8 +149,6 @@ av::Parameters copyOf(const AVCodecParameters& parameters) {
 }
 
 CodedPictures codedPictures(const Input& input, AVRational rate) try {
-    if (input.still() || input.source().endless || input.source().generated)
-        refuse(input, "is no clip; only clips can be copied");
     Demuxer packets(input.name());
     const std::string_view format = packets.container().iformat->name;
     if (!format.starts_with("mov,") && !format.starts_with("matroska,"))

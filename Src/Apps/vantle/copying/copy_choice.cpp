@@ -21,8 +21,11 @@ std::optional<CopyPlan> planCopies(const OpenFilm& open, CopyMode mode, const En
     if (few)
         plan.refusals = {std::to_string(plan.copied()) + " of " + std::to_string(film.frames()) +
                          " frames are too few"};
-    else if (none && plan.refusals.empty())
+    else if (none && plan.refusals.empty() &&
+             std::ranges::any_of(plan.pictures, [](const auto& coded) { return coded != nullptr; }))
         plan.refusals.emplace_back("all frames lie in joins");
+    if (mode == CopyMode::always)
+        plan.refusals.insert(plan.refusals.end(), plan.noClips.begin(), plan.noClips.end());
     if (!plan.refusals.empty()) {
         if (mode == CopyMode::always) throw Error("--copy always: " + plan.refusals.front());
         const std::size_t others = plan.refusals.size() - 1;

@@ -42,7 +42,7 @@ std::string mismatch(const AVCodecParameters& parameters, const AVCodecParameter
 
 /// Why a source's pictures cannot go into a film; empty when they can.
 std::string refusalOf(const Film& film, const Source& source, const CodedSource& coded) {
-    if (!source.still && !source.endless && av_cmp_q(source.rate, film.canvas.rate) != 0)
+    if (av_cmp_q(source.rate, film.canvas.rate) != 0)
         return source.name + ": shows " + rateText(source.rate) + " pictures a second and the film " +
                rateText(film.canvas.rate) + "; clips of one rate can be copied";
     if (!coded.pictures) return coded.refusal;
@@ -208,7 +208,8 @@ bool findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
 CodedSource scan(const Input& input, AVRational rate) {
     CodedSource coded;
     try {
-        coded.pictures = std::make_shared<const CodedPictures>(codedPictures(input, rate));
+        if (input.source().isClip())
+            coded.pictures = std::make_shared<const CodedPictures>(codedPictures(input, rate));
     } catch (const NotCopied& why) {
         coded.refusal = why.what();
     }
@@ -258,7 +259,13 @@ CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool 
     Copyable copyable;
     std::vector<std::string> refusals;
     for (const Part& part : film.parts) {
-        const std::string refusal = refusalOf(film, film.sourceOf(part), coded[part.source]);
+        const Source& source = film.sourceOf(part);
+        if (!source.isClip()) {
+            addOnce(plan.noClips, source.name + ": is no clip; only clips can be copied");
+            copyable.push_back(nullptr);
+            continue;
+        }
+        const std::string refusal = refusalOf(film, source, coded[part.source]);
         if (!refusal.empty()) addOnce(refusals, refusal);
         copyable.push_back(refusal.empty() ? coded[part.source].pictures : nullptr);
     }

@@ -37,6 +37,7 @@ struct CopyPlan {
     std::vector<std::shared_ptr<const CodedAudio>> audio;  ///< by part
     AudioPlan audioPlan;                                   ///< without stretches all audio is encoded
     std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
+    std::vector<std::string> noClips;   ///< the same of stills and generated inputs: no news
 
     std::int64_t copied() const { return copiedFrames(stretches); }
 

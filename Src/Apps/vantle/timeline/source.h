@@ -33,6 +33,9 @@ struct Source {
     int depth = 8;          ///< bits of a colour
     std::string leftOut{};  ///< what of it is left out, and why; empty when nothing is
 
+    /// Neither a still nor generated.
+    bool isClip() const { return !still && !endless && !generated; }
+
     /// How many pictures it has in a grid of so many a second, at least 1; not for endless ones.
     std::int64_t frames(AVRational grid) const;
 
