@@ -9,6 +9,7 @@
 
 #include "Host/error.h"
 #include "reading/operands.h"
+#include "timeline/chapters.h"
 #include "timeline/lay_out.h"
 #include "timeline/pace.h"
 
@@ -227,6 +228,20 @@ TEST(FilmDescription, HaveTheSizeRateAndAudioThatTheirInputsAgreeOn) {
     // Where the first time lies between two pictures none is lost or shown twice.
     EXPECT_EQ(clip("a", 3500).startSample(48000), 1008);
     EXPECT_EQ(clip("a", 42).frames({24, 1}), 1);
+}
+
+TEST(Chapters, AbutWhereInputsBeginToShow) {
+    std::vector<Source> sources{clip("films/a.b.mp4", 2000), still("c.png"), clip("lavfi:d=1.5", 2000)};
+    sources[1].tags = {{"make", "first"}};
+    sources[2].tags = {{"make", "second"}, {"model", "second"}};
+    sources[2].generated = true;
+    const LaidOut laid = laidOut(
+        film({"films/a.b.mp4", "+Row", "duration=20f", "c.png", "hold=10f", "+cut", "lavfi:d=1.5"}), sources);
+    using Chapters = std::vector<Chapter>;
+    EXPECT_EQ(chaptersOf(laid.film, 0, laid.film.frames()),
+              (Chapters{{"a.b", 0, 40}, {"c", 40, 70}, {"lavfi:d=1.5", 70, 130}}));
+    EXPECT_EQ(chaptersOf(laid.film, 45, 80), (Chapters{{"c", 0, 25}, {"lavfi:d=1.5", 25, 35}}));
+    EXPECT_EQ(laid.film.tags, sources[1].tags);
 }
 
 }  // namespace tests

@@ -147,6 +147,7 @@ void addRenderCommand(CLI::App& app) {
         ->type_name("auto|always|never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
     command->add_flag("--verify", request.verify, "Compare all frames that were copied with their sources");
+    command->add_flag("--chapters", request.chapters, "A chapter for each input, with its file's name");
     command->add_option("--joins", request.joins, "Only draw all transitions on one picture of this name")
         ->type_name("FILE");
     command->add_option_function<std::string>(

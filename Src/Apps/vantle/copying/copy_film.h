@@ -2,10 +2,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "copying/copy_plan.h"
 #include "output/movie_kind.h"
 #include "system/progress_bar.h"
+#include "timeline/chapters.h"
 
 namespace vantle {
 
@@ -15,7 +17,8 @@ struct CopyOptions {
     bool overwrite = false;
     EncoderNames encoders{};
     av::Options encoderOptions{};  ///< for what is encoded
-    bool verifyAll = false;        ///< compares all frames, not only those around the seams
+    std::vector<Chapter> chapters{};
+    bool verifyAll = false;  ///< compares all frames, not only those around the seams
 };
 
 /// Writes the film as planned, and looks whether it became what it should be: returns what did not, in a few

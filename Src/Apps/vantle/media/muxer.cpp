@@ -1,5 +1,13 @@
 #include "media/muxer.h"
 
+extern "C" {
+#include <libavutil/mem.h>
+}
+
+#include <string_view>
+
+#include "media/metadata.h"
+
 namespace vantle {
 
 Muxer::Muxer(const std::string& url, const char* format, const std::string& name)
@@ -28,8 +36,34 @@ AVStream& Muxer::add(const AVCodecParameters& parameters, AVRational timeBase, A
     return *stream;
 }
 
+void Muxer::describe(const std::map<std::string, std::string>& tags) {
+    for (const auto& [name, value] : tagsFor(output_->oformat->name, tags))
+        av::check(av_dict_set(&output_->metadata, name.c_str(), value.c_str(), 0), writing_);
+}
+
+void Muxer::addChapter(const std::string& title, std::int64_t start, std::int64_t end, AVRational timeBase) {
+    // Freed with the format's context, as soon as that lists it.
+    auto* const chapter = static_cast<AVChapter*>(av::check(av_mallocz(sizeof(AVChapter)), writing_));
+    int count = static_cast<int>(output_->nb_chapters);
+    if (const int added = av_dynarray_add_nofree(&output_->chapters, &count, chapter); added < 0) {
+        av_free(chapter);
+        av::check(added, writing_);
+    }
+    output_->nb_chapters = static_cast<unsigned>(count);
+    chapter->id = count;  // from 1: 0 is none in Matroska
+    chapter->time_base = timeBase;
+    chapter->start = start;
+    chapter->end = end;
+    av::check(av_dict_set(&chapter->metadata, "title", title.c_str(), 0), writing_);
+}
+
 void Muxer::start(const av::Options& options) {
-    av::Dictionary settings(options);
+    av::Options wanted = options;
+    // Without it the muxer of .mp4 and .mov leaves out tags that it has no box of old for.
+    const std::string_view format = output_->oformat->name;
+    if ((format == "mp4" || format == "mov") && output_->metadata != nullptr)
+        wanted["movflags"] += "+use_metadata_tags";
+    av::Dictionary settings(wanted);
     av::check(avformat_write_header(output_.get(), settings.get()), writing_);
 }
 

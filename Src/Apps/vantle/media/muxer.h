@@ -1,6 +1,8 @@
 /// A media file being written.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -22,6 +24,12 @@ class Muxer {
 
     /// Adds a stream for packets of this description, `rate` of them a second (0/1 for audio).
     AVStream& add(const AVCodecParameters& parameters, AVRational timeBase, AVRational rate);
+
+    /// Notes when, where and with which camera it was recorded, by the names of recordingTags.
+    void describe(const std::map<std::string, std::string>& tags);
+
+    /// Adds a chapter, its times in `timeBase`. Only before `start`, to a format that has them.
+    void addChapter(const std::string& title, std::int64_t start, std::int64_t end, AVRational timeBase);
 
     /// Writes the header, when all streams are added.
     void start(const av::Options& options);

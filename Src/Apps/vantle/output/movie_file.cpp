@@ -6,6 +6,13 @@ MovieFile::MovieFile(const MovieKind& kind, const std::string& name, bool overwr
     : file_(name == "-" ? std::nullopt : std::optional<StagedFile>(std::in_place, name, overwrite)),
       muxer_(file_ ? "file:" + path() : "pipe:1", kind.muxer, file_ ? name : "standard output") {}
 
+void MovieFile::describe(const std::map<std::string, std::string>& tags, const std::vector<Chapter>& chapters,
+                         AVRational rate) {
+    muxer_.describe(tags);
+    for (const Chapter& chapter : chapters)
+        muxer_.addChapter(chapter.title, chapter.first, chapter.end, av_inv_q(rate));
+}
+
 void MovieFile::write(PacketSource& pictures, PacketSource* audio, const av::Options& muxerOptions,
                       const std::function<void(std::int64_t)>& written) {
     const AVStream& pictureStream = pictures.addTo(muxer_);

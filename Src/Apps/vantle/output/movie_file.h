@@ -3,13 +3,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "media/muxer.h"
 #include "media/packet_source.h"
 #include "output/movie_kind.h"
 #include "output/staged_file.h"
+#include "timeline/chapters.h"
 
 namespace vantle {
 
@@ -22,6 +25,11 @@ class MovieFile {
 
     /// True when encoders must put their headers beside the stream.
     bool wantsGlobalHeaders() const { return muxer_.wantsGlobalHeaders(); }
+
+    /// Notes, before anything is written, what the file says of itself: when, where and with which camera it
+    /// was recorded, and its chapters, counted in frames of `rate`.
+    void describe(const std::map<std::string, std::string>& tags, const std::vector<Chapter>& chapters,
+                  AVRational rate);
 
     /// Writes all of these packets, side by side in time, so that neither stream waits in memory for the
     /// other; `audio` may be null. `written` is told the number of pictures so far.

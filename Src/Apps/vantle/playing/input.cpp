@@ -16,6 +16,7 @@ extern "C" {
 #include <utility>
 
 #include "media/convert.h"
+#include "media/metadata.h"
 #include "media/versions.h"
 #include "timeline/pace.h"
 
@@ -109,6 +110,7 @@ Input::Input(const std::string& name) {
     source_.generated = name.starts_with(generated);
     source_.endless = source_.still || (source_.generated && runsForever(name.substr(generated.size())));
     source_.rate = source_.still ? AVRational{0, 1} : measuredRate();
+    if (!source_.generated) source_.tags = recordingTags(opened_->demuxer.container());
     source_.firstTime = first_->pts;
     if (!source_.endless) source_.length = av_sat_sub64(measuredEnd(), first_->pts);
 }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Host/error.h"
 #include "media/packet_source.h"
@@ -12,6 +13,7 @@
 #include "output/picture_writer.h"
 #include "playing/film_player.h"
 #include "system/progress_bar.h"
+#include "timeline/chapters.h"
 
 namespace vantle {
 
@@ -67,6 +69,8 @@ void writeMovie(const RenderRequest& request, const MovieKind& kind, const OpenF
         std::move(video), [&] { return palettes ? palettes->reduced(player.picture()) : player.picture(); });
     std::optional<EncodedPackets> samples;
     if (audio) samples.emplace(std::move(audio), [&] { return player.audio(); });
+    file.describe(film.tags, request.chapters ? chaptersOf(film, first, end) : std::vector<Chapter>{},
+                  film.canvas.rate);
     file.write(pictures, samples ? &*samples : nullptr, muxerOptions(kind),
                [&](std::int64_t count) { progress.update(count); });
     file.commit();

@@ -23,6 +23,7 @@
 #include "rendering/encode_film.h"
 #include "rendering/plan.h"
 #include "system/progress_bar.h"
+#include "timeline/chapters.h"
 
 namespace vantle {
 
@@ -42,6 +43,9 @@ void checkRequest(const RenderRequest& request, const OutputKind& kind) {
     if (request.delivery.output == "-" && isatty(STDOUT_FILENO) == 1)
         throw UsageError(
             "-o - writes a video to standard output, which is a terminal; pipe it into a player");
+    // What has no audio is a picture or a moving one, without chapters either.
+    if (request.chapters && !kind.holdsAudio)
+        throw UsageError("--chapters: OUT holds none; .mp4, .mov, .mkv and .webm do");
     if (!request.film.music.file.empty() && !kind.holdsAudio) throw UsageError("--music: OUT holds no audio");
 }
 
@@ -120,6 +124,8 @@ bool writeCopies(const RenderRequest& request, const OutputKind& kind, const Ope
                           .overwrite = request.delivery.force,
                           .encoders = request.encoders,
                           .encoderOptions = request.encoderOptions,
+                          .chapters = request.chapters ? chaptersOf(plan.film, 0, plan.film.frames())
+                                                       : std::vector<Chapter>{},
                           .verifyAll = request.verify},
                          progress);
         if (!fault.empty()) fault.insert(0, "copied, the film is not right: ");

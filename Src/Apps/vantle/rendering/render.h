@@ -26,6 +26,7 @@ struct RenderRequest {
     EncoderNames encoders{};
     av::Options encoderOptions{};        ///< for a video's encoder, as FFmpeg knows them
     std::optional<CopyMode> copy{};      ///< what the output and the other options suggest when absent
+    bool chapters = false;               ///< one for each input
     bool verify = false;                 ///< compares all that is copied with its sources
     std::optional<JoinPosition> at{};    ///< only this picture
     std::optional<FrameRange> frames{};  ///< only these frames

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,6 +66,8 @@ struct Film {
     std::vector<Join> joins{};
     std::optional<AudioParameters> audio{};  ///< none: it is silent
     Music music{};
+    /// When, where and with which camera it was recorded: as of its first input that tells of it.
+    std::map<std::string, std::string> tags{};
     /// The frame after each join is drawn by its transition too, at its very end.
     bool drawsEnds = false;
 

@@ -153,6 +153,10 @@ class Layout {
         if (film.drawsEnds && !film.joins.empty() && film.joins.back().transition)
             film.parts.back().frames = std::max(film.parts.back().frames, film.joins.back().frames + 1);
         film.audio = audioForm();
+        // All from one input: a place of one and the camera of another would be true of neither.
+        const auto tells = [](const Source& source) { return !source.tags.empty(); };
+        if (const auto told = std::ranges::find_if(film.sources, tells); told != film.sources.end())
+            film.tags = told->tags;
     }
 
     /// The first input's rate, and as many channels as all agree on, else two.

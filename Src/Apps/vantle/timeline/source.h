@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -30,8 +31,9 @@ struct Source {
     std::int64_t length = 0;     ///< from then to the end of its last picture; 0 for an endless one
     std::optional<Audio> audio{};
     Colours colours{};
-    int depth = 8;          ///< bits of a colour
-    std::string leftOut{};  ///< what of it is left out, and why; empty when nothing is
+    int depth = 8;                              ///< bits of a colour
+    std::string leftOut{};                      ///< what of it is left out, and why; empty when nothing is
+    std::map<std::string, std::string> tags{};  ///< when, where and with which camera it was recorded
 
     /// Neither a still nor generated.
     bool isClip() const { return !still && !endless && !generated; }
