@@ -41,7 +41,7 @@ struct CodedPictures {
     }
 };
 
-/// Reads all packets of an input's pictures. Throws NotCopied when they cannot be copied into a film of this
+/// Reads all packets of a clip's pictures. Throws NotCopied when they cannot be copied into a film of this
 /// rate.
 CodedPictures codedPictures(const Input& input, AVRational rate);
 

@@ -51,7 +51,7 @@ av::Options tagsFor(const std::string& format, const std::map<std::string, std::
     if (const auto date = named.extract("creation_date"))
         named["com.apple.quicktime.creationdate"] = date.mapped();
     if (format != "mp4" && format != "mov") return named;
-    // Beside the boxes of old for players, the keys that libraries of photos and videos look for.
+    // Beside the plain names, the keys that cameras write and libraries of photos and videos look for.
     for (const char* const name : {"make", "model", "software"})
         if (const auto tag = tags.find(name); tag != tags.end())
             named[std::string("com.apple.quicktime.") + name] = tag->second;

@@ -59,7 +59,7 @@ void Muxer::addChapter(const std::string& title, std::int64_t start, std::int64_
 
 void Muxer::start(const av::Options& options) {
     av::Options wanted = options;
-    // Without it the muxer of .mp4 and .mov leaves out tags that it has no box of old for.
+    // Without it the muxer leaves out all tags but a few: of .mp4 even make and model.
     const std::string_view format = output_->oformat->name;
     if ((format == "mp4" || format == "mov") && output_->metadata != nullptr)
         wanted["movflags"] += "+use_metadata_tags";
