@@ -116,10 +116,10 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     // Another picture far from the seams is seen when all are looked at; what was drawn must show as well.
     EXPECT_EQ(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\""), "");
     EXPECT_NE(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\"", true), "");
-    EXPECT_NE(
-        filtered("-bsf:a \"noise=drop=eq(n\\," + std::to_string(plan_.audioPlan.stretches.back().end()) + ")\"")
-            .find("number of packets of audio"),
-        std::string::npos);
+    EXPECT_NE(filtered("-bsf:a \"noise=drop=eq(n\\," +
+                       std::to_string(plan_.audioPlan.stretches.back().end()) + ")\"")
+                  .find("number of packets of audio"),
+              std::string::npos);
     const std::uint8_t drawn = drawn_.at(70).front();
     drawn_[70].fill(230);
     EXPECT_NE(fault("cp good.mp4 bad.mp4").find("another picture"), std::string::npos);
