@@ -52,7 +52,11 @@ TEST_F(Metadata, IsThatOfTheFirstInputThatWasRecordedAndAChapterForEach) {
             chapters += chapter["tags"]["title"].get<std::string>() + " " +
                         chapter["start_time"].get<std::string>().substr(0, 5) + "-" +
                         chapter["end_time"].get<std::string>().substr(0, 5) + " ";
-        EXPECT_EQ(chapters, "plain 0.000-1.600 phone 1.600-3.600 b 3.600-5.600 ") << options;
+        // In Matroska all begins later by what the encoder of audio needs, as ffprobe says of the pictures.
+        EXPECT_EQ(chapters, name.ends_with("webm")  ? "plain 0.007-1.607 phone 1.607-3.607 b 3.607-5.607 "
+                            : name.ends_with("mkv") ? "plain 0.023-1.623 phone 1.623-3.623 b 3.623-5.623 "
+                                                    : "plain 0.000-1.600 phone 1.600-3.600 b 3.600-5.600 ")
+            << options << film["streams"][0]["start_time"];
         for (const std::string other : {"Private", "Secret", "timecode", "01:00:00:00", "rotat"})
             EXPECT_EQ(film.dump().find(other), std::string::npos) << options << ": " << other;
     }

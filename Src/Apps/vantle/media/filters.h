@@ -18,8 +18,8 @@ struct Filter {
     std::vector<std::size_t> inputs{};
 };
 
-/// The filters of a generated source's graph (`lavfi:`), those before the first fault where it has one; it is
-/// not ready to run.
+/// The filters of a generated source's graph (what follows `lavfi:`), not ready to run. A graph that cannot
+/// be read has none.
 av::Graph parseGraph(const std::string& description);
 
 /// Filters, most often a chain, with one input and one output, that of the last filter.

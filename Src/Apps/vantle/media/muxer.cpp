@@ -4,6 +4,7 @@ extern "C" {
 #include <libavutil/mem.h>
 }
 
+#include <algorithm>
 #include <string_view>
 
 #include "media/metadata.h"
@@ -41,6 +42,17 @@ void Muxer::describe(const std::map<std::string, std::string>& tags) {
         av::check(av_dict_set(&output_->metadata, name.c_str(), value.c_str(), 0), writing_);
 }
 
+std::int64_t Muxer::delay() const {
+    // Formats without negative times have all begin later by what an encoder of audio needs to begin.
+    std::int64_t delay = 0;
+    if ((output_->oformat->flags & AVFMT_TS_NEGATIVE) != 0) return delay;
+    for (unsigned i = 0; i < output_->nb_streams; ++i)
+        if (const AVCodecParameters& stream = *output_->streams[i]->codecpar; stream.sample_rate > 0)
+            delay = std::max(
+                delay, av_rescale_rnd(stream.initial_padding, 1000, stream.sample_rate, AV_ROUND_NEAR_INF));
+    return delay;
+}
+
 void Muxer::addChapter(const std::string& title, std::int64_t start, std::int64_t end, AVRational timeBase) {
     // Freed with the format's context, as soon as that lists it.
     auto* const chapter = static_cast<AVChapter*>(av::check(av_mallocz(sizeof(AVChapter)), writing_));
@@ -51,9 +63,13 @@ void Muxer::addChapter(const std::string& title, std::int64_t start, std::int64_
     }
     output_->nb_chapters = static_cast<unsigned>(count);
     chapter->id = count;  // from 1: 0 is none in Matroska
-    chapter->time_base = timeBase;
-    chapter->start = start;
-    chapter->end = end;
+    // Never before its frame: containers keep thousandths.
+    chapter->time_base = {1, 1000};
+    const auto place = [&](std::int64_t time) {
+        return av_rescale_q_rnd(time, timeBase, chapter->time_base, AV_ROUND_UP) + delay();
+    };
+    chapter->start = place(start);
+    chapter->end = place(end);
     av::check(av_dict_set(&chapter->metadata, "title", title.c_str(), 0), writing_);
 }
 

@@ -28,7 +28,7 @@ class Muxer {
     /// Notes when, where and with which camera it was recorded, by the names of recordingTags.
     void describe(const std::map<std::string, std::string>& tags);
 
-    /// Adds a chapter, its times in `timeBase`. Only before `start`, to a format that has them.
+    /// Adds a chapter, its times in `timeBase`. Only when all streams are added, to a format that has them.
     void addChapter(const std::string& title, std::int64_t start, std::int64_t end, AVRational timeBase);
 
     /// Writes the header, when all streams are added.
@@ -41,6 +41,9 @@ class Muxer {
     void finish();
 
    private:
+    /// By how many thousandths of a second the format shifts all times.
+    std::int64_t delay() const;
+
     struct Close {
         void operator()(AVFormatContext* output) const {
             avio_closep(&output->pb);

@@ -9,14 +9,16 @@ MovieFile::MovieFile(const MovieKind& kind, const std::string& name, bool overwr
 void MovieFile::describe(const std::map<std::string, std::string>& tags, const std::vector<Chapter>& chapters,
                          AVRational rate) {
     muxer_.describe(tags);
-    for (const Chapter& chapter : chapters)
-        muxer_.addChapter(chapter.title, chapter.first, chapter.end, av_inv_q(rate));
+    chapters_ = chapters;
+    rate_ = rate;
 }
 
 void MovieFile::write(PacketSource& pictures, PacketSource* audio, const av::Options& muxerOptions,
                       const std::function<void(std::int64_t)>& written) {
     const AVStream& pictureStream = pictures.addTo(muxer_);
     const AVStream* const audioStream = audio != nullptr ? &audio->addTo(muxer_) : nullptr;
+    for (const Chapter& chapter : chapters_)
+        muxer_.addChapter(chapter.title, chapter.first, chapter.end, av_inv_q(rate_));
     muxer_.start(muxerOptions);
     av::Packet picture = pictures.next();
     av::Packet samples = audio != nullptr ? audio->next() : nullptr;

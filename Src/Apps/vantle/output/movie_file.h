@@ -45,6 +45,8 @@ class MovieFile {
    private:
     std::optional<StagedFile> file_;  // none for standard output
     Muxer muxer_;
+    std::vector<Chapter> chapters_;
+    AVRational rate_{1, 1};  // in which they are counted
 };
 
 }  // namespace vantle
