@@ -109,6 +109,11 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
                ",format=gbrp -vf scale=out_color_matrix=" + matrix +
                ",format=yuv444p,setparams=colorspace=unknown -t 0.4 -c:v ffv1 coded.mkv");
         EXPECT_NEAR(firstPixel("coded.mkv", "out_%d.png")[1], 0x50, 3) << size;
+        // So is what becomes of RGB.
+        ffmpeg(std::string("-f lavfi -i color=red:s=") + size + " -t 0.4 -c:v libx264rgb rgb.mkv");
+        render("rgb.mkv rgb.mkv -t 0 --duration 0.1 -f -o rgb.mp4");
+        EXPECT_EQ(probe("rgb.mp4", "stream=color_space"),
+                  matrix == std::string("bt709") ? matrix : "smpte170m");
     }
     // From one range to the other and back, in joins and between them.
     std::string film;

@@ -31,7 +31,7 @@ using Render = CommandTest;
 TEST_F(Render, JoinsClipsWithoutLosingOrRepeatingAFrame) {
     countingClip("from.mp4", 50, 90);
     countingClip("to.mp4", 40, 170);
-    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 -o joined.mp4");
+    render("from.mp4 to.mp4 -t Row_vantle --duration 0.4 --copy never -o joined.mp4");
     EXPECT_EQ(probe("joined.mp4", "stream=codec_name,nb_read_frames,duration"), "h264,3.200000,80");
     const Pictures joined = decode("joined.mp4", 64, 320);
     ASSERT_EQ(joined.count, 80U);

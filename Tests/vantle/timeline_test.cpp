@@ -240,7 +240,7 @@ TEST(Chapters, AbutWhereInputsBeginToShow) {
     using Chapters = std::vector<Chapter>;
     EXPECT_EQ(chaptersOf(laid.film, 0, laid.film.frames()),
               (Chapters{{"a.b", 0, 40}, {"c", 40, 70}, {"lavfi:d=1.5", 70, 130}}));
-    EXPECT_EQ(chaptersOf(laid.film, 45, 80), (Chapters{{"c", 0, 25}, {"lavfi:d=1.5", 25, 35}}));
+    EXPECT_EQ(chaptersOf(laid.film, 40, 80), (Chapters{{"c", 0, 30}, {"lavfi:d=1.5", 30, 40}}));
     EXPECT_EQ(laid.film.tags, sources[1].tags);
 }
 

@@ -5,9 +5,8 @@ namespace vantle {
 av::Packet EncodedPackets::next() {
     for (;;) {
         if (av::Packet packet = encoder_->receive()) {
-            // Not all encoders say how long a picture shows.
-            if (packet->duration == 0 && encoder_->context().codec_type == AVMEDIA_TYPE_VIDEO)
-                packet->duration = 1;
+            // Encoders say nothing of how long a picture shows, or what its source said in units of its own.
+            if (encoder_->context().codec_type == AVMEDIA_TYPE_VIDEO) packet->duration = 1;
             return packet;
         }
         if (flushed_) return nullptr;

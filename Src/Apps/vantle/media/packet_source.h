@@ -32,7 +32,8 @@ class PacketSource {
 /// What an encoder makes of frames.
 class EncodedPackets final : public PacketSource {
    public:
-    /// `frames` gives the next frame, its time in the encoder's time base, or null at the end.
+    /// `frames` gives the next frame, its time in the encoder's time base, or null at the end. A picture
+    /// shows for one unit of that.
     EncodedPackets(std::unique_ptr<Encoder> encoder, std::function<av::Frame()> frames)
         : encoder_(std::move(encoder)), frames_(std::move(frames)) {}
 
