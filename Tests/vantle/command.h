@@ -70,10 +70,14 @@ class CommandTest : public testing::Test {
     /// Runs vantle in the folder; standard error comes with the output.
     Outcome vantle(const std::string& arguments) const { return shell(in(VANTLE " " + arguments + " 2>&1")); }
 
-    /// Runs vantle, and half a second later `command` beside it: $$ is vantle there.
+    /// Runs vantle, and beside it `command` once something is half written, after a minute in any case: $$ is
+    /// vantle there.
     Outcome vantleWhile(const std::string& arguments, const std::string& command) const {
-        return shell(
-            in("{ { sleep 0.5; " + command + "; } 2>&1 & exec " VANTLE " " + arguments + " 2>&1; }"));
+        const std::string wait =
+            "for i in $(seq 600); do find . | grep -Eq '/[.][^/]*[.](vantle-[^/]*|[A-Za-z0-9]{6})$' && "
+            "break; "
+            "sleep 0.1; done; ";
+        return shell(in("{ { " + wait + command + "; } 2>&1 & exec " VANTLE " " + arguments + " 2>&1; }"));
     }
 
     /// Runs vantle, which must succeed.

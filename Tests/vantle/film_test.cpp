@@ -159,9 +159,9 @@ TEST_F(Films, ShowTheJoinThatIsAskedFor) {
 
 TEST_F(Films, AreNotWrittenWhenAnInputGoesAwayWhileOthersAreShown) {
     ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=2 -c:v libx264 clip.mp4");
+    shell(in("cp clip.mp4 lost.mp4"));
     const Outcome lost =
-        shell(in("cp clip.mp4 lost.mp4; (sleep 0.7; rm lost.mp4) & " VANTLE
-                 " render -q lavfi:testsrc2=s=640x360:d=30 clip.mp4 lost.mp4 -t 0 -o a.mp4 2>&1"));
+        vantleWhile("render -q lavfi:testsrc2=s=640x360:d=30 clip.mp4 lost.mp4 -t 0 -o a.mp4", "rm lost.mp4");
     EXPECT_EQ(lost.status, 1);
     EXPECT_EQ(lost.text(), "vantle: lost.mp4: No such file or directory\n");
     EXPECT_EQ(files(), std::set<std::string>{"clip.mp4"});
