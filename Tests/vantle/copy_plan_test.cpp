@@ -24,13 +24,13 @@ CodedSource coded(std::int64_t interval, bool reordered = false, int width = 640
         .parameterSets = {},
         .headerSei = {},
         .timeBase = {1, 25},
-        .rate = {25, 1},
         .pictures = {},
     });
     pictures->parameters->width = width;
     pictures->parameters->height = 360;
     const auto add = [&](std::int64_t number) {
-        if (number < 100) pictures->pictures.push_back({number, number, number % interval == 0});
+        if (number < 100)
+            pictures->pictures.push_back({number, number, number + 1, number, number % interval == 0});
     };
     for (std::int64_t key = 0; key < 100; key += interval) {
         add(key);
@@ -47,7 +47,8 @@ CodedSource coded(std::int64_t interval, bool reordered = false, int width = 640
 Film film(std::size_t parts, AVRational rate = {25, 1}) {
     Film film{.canvas = {{640, 360}, rate}};
     for (std::size_t i = 0; i < parts; ++i) {
-        film.sources.push_back({.name = std::string(1, static_cast<char>('a' + i)), .rate = rate});
+        film.sources.push_back(
+            {.name = std::string(1, static_cast<char>('a' + i)), .size = {640, 360}, .rate = rate});
         film.parts.push_back({.source = i, .start = static_cast<std::int64_t>(90 * i), .frames = 100});
         if (i > 0) film.joins.push_back({TransitionName{}, static_cast<std::int64_t>(90 * i), 10});
     }
@@ -62,7 +63,8 @@ std::string text(const CopyPlan& plan) {
                 : stretch.isSeam ? "seam"
                                  : "encoded") +
                " " + std::to_string(stretch.first) + "+" + std::to_string(stretch.frames) + ", ";
-    for (const std::string& why : plan.refusals) all += why.substr(0, why.find(';')) + ", ";
+    for (const std::string& why : plan.why)
+        if (!why.empty()) all += why.substr(0, why.find(';')) + ", ";
     return all;
 }
 
@@ -70,7 +72,7 @@ std::string text(const CopyPlan& plan) {
 
 TEST(CopyPlan, CopiesWhatCanBeDecodedOnItsOwn) {
     const auto plan = [](const std::vector<CodedSource>& sources) {
-        return text(planCopy(film(sources.size()), sources, true, [](const CopyPlan&) {}));
+        return text(planCopy(film(sources.size()), sources, {}, [](const CopyPlan&) {}));
     };
     EXPECT_EQ(plan({coded(25), coded(25)}), "a 0+90, seam 90+25, b 115+75, ");
     // What shows before the join may be decoded after a picture in it.
@@ -81,7 +83,7 @@ TEST(CopyPlan, CopiesWhatCanBeDecodedOnItsOwn) {
               "a 0+90, encoded 90+100, b: has no keyframe in its frames 10 to 99, with which copying could "
               "begin, ");
     EXPECT_EQ(plan({coded(25), coded(25, false, 320), coded(25)}),
-              "a 0+90, encoded 90+115, c 205+75, b: is 320x360 and the film 640x360, ");
+              "a 0+90, encoded 90+115, c 205+75, b: its pixels are not shaped as those of a, ");
     CodedSource other = coded(25);
     std::const_pointer_cast<CodedPictures>(other.pictures)->parameters->format = AV_PIX_FMT_YUV444P;
     EXPECT_EQ(plan({other, coded(25)}), "a 0+90, encoded 90+100, b: its pixel format is not that of a, ");
@@ -89,8 +91,44 @@ TEST(CopyPlan, CopiesWhatCanBeDecodedOnItsOwn) {
     const auto tryEncoding = [](const CopyPlan& tried) {
         if (tried.pictures[0]) throw NotCopied("a: joins cannot be encoded like it");
     };
-    EXPECT_EQ(text(planCopy(film(2), {other, coded(25)}, true, tryEncoding)),
+    EXPECT_EQ(text(planCopy(film(2), {other, coded(25)}, {}, tryEncoding)),
               "encoded 0+115, b 115+75, a: joins cannot be encoded like it, ");
+}
+
+TEST(ShownPictures, KeepTheirTimesBetweenFramesOfTheFilm) {
+    // A hundred frames in thousandths; of the second part 50 to 52 are missing, 60 comes late and 61 early.
+    CodedSource uneven = coded(25);
+    CodedPictures& pictures = *std::const_pointer_cast<CodedPictures>(uneven.pictures);
+    pictures.even = false;
+    pictures.timeBase = {1, 1000};
+    pictures.start = 7;
+    std::erase_if(pictures.pictures,
+                  [](const CodedPicture& picture) { return picture.number >= 50 && picture.number < 53; });
+    for (std::size_t i = 0; CodedPicture & picture : pictures.pictures) {
+        picture.time = 40 * picture.number + 7 + (picture.number == 60 ? 13 : picture.number == 61 ? -11 : 0);
+        picture.rank = static_cast<std::int64_t>(i++);
+        if (picture.number == 49) picture.end = 53;
+    }
+    Film made = film(2);
+    made.parts[1].first = 3;  // from its frame 3 on
+    made.parts[1].frames = 97;
+    const CopyPlan plan = planCopy(made, {coded(25), uneven}, {}, [](const CopyPlan&) {});
+    EXPECT_EQ(text(plan), "a 0+90, seam 90+22, b 112+75, ");
+    const ShownPictures& shown = plan.shown;
+    EXPECT_EQ(shown.timeBase.den, 1000);
+    ASSERT_EQ(shown.first, (std::vector<std::int64_t>{0, 90, 112}));
+    ASSERT_EQ(shown.pictures.size(), 184U);
+    const auto timeOf = [&](std::int64_t number) {  // of a picture of the second part
+        const std::optional<std::int64_t> place = shown.find(2, pictures.pictures[0].time + 40 * number);
+        return place ? shown.at(*place).time : -1;
+    };
+    EXPECT_EQ(timeOf(25), 40 * 112);
+    EXPECT_EQ(timeOf(49), 40 * 136);
+    EXPECT_EQ(timeOf(50), -1);
+    EXPECT_EQ(timeOf(53), 40 * 140);
+    EXPECT_EQ(shown.at(shown.find(2, 40 * 60 + 20).value()).time, 40 * 147 + 13);
+    EXPECT_EQ(shown.at(shown.find(2, 40 * 61 - 4).value()).time, 40 * 148 - 11);
+    EXPECT_EQ(shown.end, 40 * 187);
 }
 
 TEST(AudioPlan, CopiesWhatIsHeardAloneInStepWithItsPictures) {

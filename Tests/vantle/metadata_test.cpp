@@ -60,8 +60,8 @@ TEST_F(Metadata, IsThatOfTheFirstInputThatWasRecordedAndAChapterForEach) {
         for (const std::string other : {"Private", "Secret", "timecode", "01:00:00:00", "rotat"})
             EXPECT_EQ(film.dump().find(other), std::string::npos) << options << ": " << other;
     }
-    // Pictures are turned, so that what turned them is not said again.
-    render("turned.mov plain.mp4 -t 0 --duration 10f -q -o upright.mp4");
+    // Pictures that are encoded are turned, so that what turned them is not said again.
+    render("turned.mov plain.mp4 -t 0 --duration 10f -q --copy never -o upright.mp4");
     EXPECT_NE(said("upright.mp4").find("Maker"), std::string::npos);
     EXPECT_EQ(said("upright.mp4").find("rotat"), std::string::npos);
     for (const std::string output : {"a.gif", "a.webp", "a_%d.png", "a.png --at 0.5"})

@@ -75,9 +75,9 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
     EXPECT_TRUE(shown("wide.mp4").starts_with("128,32 R"));
     EXPECT_NE(vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("128x32"),
               std::string::npos);
-    EXPECT_NE(
-        vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("Note: nothing is copied"),
-        std::string::npos);
+    // Copied as stored, shown as meant.
+    render("wide.mp4 wide.mp4 -t 0 --duration 2f --copy auto -o joined.mp4");
+    EXPECT_EQ(probe("joined.mp4", "stream=width,sample_aspect_ratio"), "64,2:1");
     ffmpeg("-f lavfi -i color=white@0.5:s=64x32,format=rgba -frames:v 1 glass.png");
     render("glass.png lavfi:testsrc2=s=64x32 -t 0 --at 0 -o seen.png");
     EXPECT_NEAR(rgb("seen.png").at(0), 128, 2);
@@ -152,6 +152,39 @@ TEST_F(PicturesAsMeant, KeepTheSharpnessOfTheirChroma) {
     render("stripes.mkv lavfi:testsrc2=s=64x32 -t Row_split --duration 0.4 --at 0 -o at.png");
     EXPECT_GT(contrast("at.mkv"), 130);
     EXPECT_LT(contrast("at.png"), 120);
+}
+
+TEST_F(PicturesAsMeant, AreThoseThatMoveAndWholeOnes) {
+    // A camcorder's, of which each holds two moments: nearer to one of them than as it is stored.
+    ffmpeg("-f lavfi -i testsrc2=s=320x240:r=50 -t 2 -c:v ffv1 moments.mkv");
+    ffmpeg(
+        "-i moments.mkv -vf tinterlace=interleave_top,setfield=tff -c:v libx264 -crf 4 -pix_fmt yuv420p "
+        "-flags "
+        "+ilme+ildct -x264-params tff=1 fields.mp4");
+    ffmpeg("-i fields.mp4 -c copy fields.ts");
+    const auto likeness = [&](const std::string& file) {
+        return std::stod(
+            shell(in("ffmpeg -i " + file +
+                     " -i moments.mkv -lavfi \"[0]trim=end_frame=40[a];[1]select='not("
+                     "mod(n,2))',setpts=N/25/TB,format=yuv420p,trim=end_frame=40[b];[a][b]psnr\" "
+                     "-f null - 2>&1 | sed -n 's/.*average:\\([0-9.]*\\).*/\\1/p'"))
+                .text());
+    };
+    for (const std::string file : {"fields.mp4", "fields.ts"}) {
+        const Outcome outcome = vantle("render " + file + " " + file + " -t 0 --duration 2f -f -o film.mp4");
+        EXPECT_NE(outcome.text().find(file + ": its pictures are interlaced"), std::string::npos);
+        EXPECT_NE(outcome.text().find("film.mp4: 98 frames of 320x240\n"), std::string::npos)
+            << outcome.text();
+        EXPECT_GT(likeness("film.mp4"), likeness(file) + 2);
+    }
+    // A cover is none, be it alone or the first of two.
+    ffmpeg("-f lavfi -i color=s=640x480 -frames:v 1 cover.png");
+    ffmpeg("-f lavfi -i sine -i cover.png -map 0 -map 1 -t 1 -disposition:v attached_pic -c:v copy song.mp3");
+    ffmpeg(
+        "-i cover.png -i fields.mp4 -map 0 -map 1 -c copy -disposition:v:0 attached_pic -disposition:v:1 0 "
+        "covered.mp4");
+    refuses("render song.mp3 fields.mp4 -t 0 -o a.mp4", 1, "song.mp3: holds no picture");
+    EXPECT_EQ(plan("covered.mp4 fields.mp4 -t 0 --duration 2f")["width"], 320);
 }
 
 }  // namespace tests

@@ -38,10 +38,9 @@ NalCodec codecOf(const Input& input, const AVCodecParameters& parameters) {
 /// What is wrong with pictures of these parameters wherever they go.
 void checkParameters(const Input& input, const AVCodecParameters& parameters) {
     const Source& source = input.source();
-    if (source.orientation != Orientation{})
-        refuse(input, "its pictures are turned upright; only those that are stored upright can be copied");
-    if (av_cmp_q(source.pixelAspect, {1, 1}) != 0)
-        refuse(input, "its pixels are not square; only square ones can be copied");
+    const std::optional<DisplayMatrix>& stated = input.displayMatrix();
+    if (source.orientation != (stated ? orientationOf(*stated) : Orientation{}))
+        refuse(input, "its pictures say themselves how they are turned; ffmpeg -i IN OUT.mp4 mends that");
     if (source.colours.hdr())
         refuse(input, "its HDR colours are mapped to ordinary ones; a clip of those can be copied");
     if (parameters.field_order > AV_FIELD_PROGRESSIVE)
@@ -85,10 +84,6 @@ bool beginsAfresh(const Input& input, const AVPacket& packet, const CodedPicture
 
 void checkPacket(const Input& input, const AVPacket& packet) {
     if (packet.pts == AV_NOPTS_VALUE) refuse(input, "its packets have no times; " + std::string(rewrap));
-    if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0)
-        refuse(input,
-               "some of its packets are not to be shown, as it was cut without encoding; one cut at key "
-               "pictures can be copied");
     if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0)
         refuse(input, "some of its packets are damaged; an undamaged one can be copied");
     for (const AVPacketSideData& side :
@@ -98,45 +93,52 @@ void checkPacket(const Input& input, const AVPacket& packet) {
             refuse(input, "its codec settings change on the way, or it is encrypted");
 }
 
-/// Numbers the pictures by their times, which must lie on the grid of the film and fill it.
-void number(const Input& input, CodedPictures& coded) {
-    std::vector<std::int64_t> times;
-    for (const CodedPicture& picture : coded.pictures) times.push_back(picture.time);
-    if (times.empty()) refuse(input, "has no pictures");
-    const std::int64_t first = std::ranges::min(times);
-    if (first != input.source().firstTime)
-        refuse(input,
-               "its first pictures cannot be decoded; a clip that begins with a keyframe can be copied");
-    coded.start = first;
-    std::vector<bool> seen(times.size());
-    for (std::size_t i = 0; i < times.size(); ++i) {
-        const double place =
-            static_cast<double>(times[i] - first) * av_q2d(coded.timeBase) * av_q2d(coded.rate);
-        const auto nearest = std::llround(place);
-        const bool onGrid = std::abs(place - static_cast<double>(nearest)) <= 0.3;
-        if (!onGrid || nearest >= std::ssize(times) || seen[static_cast<std::size_t>(nearest)])
-            refuse(input,
-                   "its pictures do not follow each other at the film's even pace; with another input first, "
-                   "or --fps, "
-                   "they may");
-        seen[static_cast<std::size_t>(nearest)] = true;
-        coded.pictures[i].number = nearest;
+/// Numbers and ranks the pictures by their times.
+void number(const Input& input, CodedPictures& coded, AVRational rate) {
+    coded.start = input.source().firstTime;
+    std::vector<CodedPicture*> shown;
+    for (CodedPicture& picture : coded.pictures) {
+        picture.number =
+            av_rescale_q_rnd(picture.time - coded.start, coded.timeBase, av_inv_q(rate), AV_ROUND_NEAR_INF);
+        if (picture.rank >= 0 && picture.time >= coded.start)
+            shown.push_back(&picture);
+        else
+            picture.rank = -1;
     }
+    if (shown.empty()) refuse(input, "has no pictures");
+    std::ranges::sort(shown, {}, &CodedPicture::time);
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        CodedPicture& picture = *shown[i];
+        picture.rank = static_cast<std::int64_t>(i);
+        picture.end = i + 1 < shown.size() ? shown[i + 1]->number : std::numeric_limits<std::int64_t>::max();
+        if (i > 0 && picture.time == shown[i - 1]->time)
+            refuse(input, "two of its pictures show at one time; " + std::string(rewrap));
+        const std::int64_t meant =
+            av_rescale_q_rnd(picture.number, av_inv_q(rate), coded.timeBase, AV_ROUND_NEAR_INF);
+        coded.even =
+            coded.even && picture.number == picture.rank && std::abs(picture.time - coded.start - meant) <= 1;
+    }
+    // What an edit leaves out lies before or behind what it shows.
+    for (const CodedPicture& picture : coded.pictures)
+        if (picture.rank < 0 && picture.time > coded.start && picture.time < shown.back()->time)
+            refuse(input,
+                   "some of its pictures are left out in the middle, as it was cut without encoding; ffmpeg "
+                   "-i IN OUT.mp4 mends that");
 }
 
 /// Leaves as random access points those across which nothing is shown in another order than it is decoded in,
-/// but for what HEVC lets one leave out.
+/// but for what HEVC lets one leave out, and which show at their frames' ends.
 void settleRandomAccess(CodedPictures& coded) {
-    std::int64_t latest = -1;
+    std::int64_t latest = std::numeric_limits<std::int64_t>::min();
     for (CodedPicture& picture : coded.pictures) {
-        picture.randomAccess = picture.randomAccess && latest < picture.number;
-        latest = std::max(latest, picture.number);
+        picture.randomAccess = picture.randomAccess && picture.rank >= 0 && latest < picture.time;
+        latest = std::max(latest, picture.time);
     }
     std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
     for (auto picture = coded.pictures.rbegin(); picture != coded.pictures.rend(); ++picture) {
-        if (coded.codec == NalCodec::h264)
-            picture->randomAccess = picture->randomAccess && earliest > picture->number;
-        earliest = std::min(earliest, picture->number);
+        picture->randomAccess = picture->randomAccess && picture->end > picture->number &&
+                                (coded.codec == NalCodec::hevc || earliest > picture->time);
+        earliest = std::min(earliest, picture->time);
     }
 }
 
@@ -151,8 +153,8 @@ av::Parameters copyOf(const AVCodecParameters& parameters) {
 CodedPictures codedPictures(const Input& input, AVRational rate) try {
     Demuxer packets(input.name());
     const std::string_view format = packets.container().iformat->name;
-    if (!format.starts_with("mov,") && !format.starts_with("matroska,"))
-        refuse(input, "is no .mp4, .mov or .mkv file; " + std::string(rewrap));
+    if (!format.starts_with("mov,") && !format.starts_with("matroska,") && format != "mpegts")
+        refuse(input, "is no .mp4, .mov, .mkv or .ts file; " + std::string(rewrap));
     const int stream = *packets.best(AVMEDIA_TYPE_VIDEO);
     const AVCodecParameters& parameters = *packets.stream(stream).codecpar;
     const NalCodec codec = codecOf(input, parameters);
@@ -165,19 +167,22 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
                         .parameters = copyOf(parameters),
                         .parameterSets = annexB.header(true),
                         .headerSei = annexB.header(false),
+                        .displayMatrix = input.displayMatrix(),
                         .timeBase = packets.stream(stream).time_base,
-                        .rate = rate,
                         .pictures = {}};
+    coded.parameters->sample_aspect_ratio = input.source().pixelAspect;
     checkParameterSets(input, codec, coded.parameterSets);
     packets.useAlone(stream);
     while (av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
         packet = annexB.converted(std::move(packet));
-        coded.pictures.push_back(
-            {.time = packet->pts, .number = 0, .randomAccess = beginsAfresh(input, *packet, coded)});
+        const bool isShown = (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
+        coded.pictures.push_back({.time = packet->pts,
+                                  .rank = isShown ? 0 : -1,
+                                  .randomAccess = beginsAfresh(input, *packet, coded)});
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
-    number(input, coded);
+    number(input, coded, rate);
     settleRandomAccess(coded);
     return coded;
 } catch (const NotCopied&) {

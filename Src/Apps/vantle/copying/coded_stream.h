@@ -8,6 +8,7 @@
 #include "Host/error.h"
 #include "media/av.h"
 #include "media/demuxer.h"
+#include "media/orientation.h"
 #include "media/parameter_sets.h"
 #include "playing/input.h"
 
@@ -20,7 +21,9 @@ class NotCopied : public Error {
 
 struct CodedPicture {
     std::int64_t time = 0;      ///< when it shows, in the stream's time base
-    std::int64_t number = 0;    ///< in the order in which pictures show, from 0
+    std::int64_t number = 0;    ///< of the film's frames from the first picture on, the one nearest to that
+    std::int64_t end = 0;       ///< the same of the picture that shows next
+    std::int64_t rank = 0;      ///< in the order in which pictures show, from 0; less where it is not shown
     bool randomAccess = false;  ///< decoding may begin here: what shows later does not refer back across it
 };
 
@@ -29,20 +32,17 @@ struct CodedPictures {
     int stream;
     NalCodec codec;
     av::Parameters parameters;
-    std::vector<Bytes> parameterSets;  ///< of all its pictures
-    std::vector<Bytes> headerSei;      ///< kept beside its packets: about the file's own making
+    std::vector<Bytes> parameterSets;              ///< of all its pictures
+    std::vector<Bytes> headerSei;                  ///< kept beside its packets: about the file's own making
+    std::optional<DisplayMatrix> displayMatrix{};  ///< how the container says they are turned
     AVRational timeBase;
-    AVRational rate;
     std::int64_t start = 0;  ///< when the first picture shows
+    bool even = true;        ///< all lie at their frames, as nearly as the container can say
     std::vector<CodedPicture> pictures;
-
-    std::int64_t numberOf(const AVPacket& packet) const {
-        return av_rescale_q_rnd(packet.pts - start, timeBase, av_inv_q(rate), AV_ROUND_NEAR_INF);
-    }
 };
 
-/// Reads all packets of a clip's pictures. Throws NotCopied when they cannot be copied into a film of this
-/// rate.
+/// Reads all packets of a clip's pictures, and numbers them by frames of this rate. Throws NotCopied when
+/// they cannot be copied.
 CodedPictures codedPictures(const Input& input, AVRational rate);
 
 /// Audio in AAC frames of 1024 samples that overlap by half: what a packet holds is heard in full only with

@@ -9,37 +9,56 @@ extern "C" {
 
 namespace vantle {
 
-std::optional<CopyPlan> planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice,
-                                   bool keepsAudio, std::vector<std::string>& notes) {
-    if (mode == CopyMode::never) return {};
-    const Film& film = open.film();
-    CopyPlan plan = planCopy(film, scanSources(open), keepsAudio,
-                             [&](const CopyPlan& tried) { tryEncoding(tried, choice); });
-    // Below a tenth it saves next to nothing, and all else would have to be like what is copied.
-    const bool few = mode == CopyMode::automatic && plan.copied() > 0 && plan.copied() < film.frames() / 10;
-    const bool none = few || plan.copied() == 0;
-    if (few)
-        plan.refusals = {std::to_string(plan.copied()) + " of " + std::to_string(film.frames()) +
-                         " frames are too few"};
-    else if (none && plan.refusals.empty() &&
-             std::ranges::any_of(plan.pictures, [](const auto& coded) { return coded != nullptr; }))
-        plan.refusals.emplace_back("all frames lie in joins");
-    if (mode == CopyMode::always)
-        plan.refusals.insert(plan.refusals.end(), plan.noClips.begin(), plan.noClips.end());
-    if (!plan.refusals.empty()) {
-        if (mode == CopyMode::always) throw Error("--copy always: " + plan.refusals.front());
-        const std::size_t others = plan.refusals.size() - 1;
-        notes.push_back((none ? "nothing is copied: " : "not copied: ") + plan.refusals.front() +
-                        (others > 0 ? "; nor are " + std::to_string(others) + " more" : ""));
-    }
-    return none ? std::nullopt : std::optional(std::move(plan));
+namespace {
+
+void addOnce(std::vector<std::string>& lines, const std::string& line) {
+    if (std::ranges::find(lines, line) == lines.end()) lines.push_back(line);
 }
 
-std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>& copies) {
+}  // namespace
+
+CopyPlan planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice,
+                    const CopyTerms& terms) {
+    const Film& film = open.film();
+    if (mode == CopyMode::never) return {.film = film, .why = std::vector<std::string>(film.parts.size())};
+    CopyPlan plan =
+        planCopy(film, scanSources(open), terms, [&](const CopyPlan& tried) { tryEncoding(tried, choice); });
+    std::vector<std::string> refused;
+    std::vector<std::string> noClips;
+    for (std::size_t i = 0; i < film.parts.size(); ++i)
+        if (!plan.why[i].empty())
+            addOnce(film.sourceOf(film.parts[i]).isClip() ? refused : noClips, plan.why[i]);
+    // Below a tenth it saves next to nothing, and all else would have to be like what is copied.
+    const std::int64_t copied = plan.copied();
+    const bool few = mode == CopyMode::automatic && copied > 0 && copied < film.frames() / 10;
+    const auto clip = [](const auto& pictures) { return pictures != nullptr; };
+    if (few)
+        refused = {std::to_string(copied) + " of " + std::to_string(film.frames()) + " frames are too few"};
+    else if (copied == 0 && refused.empty() && std::ranges::any_of(plan.pictures, clip))
+        refused.emplace_back("all frames lie in joins");
+    if (mode == CopyMode::always) {
+        refused.insert(refused.end(), noClips.begin(), noClips.end());
+        if (!refused.empty()) throw Error("--copy always: " + refused.front());
+    }
+    if (few || copied == 0) {
+        plan.stretches.clear();
+        for (std::size_t i = 0; i < film.parts.size(); ++i)
+            if (plan.pictures[i] && plan.why[i].empty()) plan.why[i] = refused.front();
+    }
+    // That stills and generated inputs are encoded is no news.
+    if (!refused.empty())
+        plan.summary =
+            (plan.stretches.empty() ? "nothing is copied: " : "not copied: ") + refused.front() +
+            (refused.size() > 1 ? "; nor are " + std::to_string(refused.size() - 1) + " more" : "");
+    return plan;
+}
+
+std::vector<std::string> losses(const CopyPlan& plan) {
+    const Film& film = plan.film;
     int kept = 8;
-    if (copies)
+    if (plan.copied() > 0)
         if (const auto* const format =
-                av_pix_fmt_desc_get(static_cast<AVPixelFormat>(copies->modelPictures().parameters->format)))
+                av_pix_fmt_desc_get(static_cast<AVPixelFormat>(plan.modelPictures().parameters->format)))
             kept = format->comp[0].depth;
     const auto isDrawn = [&](std::size_t join) {
         return join < film.joins.size() && film.joins[join].transition;
@@ -47,11 +66,9 @@ std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>&
     std::vector<std::string> notes;
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         const Source& source = film.sourceOf(film.parts[i]);
-        const auto tell = [&](const std::string& what) {
-            const std::string note = source.name + ": " + what;
-            if (std::ranges::find(notes, note) == notes.end()) notes.push_back(note);
-        };
+        const auto tell = [&](const std::string& what) { addOnce(notes, source.name + ": " + what); };
         if (!source.leftOut.empty()) tell(source.leftOut);
+        if (source.interlaced) tell("its pictures are interlaced: they are deinterlaced, one a frame");
         if (source.colours.hdr())
             tell("its HDR colours are mapped to ordinary ones of 8 bits");
         else if (source.depth > 8 && !source.still &&

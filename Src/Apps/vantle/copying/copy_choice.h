@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,13 +13,12 @@ namespace vantle {
 
 enum class CopyMode : std::uint8_t { automatic, always, never };
 
-/// What is copied of the film; none when nothing is. `notes` gets a line about what is not. With `keepsAudio`
-/// its audio may be copied too. Throws Error when not all that could be copied is and `always` is asked for.
-std::optional<CopyPlan> planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice,
-                                   bool keepsAudio, std::vector<std::string>& notes);
+/// What is copied of the film; without stretches when nothing is. Throws Error when not all that could be
+/// copied is and `always` is asked for.
+CopyPlan planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& choice, const CopyTerms& terms);
 
 /// What the film loses of its inputs, in a line for each. With copies it has as many bits as these, and those
 /// of joins alone are drawn with 8.
-std::vector<std::string> losses(const Film& film, const std::optional<CopyPlan>& copies);
+std::vector<std::string> losses(const CopyPlan& plan);
 
 }  // namespace vantle

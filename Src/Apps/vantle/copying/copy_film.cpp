@@ -28,8 +28,8 @@ av::Options fileOptions(const CopyPlan& plan, const MovieKind& kind, std::int64_
         : plan.audioPlan.stretches.empty()
             ? sampleOf(frames, plan.film.canvas.rate, plan.film.audio->sampleRate) / shortest
             : plan.audioPlan.stretches.back().end();
-    wanted["moov_size"] =
-        std::to_string(65536 + perPicture * frames + perPacket * packets + perChapter * chapters);
+    wanted["moov_size"] = std::to_string(65536 + perPicture * std::ssize(plan.shown.pictures) +
+                                         perPacket * packets + perChapter * chapters);
     return wanted;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
 #include <map>
 #include <utility>
 
@@ -12,13 +11,9 @@ namespace vantle {
 
 namespace {
 
-constexpr std::int64_t shortest = 2;  // pictures of a stretch: two fresh ones in a row confuse browsers
-constexpr int longestSeam = 12;       // seconds: a join, and ten up to the next keyframe
-constexpr int compared = 2;           // seconds at either end of a longer stretch
+constexpr int compared = 2;  // seconds at either end of a longer stretch
 
-std::int64_t framesIn(int seconds, AVRational rate) { return av_rescale(seconds, rate.num, rate.den); }
-
-std::string sizeText(int width, int height) { return std::to_string(width) + "x" + std::to_string(height); }
+std::string sizeText(Size size) { return std::to_string(size.width) + "x" + std::to_string(size.height); }
 
 std::string rateText(AVRational rate) {
     char text[32] = "";
@@ -26,162 +21,70 @@ std::string rateText(AVRational rate) {
     return text;
 }
 
-/// Why an input's pictures cannot go into the film beside those of the model; empty when they can.
-std::string mismatch(const AVCodecParameters& parameters, const AVCodecParameters& model) {
+/// Why a clip's pictures cannot go into the film beside those of the model; empty when they can.
+std::string mismatch(const Source& source, const AVCodecParameters& parameters, const Source& modelSource,
+                     const AVCodecParameters& model) {
     const auto range = [](const AVCodecParameters& of) {
         return of.color_range == AVCOL_RANGE_UNSPECIFIED ? AVCOL_RANGE_MPEG : of.color_range;
     };
-    if (parameters.codec_id != model.codec_id) return "codec";
-    if (parameters.format != model.format) return "pixel format";
-    if (range(parameters) != range(model)) return "range of colours";
+    if (parameters.codec_id != model.codec_id) return "its codec is not that of";
+    if (parameters.format != model.format) return "its pixel format is not that of";
+    if (range(parameters) != range(model)) return "its range of colours is not that of";
     if (parameters.color_space != model.color_space || parameters.color_primaries != model.color_primaries ||
         parameters.color_trc != model.color_trc || parameters.chroma_location != model.chroma_location)
-        return "description of its colours";
+        return "its description of its colours is not that of";
+    if (source.orientation != modelSource.orientation) return "it was held otherwise than";
+    if (av_cmp_q(source.pixelAspect, modelSource.pixelAspect) != 0 || parameters.width != model.width ||
+        parameters.height != model.height)
+        return "its pixels are not shaped as those of";
     return {};
+}
+
+/// Whether pictures of this rate can show at their own times in a film: it has as many frames, or hardly
+/// more. Of uneven ones it is not known better.
+bool isNear(AVRational rate, bool even, AVRational film) {
+    const double ratio = av_q2d(rate) / av_q2d(film);
+    return ratio > 0.98 && (av_cmp_q(rate, film) <= 0 || (!even && ratio < 1.002));
 }
 
 /// Why a source's pictures cannot go into a film; empty when they can.
-std::string refusalOf(const Film& film, const Source& source, const CodedSource& coded) {
-    if (av_cmp_q(source.rate, film.canvas.rate) != 0)
+std::string refusalOf(const Film& film, const Source& source, const CodedSource& coded,
+                      const CopyTerms& terms) {
+    if (!source.isClip()) return source.name + ": is no clip; only clips can be copied";
+    if (!isNear(source.rate, !coded.pictures || coded.pictures->even, film.canvas.rate))
         return source.name + ": shows " + rateText(source.rate) + " pictures a second and the film " +
                rateText(film.canvas.rate) + "; clips of one rate can be copied";
     if (!coded.pictures) return coded.refusal;
-    const AVCodecParameters& parameters = *coded.pictures->parameters;
-    const Size& size = film.canvas.size;
-    if (parameters.width != size.width || parameters.height != size.height)
-        return source.name + ": is " + sizeText(parameters.width, parameters.height) + " and the film " +
-               sizeText(size.width, size.height) + "; clips of one size can be copied";
+    const Size size = film.canvas.size;
+    const Size even{source.size.width / 2 * 2, source.size.height / 2 * 2};  // as the film's is made
+    if (size != source.size && size != even)
+        return source.name + ": is " + sizeText(source.size) + " and the film " + sizeText(size) +
+               "; clips of one size can be copied";
+    if (!terms.orientation && source.orientation != Orientation{})
+        return source.name +
+               ": is turned, which this kind of file cannot say; into .mp4 or .mov it can be copied";
     return {};
 }
 
-/// All pictures from a random access point on that are decoded before any from `limit` on: the number after
-/// the last.
-std::int64_t cleanEnd(const CodedPictures& coded, std::size_t start, std::int64_t limit) {
-    const std::int64_t first = coded.pictures[start].number;
-    std::int64_t end = first;
-    std::int64_t latest = first;
-    std::int64_t count = 0;
-    for (std::size_t i = start; i < coded.pictures.size(); ++i) {
-        const std::int64_t number = coded.pictures[i].number;
-        if (number < first) continue;  // shown before it: left out
-        if (number >= limit) break;
-        latest = std::max(latest, number);
-        if (latest == first + count++) end = latest + 1;
-    }
-    return end;
-}
-
-/// The first random access point from a picture on, in decoding order.
-std::optional<std::size_t> randomAccessFrom(const CodedPictures& coded, std::int64_t number,
-                                            std::int64_t limit) {
-    for (std::size_t i = 0; i < coded.pictures.size(); ++i)
-        if (coded.pictures[i].randomAccess && coded.pictures[i].number >= number &&
-            coded.pictures[i].number < limit)
-            return i;
-    return {};
-}
-
-/// Lays copied stretches into a film, part after part.
-class Layout {
-   public:
-    explicit Layout(CopyPlan& plan) : plan_(plan), film_(plan.film) {}
-
-    void run() {
-        for (std::size_t part = 0; part < film_.parts.size(); ++part)
-            if (plan_.pictures[part]) lay(part);
-        std::int64_t next = 0;
-        for (const Laid& laid : laid_) {
-            encode(next, laid.first);
-            plan_.stretches.push_back({laid.first, laid.end - laid.first, laid.part});
-            next = laid.end;
-        }
-        encode(next, film_.frames());
-    }
-
-   private:
-    struct Laid {
-        std::size_t part;
-        std::size_t start;
-        std::int64_t first;  // frames of the film
-        std::int64_t end;
-    };
-
-    void encode(std::int64_t first, std::int64_t end) {
-        if (end <= first) return;
-        bool isSeam = end - first <= framesIn(longestSeam, film_.canvas.rate);
-        for (std::size_t i = 0; i < film_.parts.size(); ++i)
-            if (film_.parts[i].start < end && film_.parts[i].end() > first)
-                isSeam = isSeam && std::ranges::find(laid_, i, &Laid::part) != laid_.end();
-        plan_.stretches.push_back({first, end - first, {}, isSeam});
-    }
-
-    void lay(std::size_t number) {
-        const Part& part = film_.parts[number];
-        const CodedPictures& coded = *plan_.pictures[number];
-        const std::int64_t from = number > 0 ? film_.joins[number - 1].end() : 0;
-        const std::int64_t to = number < film_.joins.size() ? film_.joins[number].start : part.end();
-        const std::int64_t offset = part.offset();
-        std::optional<std::size_t> start = randomAccessFrom(coded, from - offset, to - offset);
-        if (start && isLoneFrame(coded.pictures[*start].number + offset))
-            start = randomAccessFrom(coded, coded.pictures[*start].number + 1, to - offset);
-        if (!start) {
-            if (to - from > shortest)
-                plan_.refusals.push_back(
-                    film_.sourceOf(part).name + ": has no keyframe in its frames " +
-                    std::to_string(from - offset) + " to " + std::to_string(to - offset - 1) +
-                    ", with which copying could begin; one every few seconds (x264: keyint) "
-                    "helps");
-            return;
-        }
-        const Laid laid{number, *start, coded.pictures[*start].number + offset,
-                        cleanEnd(coded, *start, to - offset) + offset};
-        if (laid.end - laid.first >= shortest) laid_.push_back(laid);
-    }
-
-    /// True when a stretch that begins with `frame` would leave a single frame to be encoded before it. The
-    /// stretch before it is shortened where that helps.
-    bool isLoneFrame(std::int64_t frame) {
-        if (laid_.empty()) return frame == 1;
-        Laid& before = laid_.back();
-        if (frame - before.end != 1) return false;
-        const std::int64_t offset = film_.parts[before.part].offset();
-        const std::int64_t end =
-            cleanEnd(*plan_.pictures[before.part], before.start, before.end - offset - 1) + offset;
-        if (end - before.first < shortest) return true;
-        before.end = end;
-        return false;
-    }
-
-    CopyPlan& plan_;
-    const Film& film_;
-    std::vector<Laid> laid_;
-};
-
-/// Pictures by part; null where they cannot be copied.
-using Copyable = std::vector<std::shared_ptr<const CodedPictures>>;
-
-void addOnce(std::vector<std::string>& lines, const std::string& line) {
-    if (std::ranges::find(lines, line) == lines.end()) lines.push_back(line);
-}
-
-/// Takes the first part that can be copied as the model, and all that are like it.
-void findAlike(CopyPlan& plan, const Copyable& copyable) {
+/// Takes the first of these parts that can be copied as the model, and all that are like it.
+void findAlike(CopyPlan& plan, const std::vector<std::shared_ptr<const CodedPictures>>& copyable) {
     const Film& film = plan.film;
     plan.pictures.assign(film.parts.size(), nullptr);
-    const AVCodecParameters* model = nullptr;
+    const CodedPictures* model = nullptr;
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         if (!copyable[i]) continue;
         if (model == nullptr) {
-            model = copyable[i]->parameters.get();
+            model = copyable[i].get();
             plan.model = i;
         }
-        const std::string other = mismatch(*copyable[i]->parameters, *model);
+        const Source& source = film.sourceOf(film.parts[i]);
+        const std::string other =
+            mismatch(source, *copyable[i]->parameters, plan.modelSource(), *model->parameters);
         if (other.empty())
             plan.pictures[i] = copyable[i];
         else
-            addOnce(plan.refusals, film.sourceOf(film.parts[i]).name + ": its " + other + " is not that of " +
-                                       film.sourceOf(film.parts[plan.model]).name +
-                                       "; clips made alike can be copied");
+            plan.why[i] = source.name + ": " + other + " " + plan.modelSource().name +
+                          "; clips made alike can be copied";
     }
 }
 
@@ -223,10 +126,10 @@ CodedSource scan(const Input& input, AVRational rate) {
 
 }  // namespace
 
-std::int64_t copiedFrames(const std::vector<Stretch>& stretches) {
+std::int64_t CopyPlan::copiedOf(std::size_t part) const {
     std::int64_t frames = 0;
     for (const Stretch& stretch : stretches)
-        if (stretch.part) frames += stretch.frames;
+        if (stretch.part == part) frames += stretch.frames;
     return frames;
 }
 
@@ -251,40 +154,35 @@ std::vector<CodedSource> scanSources(const OpenFilm& open) {
     return coded;
 }
 
-CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsAudio,
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, const CopyTerms& terms,
                   const TryEncoding& tryEncoding) {
     CopyPlan plan;
     plan.film = film;
     plan.audio.resize(film.parts.size());
-    Copyable copyable;
+    std::vector<std::shared_ptr<const CodedPictures>> copyable;
     std::vector<std::string> refusals;
     for (const Part& part : film.parts) {
-        const Source& source = film.sourceOf(part);
-        if (!source.isClip()) {
-            addOnce(plan.noClips, source.name + ": is no clip; only clips can be copied");
-            copyable.push_back(nullptr);
-            continue;
-        }
-        const std::string refusal = refusalOf(film, source, coded[part.source]);
-        if (!refusal.empty()) addOnce(refusals, refusal);
-        copyable.push_back(refusal.empty() ? coded[part.source].pictures : nullptr);
+        refusals.push_back(refusalOf(film, film.sourceOf(part), coded[part.source], terms));
+        copyable.push_back(refusals.back().empty() ? coded[part.source].pictures : nullptr);
     }
     for (bool settled = false; !settled;) {
-        plan.refusals = refusals;
+        plan.why = refusals;
         findAlike(plan, copyable);
-        plan.stretches.clear();
-        Layout(plan).run();
+        plan.stretches = layStretches(film, plan.pictures, plan.why);
         try {
             if (plan.copied() > 0 && plan.copied() < film.frames()) tryEncoding(plan);
             settled = true;
         } catch (const NotCopied& why) {
             // Others may do.
-            refusals.emplace_back(why.what());
-            for (std::size_t i = 0; i < film.parts.size(); ++i)
-                if (plan.pictures[i]) copyable[i] = nullptr;
+            for (std::size_t i = 0; i < film.parts.size(); ++i) {
+                if (!plan.pictures[i]) continue;
+                copyable[i] = nullptr;
+                refusals[i] = why.what();
+            }
         }
     }
-    if (plan.copied() > 0 && keepsAudio && findAudio(plan, coded))
+    plan.shown = shownPictures(film, plan.stretches, plan.pictures);
+    if (plan.copied() > 0 && terms.audio && findAudio(plan, coded))
         plan.audioPlan = planAudio(film, plan.audio);
     return plan;
 }

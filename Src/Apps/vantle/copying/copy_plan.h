@@ -1,4 +1,4 @@
-/// Which frames of a film are copied, packet by packet, and which are encoded.
+/// What of a film is copied, packet by packet, and what is encoded.
 #pragma once
 
 #include <cstddef>
@@ -11,33 +11,24 @@
 
 #include "copying/audio_plan.h"
 #include "copying/coded_stream.h"
+#include "copying/shown_pictures.h"
+#include "copying/stretches.h"
 #include "playing/open_film.h"
 #include "timeline/film.h"
 
 namespace vantle {
 
-/// Consecutive frames of a film, copied from one of its parts or encoded.
-struct Stretch {
-    std::int64_t first = 0;
-    std::int64_t frames = 0;
-    std::optional<std::size_t> part{};  ///< from which it is copied
-    bool isSeam = false;  ///< it is encoded, is short and holds parts only that are copied around it
-
-    std::int64_t end() const { return first + frames; }
-};
-
-/// How many frames of these are copied.
-std::int64_t copiedFrames(const std::vector<Stretch>& stretches);
-
 struct CopyPlan {
-    Film film;
-    std::vector<std::shared_ptr<const CodedPictures>> pictures;  ///< by part; null where none can be copied
-    std::size_t model = 0;                                       ///< the part that all others must be like
-    std::vector<Stretch> stretches;
-    std::vector<std::shared_ptr<const CodedAudio>> audio;  ///< by part
-    AudioPlan audioPlan;                                   ///< without stretches all audio is encoded
-    std::vector<std::string> refusals;  ///< why an input is not copied, and what would mend it
-    std::vector<std::string> noClips;   ///< the same of stills and generated inputs: no news
+    Film film{};
+    std::vector<std::shared_ptr<const CodedPictures>> pictures{};  ///< by part; null where none can be copied
+    std::size_t model = 0;                                         ///< the part that all others must be like
+    std::vector<Stretch> stretches{};                              ///< none: nothing is copied
+    ShownPictures shown{};
+    std::vector<std::shared_ptr<const CodedAudio>> audio{};  ///< by part
+    AudioPlan audioPlan{};                                   ///< without stretches all audio is encoded
+    /// By part: why it is not copied, and what would mend it; empty when it is.
+    std::vector<std::string> why{};
+    std::string summary{};  ///< the same of all clips, in a line
 
     std::int64_t copied() const { return copiedFrames(stretches); }
 
@@ -45,7 +36,16 @@ struct CopyPlan {
     /// ends.
     bool isCompared(const Stretch& stretch, std::int64_t frame) const;
 
+    /// How many frames of a part are copied.
+    std::int64_t copiedOf(std::size_t part) const;
+
     const CodedPictures& modelPictures() const { return *pictures[model]; }
+
+    /// What the film's pictures are like: those of the model.
+    const Source& modelSource() const { return film.sourceOf(film.parts[model]); }
+
+    /// How the film is stored: as the model was held, upright when nothing is copied.
+    Orientation orientation() const { return stretches.empty() ? Orientation{} : modelSource().orientation; }
 
     /// The description of the audio that is copied.
     const AVCodecParameters& modelAudio() const;
@@ -64,9 +64,15 @@ std::vector<CodedSource> scanSources(const OpenFilm& open);
 /// Throws NotCopied when what a plan does not copy cannot be encoded like what it copies.
 using TryEncoding = std::function<void(const CopyPlan&)>;
 
+/// What may be copied of a film.
+struct CopyTerms {
+    bool audio = true;        ///< its audio: nobody asked for an encoder
+    bool orientation = true;  ///< turned pictures: the kind of file can say that they are
+};
+
 /// Plans to copy what lies outside the joins of a film whose sources are `coded` so, where the others can be
-/// encoded. With `keepsAudio` its audio may be copied too: nobody asked for an encoder.
-CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, bool keepsAudio,
+/// encoded.
+CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, const CopyTerms& terms,
                   const TryEncoding& tryEncoding);
 
 }  // namespace vantle

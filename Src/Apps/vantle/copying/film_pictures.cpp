@@ -1,5 +1,9 @@
 #include "copying/film_pictures.h"
 
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -12,16 +16,17 @@ namespace {
 
 /// The reorder depth of a copied stretch: how many pictures, at most, are decoded before one and shown after
 /// it.
-int reorderOf(const CodedPictures& coded, std::int64_t first, std::int64_t end) {
-    std::vector<std::int64_t> before;  // numbers of pictures coded so far that may show later, ascending
+int reorderOf(const CodedPictures& coded, const Stretch& stretch) {
+    std::vector<std::int64_t> before;  // ranks of pictures coded so far that may show later, ascending
     std::ptrdiff_t most = 0;
     bool begun = false;
     for (const CodedPicture& picture : coded.pictures) {
-        begun = begun || (picture.randomAccess && picture.number == first);
-        if (!begun || picture.number < first || picture.number >= end) continue;
-        const auto place = std::ranges::lower_bound(before, picture.number);
+        begun = begun || picture.rank == stretch.rank;
+        if (!begun || picture.rank < stretch.rank || picture.rank >= stretch.rank + stretch.pictures)
+            continue;
+        const auto place = std::ranges::lower_bound(before, picture.rank);
         most = std::max(most, before.end() - place);
-        before.insert(place, picture.number);
+        before.insert(place, picture.rank);
         // Within the standards nothing waits for longer.
         if (before.size() > 64) before.erase(before.begin());
     }
@@ -43,35 +48,31 @@ av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
 
 CopiedPictures::CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
                                std::int64_t count)
-    : coded_(coded),
+    : stream_(coded.stream),
       input_(name),
       annexB_(coded.codec, input_.stream(coded.stream)),
       first_(first),
       left_(count) {
-    input_.useAlone(coded.stream);
-    const auto start = std::ranges::find_if(coded.pictures, [&](const CodedPicture& picture) {
-        return picture.randomAccess && picture.number == first;
-    });
+    input_.useAlone(stream_);
     const auto find = [&] {
-        do ahead_ = input_.read(coded_.stream);
-        while (ahead_ && coded_.numberOf(*ahead_) < first_);
-        return ahead_ && coded_.numberOf(*ahead_) == first_;
+        do ahead_ = input_.read(stream_);
+        while (ahead_ && ahead_->pts < first_);
+        return ahead_ && ahead_->pts == first_;
     };
-    if (input_.seek(coded.stream, start->time) && find()) return;
+    if (input_.seek(stream_, first_) && find()) return;
     input_.reopen();
-    if (!find()) throw NotCopied(name + ": its picture " + std::to_string(first) + " is not found again");
+    if (!find()) throw NotCopied(name + ": its picture at " + std::to_string(first) + " is not found again");
 }
 
 av::Packet CopiedPictures::next() {
     if (left_ == 0) return nullptr;
     av::Packet packet = std::move(ahead_);
     // Pictures shown before the first are of the stretch before.
-    while (!packet || coded_.numberOf(*packet) < first_) {
-        packet = input_.read(coded_.stream);
+    while (!packet || packet->pts < first_) {
+        packet = input_.read(stream_);
         if (!packet) throw NotCopied(input_.name() + ": ends before its time");
     }
     --left_;
-    packet->pts = coded_.numberOf(*packet);
     // What comes with it beside its contents was for the source's container.
     av_packet_free_side_data(packet.get());
     return annexB_.converted(std::move(packet));
@@ -88,10 +89,7 @@ FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const Enc
     };
     for (const Stretch& stretch : plan.stretches) {
         if (stretch.part) {
-            const Part& part = plan.film.parts[*stretch.part];
-            const std::int64_t first = stretch.first - part.offset();
-            reorder_ =
-                std::max(reorder_, reorderOf(*plan.pictures[*stretch.part], first, first + stretch.frames));
+            reorder_ = std::max(reorder_, reorderOf(*plan.pictures[*stretch.part], stretch));
         } else if (!encoders_.contains(stretch.isSeam)) {
             const auto& encoder =
                 encoders_.try_emplace(stretch.isSeam, plan, choice, stretch.isSeam).first->second;
@@ -130,22 +128,47 @@ AVStream& FilmPictures::addTo(Muxer& muxer) const {
     std::ranges::copy(header, parameters->extradata);
     parameters->codec_tag = 0;
     parameters->video_delay = reorder_;
-    return muxer.add(*parameters, timeBase(), plan_.film.canvas.rate);
+    AVStream& stream = muxer.add(*parameters, timeBase(), plan_.film.canvas.rate);
+    if (model.displayMatrix) muxer.turn(stream, *model.displayMatrix);
+    return stream;
 }
 
 void FilmPictures::beginEncoding(const Stretch& stretch) {
     std::unique_ptr<Encoder> encoder = encoders_.at(stretch.isSeam).open();
-    const Colours& like = plan_.film.sourceOf(plan_.film.parts[plan_.model]).colours;
+    const Colours& like = plan_.modelSource().colours;
     player_.emplace(open_, stretch.first, stretch.end(),
                     PictureFormat{encoder->context().pix_fmt, like.space, like.range}, std::nullopt);
     encoding_.emplace(std::move(encoder), [this, stretch] {
-        av::Frame picture = player_->picture();
-        if (!picture) return picture;
-        picture->pts += stretch.first;
-        if (comparesAll_ || plan_.isCompared(stretch, picture->pts))
+        av::Frame picture = nextDrawn(stretch);
+        if (picture && (comparesAll_ || plan_.isCompared(stretch, picture->pts)))
             drawn_.emplace(picture->pts, brightnessOf(*picture));
         return picture;
     });
+}
+
+av::Frame FilmPictures::nextDrawn(const Stretch& stretch) {
+    av::Frame picture = player_->picture();
+    if (!picture) return picture;
+    picture->pts += stretch.first;
+    const AVCodecParameters& model = *plan_.modelPictures().parameters;
+    const Size size{model.width, model.height};
+    if (plan_.orientation() == Orientation{} && size == plan_.film.canvas.size) return picture;
+    if (!stored_) {
+        std::vector<Filter> filters = upright(inverse(plan_.orientation()));
+        filters.push_back(
+            {"scale",
+             {{"w", std::to_string(size.width)}, {"h", std::to_string(size.height)}, {"flags", "bicubic"}}});
+        filters.push_back(
+            {"format", {{"pix_fmts", av_get_pix_fmt_name(static_cast<AVPixelFormat>(picture->format))}}});
+        stored_.emplace(*picture, timeBase(), filters);
+    }
+    const std::int64_t frame = picture->pts;
+    stored_->push(std::move(picture));
+    picture = stored_->pull();
+    if (!picture) throw NotCopied("a picture cannot be turned as the film is stored");
+    picture->pts = frame;
+    picture->pict_type = AV_PICTURE_TYPE_NONE;
+    return picture;
 }
 
 av::Packet FilmPictures::nextOfStretch() {
@@ -155,14 +178,11 @@ av::Packet FilmPictures::nextOfStretch() {
         if (!encoding_) beginEncoding(stretch);
         return encoding_->next();
     }
-    const Part& part = plan_.film.parts[*stretch.part];
-    const std::int64_t offset = part.offset();
     if (!copying_)
-        copying_.emplace(plan_.film.sourceOf(part).name, *plan_.pictures[*stretch.part],
-                         stretch.first - offset, stretch.frames);
-    av::Packet packet = copying_->next();
-    if (packet) packet->pts += offset;
-    return packet;
+        copying_.emplace(plan_.film.sourceOf(plan_.film.parts[*stretch.part]).name,
+                         *plan_.pictures[*stretch.part], plan_.shown.at(plan_.shown.first[stretch_]).source,
+                         stretch.pictures);
+    return copying_->next();
 }
 
 void FilmPictures::endStretch() {
@@ -177,14 +197,30 @@ void FilmPictures::endStretch() {
 
 av::Packet FilmPictures::next() {
     while (stretch_ < plan_.stretches.size()) {
-        if (av::Packet packet = nextOfStretch()) {
-            packet->dts = packets_++ - reorder_;
-            packet->duration = 1;
-            return rewritten(std::move(packet));
+        av::Packet packet = nextOfStretch();
+        if (!packet) {
+            endStretch();
+            continue;
         }
-        endStretch();
+        const ShownPictures& shown = plan_.shown;
+        const std::optional<std::int64_t> place = shown.find(stretch_, packet->pts);
+        if (!place) throw NotCopied("a picture comes that was not planned");
+        packet->pts = shown.at(*place).time;
+        packet->dts = decoded_ = std::max(decodedAt(packets_++ - reorder_), decoded_ + 1);
+        packet->duration = shown.endOf(*place) - packet->pts;
+        return rewritten(std::move(packet));
     }
     return nullptr;
+}
+
+std::int64_t FilmPictures::decodedAt(std::int64_t place) const {
+    // A grid of its own, half a frame before that on which pictures show or to which they are nearest: where
+    // they come unevenly, programs tell the film's rate from it.
+    const AVRational frame = av_inv_q(plan_.film.canvas.rate);
+    const ShownPictures& shown = plan_.shown;
+    const std::int64_t nearest =
+        place < 0 ? place : av_rescale_q_rnd(shown.at(place).time, shown.timeBase, frame, AV_ROUND_NEAR_INF);
+    return av_rescale_q(nearest, frame, shown.timeBase) - av_rescale_q(1, frame, shown.timeBase) / 2;
 }
 
 av::Packet FilmPictures::rewritten(av::Packet packet) const {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,14 +22,15 @@ namespace vantle {
 /// Consecutive pictures of an input, from one on with which decoding may begin, in Annex B.
 class CopiedPictures {
    public:
+    /// `count` pictures, of which the first shows at `first`, in the stream's time base.
     CopiedPictures(const std::string& name, const CodedPictures& coded, std::int64_t first,
                    std::int64_t count);
 
-    /// The next packet, its time the picture's number, or null at the end.
+    /// The next packet, its times those of the input, or null at the end.
     av::Packet next();
 
    private:
-    const CodedPictures& coded_;
+    int stream_;
     Demuxer input_;
     AnnexB annexB_;
     std::int64_t first_;
@@ -36,8 +38,9 @@ class CopiedPictures {
     av::Packet ahead_;  // the first, found by going there
 };
 
-/// All pictures of a film. Times are in frames of the film; that of decoding rises by one from packet to
-/// packet and is never after that of showing.
+/// All pictures of a film, which show as planned. Each is decoded when the one shows that is as many places
+/// before it, in the order of decoding, as the reorder depth is deep: these times rise, and none is after
+/// that of showing.
 class FilmPictures final : public PacketSource {
    public:
     /// Encodes as StretchEncoder does. What is drawn in the frames that the plan compares is remembered, with
@@ -45,7 +48,7 @@ class FilmPictures final : public PacketSource {
     FilmPictures(const OpenFilm& open, const CopyPlan& plan, const EncoderChoice& choice, bool comparesAll);
 
     AVStream& addTo(Muxer& muxer) const override;
-    AVRational timeBase() const override { return av_inv_q(plan_.film.canvas.rate); }
+    AVRational timeBase() const override { return plan_.shown.timeBase; }
     av::Packet next() override;
 
     /// What has been drawn for the encoders, as far as it is remembered, by frame.
@@ -55,8 +58,11 @@ class FilmPictures final : public PacketSource {
     /// The parameter sets of one stretch as the film has them.
     std::vector<Bytes> restatedSets(const std::vector<Bytes>& own) const;
     void beginEncoding(const Stretch& stretch);
+    av::Frame nextDrawn(const Stretch& stretch);
     av::Packet nextOfStretch();
     void endStretch();
+    /// When a picture is decoded after which all up to a place in the order of showing are.
+    std::int64_t decodedAt(std::int64_t place) const;
     av::Packet rewritten(av::Packet packet) const;
 
     const OpenFilm& open_;
@@ -70,7 +76,9 @@ class FilmPictures final : public PacketSource {
     std::size_t stretch_ = 0;
     bool begun_ = false;  // the stretch has given its first packet
     std::int64_t packets_ = 0;
+    std::int64_t decoded_ = std::numeric_limits<std::int64_t>::min();  // the last packet
     std::optional<FilmPlayer> player_;
+    std::optional<Filters> stored_;  // from how pictures are shown to how they are stored
     std::optional<EncodedPackets> encoding_;
     std::optional<CopiedPictures> copying_;
     std::map<std::int64_t, Brightness> drawn_;

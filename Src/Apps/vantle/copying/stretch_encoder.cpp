@@ -65,8 +65,7 @@ StretchEncoder::StretchEncoder(const CopyPlan& plan, const EncoderChoice& choice
     const std::string usual = model.codec == NalCodec::h264 ? "libx264" : "libx265";
     const std::string name = choice.name.empty() ? usual : choice.name;
     const auto refuse = [&](const std::string& why) {
-        throw NotCopied(plan.film.sourceOf(plan.film.parts[plan.model]).name +
-                        ": joins cannot be encoded like it: " + why);
+        throw NotCopied(plan.modelSource().name + ": joins cannot be encoded like it: " + why);
     };
     codec_ = avcodec_find_encoder_by_name(name.c_str());
     if (codec_ == nullptr || codec_->id != parameters.codec_id)
@@ -106,7 +105,7 @@ std::unique_ptr<Encoder> StretchEncoder::open() const {
         context.width = like.width;
         context.height = like.height;
         context.pix_fmt = static_cast<AVPixelFormat>(like.format);
-        context.sample_aspect_ratio = {1, 1};
+        context.sample_aspect_ratio = like.sample_aspect_ratio;
         context.framerate = plan_.film.canvas.rate;
         context.time_base = av_inv_q(plan_.film.canvas.rate);
         context.color_range = like.color_range;

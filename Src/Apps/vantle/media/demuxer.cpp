@@ -95,21 +95,34 @@ std::optional<std::int64_t> statedEnd(const std::string& name) {
 
 Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name, *opened_)) {}
 
-std::optional<int> Demuxer::best(AVMediaType type) const {
-    const AVCodec* decoder = nullptr;  // asked for, it must be there
-    const int stream = av_find_best_stream(input_.get(), type, -1, -1, &decoder, 0);
-    return stream >= 0 ? std::optional(stream) : std::nullopt;
-}
+std::optional<int> Demuxer::best(AVMediaType type) const { return find(type, true); }
 
-bool Demuxer::holds(AVMediaType type) const {
-    return av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0) >= 0;
+bool Demuxer::holds(AVMediaType type) const { return find(type, false).has_value(); }
+
+std::optional<int> Demuxer::find(AVMediaType type, bool decodable) const {
+    const AVCodec* decoder = nullptr;  // asked for, it must be there
+    const int best = av_find_best_stream(input_.get(), type, -1, -1, decodable ? &decoder : nullptr, 0);
+    if (best < 0) return {};
+    // Covers and thumbnails are streams of pictures, too.
+    const auto isAside = [&](int index) {
+        return (stream(index).disposition &
+                (AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS)) != 0;
+    };
+    if (!isAside(best)) return best;
+    for (int i = 0; i < static_cast<int>(input_->nb_streams); ++i) {
+        const AVCodecParameters& parameters = *stream(i).codecpar;
+        if (parameters.codec_type == type && !isAside(i) &&
+            (!decodable || avcodec_find_decoder(parameters.codec_id) != nullptr))
+            return i;
+    }
+    return {};
 }
 
 std::string Demuxer::whyNone(AVMediaType type) const {
-    const int stream = av_find_best_stream(input_.get(), type, -1, -1, nullptr, 0);
+    const std::optional<int> stream = find(type, false);
     const bool pictures = type == AVMEDIA_TYPE_VIDEO;
-    if (stream < 0) return pictures ? "holds no picture" : "holds no audio";
-    const AVCodecParameters& parameters = *this->stream(stream).codecpar;
+    if (!stream) return pictures ? "holds no picture" : "holds no audio";
+    const AVCodecParameters& parameters = *this->stream(*stream).codecpar;
     std::array<char, AV_FOURCC_MAX_STRING_SIZE> tag{};
     av_fourcc_make_string(tag.data(), parameters.codec_tag);
     return std::string("FFmpeg has no decoder for its ") + (pictures ? "pictures" : "audio") + " (" +
@@ -216,6 +229,9 @@ bool Demuxer::readOne() {
 
 bool Demuxer::seek(int stream, std::int64_t time) {
     if (jumped() || (input_->iformat->flags & AVFMT_NOTIMESTAMPS) != 0) return false;
+    // Without an index a place is found by the time of any packet, some of which come late.
+    if ((input_->iformat->flags & AVFMT_TS_DISCONT) != 0)
+        time = av_sat_sub64(time, av_rescale_q(1, {1, 1}, this->stream(stream).time_base));
     const int code =
         avformat_seek_file(input_.get(), stream, std::numeric_limits<std::int64_t>::min(), time, time, 0);
     throwIfInterrupted();

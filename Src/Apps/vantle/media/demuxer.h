@@ -27,7 +27,8 @@ class Demuxer {
     AVFormatContext& container() const { return *input_; }
     AVStream& stream(int index) const { return *input_->streams[index]; }
 
-    /// The best stream of this type that FFmpeg has a decoder for, if there is one.
+    /// The stream of this type that a player would choose, if FFmpeg has a decoder for one. Covers and
+    /// thumbnails are none.
     std::optional<int> best(AVMediaType type) const;
 
     /// True when there are streams of this type, whether or not they can be decoded.
@@ -52,8 +53,9 @@ class Demuxer {
     /// The next packet of any stream that is in use, or null at the end.
     av::Packet read();
 
-    /// Goes to the last key packet of `stream` at or before `time`, in its time base; all streams go on from
-    /// about there. False when the input cannot do that; it is then where it was, or anywhere.
+    /// Goes to the last key packet of `stream` at or before `time`, in its time base, or in a format without
+    /// an index to somewhere before it; all streams go on from about there. False when the input cannot do
+    /// that; it is then where it was, or anywhere.
     bool seek(int stream, std::int64_t time);
 
     /// Opens the input once more, from its start.
@@ -78,6 +80,7 @@ class Demuxer {
     const Health& health() const { return health_; }
 
    private:
+    std::optional<int> find(AVMediaType type, bool decodable) const;
     [[noreturn]] void fail(const std::string& what) const;
     bool readOne();
     av::Packet taken(std::deque<av::Packet>& queue);

@@ -5,9 +5,11 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "media/metadata.h"
+#include "media/versions.h"
 
 namespace vantle {
 
@@ -34,7 +36,13 @@ AVStream& Muxer::add(const AVCodecParameters& parameters, AVRational timeBase, A
     av::check(avcodec_parameters_copy(stream->codecpar, &parameters), writing_);
     stream->time_base = timeBase;
     stream->avg_frame_rate = rate;
+    stream->sample_aspect_ratio = parameters.sample_aspect_ratio;
     return *stream;
+}
+
+void Muxer::turn(AVStream& stream, const DisplayMatrix& matrix) {
+    std::memcpy(av::check(av::newSideData(stream, AV_PKT_DATA_DISPLAYMATRIX, sizeof matrix), writing_),
+                matrix.data(), sizeof matrix);
 }
 
 void Muxer::describe(const std::map<std::string, std::string>& tags) {

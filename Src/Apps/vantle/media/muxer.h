@@ -7,6 +7,7 @@
 #include <string>
 
 #include "media/av.h"
+#include "media/orientation.h"
 
 namespace vantle {
 
@@ -24,6 +25,9 @@ class Muxer {
 
     /// Adds a stream for packets of this description, `rate` of them a second (0/1 for audio).
     AVStream& add(const AVCodecParameters& parameters, AVRational timeBase, AVRational rate);
+
+    /// Notes how a player is to turn a stream's pictures.
+    void turn(AVStream& stream, const DisplayMatrix& matrix);
 
     /// Notes when, where and with which camera it was recorded, by the names of recordingTags.
     void describe(const std::map<std::string, std::string>& tags);

@@ -17,6 +17,15 @@ inline std::int64_t duration(const AVFrame& frame) {
 #endif
 }
 
+/// Whether a frame holds two moments, line by line.
+inline bool isInterlaced(const AVFrame& frame) {
+#if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 7, 100)
+    return (frame.flags & AV_FRAME_FLAG_INTERLACED) != 0;
+#else
+    return frame.interlaced_frame != 0;
+#endif
+}
+
 /// What a stream's container says beside its packets, or null.
 inline const std::uint8_t* streamSideData(const AVStream& stream, AVPacketSideDataType type) {
 #if LIBAVFORMAT_VERSION_INT >= AV_VERSION_INT(60, 15, 100)
@@ -25,6 +34,17 @@ inline const std::uint8_t* streamSideData(const AVStream& stream, AVPacketSideDa
     return side != nullptr ? side->data : nullptr;
 #else
     return av_stream_get_side_data(&stream, type, nullptr);
+#endif
+}
+
+/// Room for what a container is to say beside a stream's packets; null when there is no memory.
+inline std::uint8_t* newSideData(AVStream& stream, AVPacketSideDataType type, std::size_t size) {
+#if LIBAVFORMAT_VERSION_INT >= AV_VERSION_INT(60, 15, 100)
+    AVPacketSideData* const side = av_packet_side_data_new(
+        &stream.codecpar->coded_side_data, &stream.codecpar->nb_coded_side_data, type, size, 0);
+    return side != nullptr ? side->data : nullptr;
+#else
+    return av_stream_new_side_data(&stream, type, size);
 #endif
 }
 

@@ -41,7 +41,7 @@ Filter sized(const char* name, Size size, av::Options options = {}) {
 
 /// Filters from a picture as decoded to the canvas.
 std::vector<Filter> filtersFor(const Input& input, const AVFrame& picture, const Canvas& canvas) {
-    std::vector<Filter> filters = input.upright(picture);
+    std::vector<Filter> filters = upright(input.orientationOf(picture));
     if (coloursOf(picture).hdr())
         filters.insert(filters.end(),
                        {{"zscale", {{"transfer", "linear"}, {"npl", "100"}}},

@@ -2,7 +2,6 @@
 
 extern "C" {
 #include <libavutil/common.h>
-#include <libavutil/display.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
@@ -55,18 +54,6 @@ bool runsForever(const std::string& description) {
     return forever;
 }
 
-/// Quarter turns clockwise that bring a picture upright, 0 to 3.
-int quarterTurns(const std::int32_t* matrix) {
-    const double degrees = matrix != nullptr ? av_display_rotation_get(matrix) : 0.0;
-    return std::isfinite(degrees) ? static_cast<int>(std::lround(-degrees / 90.0)) & 3 : 0;
-}
-
-Orientation orientationOf(const std::int32_t* matrix) {
-    if (matrix == nullptr) return {};
-    const auto at = [&](int i) { return static_cast<double>(matrix[i]); };
-    return {quarterTurns(matrix), at(0) * at(4) - at(1) * at(3) < 0.0};
-}
-
 }  // namespace
 
 Input::Opened::Opened(const std::string& name, int threads)
@@ -95,7 +82,8 @@ Input::Input(const std::string& name) {
         std::memcpy(displayMatrix_.emplace().data(), matrix, sizeof *displayMatrix_);
     source_.size = shownSize(*first_);
     source_.pixelAspect = first_->sample_aspect_ratio;
-    source_.orientation = orientationOf(matrixOf(*first_));
+    source_.orientation = orientationOf(*first_);
+    source_.interlaced = opened_->deinterlacing || stream.codecpar->field_order > AV_FIELD_PROGRESSIVE;
     source_.colours = coloursOf(*first_);
     if (const AVPixFmtDescriptor* const pixels =
             av_pix_fmt_desc_get(static_cast<AVPixelFormat>(first_->format)))
@@ -139,6 +127,29 @@ Demuxer::Health Input::health() const {
 }
 
 av::Frame Input::decode() {
+    std::optional<Filters>& deinterlacing = opened_->deinterlacing;
+    for (;;) {
+        if (av::Frame frame = deinterlacing ? deinterlacing->pull() : nullptr) return frame;
+        if (deinterlacing && deinterlacing->ended()) return nullptr;
+        av::Frame frame = decodeStored();
+        if (!deinterlacing && (!frame || !av::isInterlaced(*frame))) return frame;
+        if (!deinterlacing) {
+            const AVRational unit = source_.timeBase;
+            const std::string time = std::to_string(unit.num) + "/" + std::to_string(unit.den);
+            deinterlacing.emplace(
+                *frame, unit,
+                std::vector<Filter>{{"bwdif", {{"mode", "send_frame"}, {"deint", "interlaced"}}},
+                                    {"settb", {{"expr", time}}}});
+        }
+        // The filter looks at the picture behind, too.
+        if (frame)
+            deinterlacing->push(std::move(frame));
+        else
+            deinterlacing->close(opened_->end);
+    }
+}
+
+av::Frame Input::decodeStored() {
     av::Frame frame = opened_->reader->next();
     if (!frame) return frame;
     // Video that does not say which colours it means is taken as players do, by its height.
@@ -161,10 +172,11 @@ std::int64_t Input::shownFor(std::int64_t duration) const {
                     source_.rate.num > 0 ? av_rescale_q(1, av_inv_q(source_.rate), source_.timeBase) : 1);
 }
 
-const std::int32_t* Input::matrixOf(const AVFrame& picture) const {
+Orientation Input::orientationOf(const AVFrame& picture) const {
+    std::optional<DisplayMatrix> matrix = displayMatrix_;
     if (const AVFrameSideData* const side = av_frame_get_side_data(&picture, AV_FRAME_DATA_DISPLAYMATRIX))
-        return reinterpret_cast<const std::int32_t*>(side->data);
-    return displayMatrix_ ? displayMatrix_->data() : nullptr;
+        std::memcpy(matrix.emplace().data(), side->data, sizeof *matrix);
+    return matrix ? vantle::orientationOf(*matrix) : Orientation{};
 }
 
 Size Input::shownSize(const AVFrame& picture) const {
@@ -172,28 +184,8 @@ Size Input::shownSize(const AVFrame& picture) const {
     const AVRational shape = picture.sample_aspect_ratio;
     Size size{static_cast<int>(std::min(av_rescale(picture.width, shape.num, shape.den), widest)),
               picture.height};
-    if (quarterTurns(matrixOf(picture)) % 2 != 0) std::swap(size.width, size.height);
+    if (orientationOf(picture).quarterTurns % 2 != 0) std::swap(size.width, size.height);
     return {std::max(size.width, 1), std::max(size.height, 1)};
-}
-
-std::vector<Filter> Input::upright(const AVFrame& picture) const {
-    const std::int32_t* const matrix = matrixOf(picture);
-    if (matrix == nullptr) return {};
-    // A mirrored picture turns the other way round: seen in the signs of the matrix.
-    switch (quarterTurns(matrix)) {
-        case 1:
-            return {{"transpose", {{"dir", matrix[3] > 0 ? "cclock_flip" : "clock"}}}};
-        case 2: {
-            std::vector<Filter> filters;
-            if (matrix[0] < 0) filters.push_back({"hflip"});
-            if (matrix[4] < 0) filters.push_back({"vflip"});
-            return filters;
-        }
-        case 3:
-            return {{"transpose", {{"dir", matrix[3] < 0 ? "clock_flip" : "cclock"}}}};
-        default:
-            return matrix[4] < 0 ? std::vector<Filter>{{"vflip"}} : std::vector<Filter>{};
-    }
 }
 
 std::int64_t Input::gridNumber(std::int64_t time, AVRational rate) const {
@@ -215,10 +207,17 @@ AVRational Input::measuredRate() {
         constexpr std::size_t enough = 100;
         restart();
         opened_->atStart = false;
-        while (const av::Packet packet = opened_->demuxer.read(opened_->stream)) {
-            if (packet->pts != AV_NOPTS_VALUE) times.push_back(packet->pts);
-            if (times.size() == enough) break;
-        }
+        // A packet may hold half an interlaced picture.
+        const auto next = [&]() -> std::optional<std::int64_t> {
+            if (source_.interlaced) {
+                const av::Frame picture = decode();
+                return picture ? std::optional(picture->pts) : std::nullopt;
+            }
+            const av::Packet packet = opened_->demuxer.read(opened_->stream);
+            return packet ? std::optional(packet->pts) : std::nullopt;
+        };
+        for (std::optional<std::int64_t> time = next(); time && times.size() < enough; time = next())
+            if (*time != AV_NOPTS_VALUE) times.push_back(*time);
         restart();
     }
     const AVRational rate = paceOf(std::move(times), source_.timeBase);
@@ -277,6 +276,7 @@ std::optional<std::int64_t> Input::endOfPackets() {
 bool Input::seek(std::int64_t time) {
     if (!opened_->demuxer.seek(opened_->stream, time)) return false;
     opened_->reader->flush();
+    opened_->deinterlacing.reset();
     opened_->ahead.clear();
     return true;
 }
@@ -284,6 +284,7 @@ bool Input::seek(std::int64_t time) {
 void Input::restart() {
     opened_->demuxer.reopen();
     opened_->reader->flush();
+    opened_->deinterlacing.reset();
     opened_->ahead.clear();
     opened_->end = 0;
 }

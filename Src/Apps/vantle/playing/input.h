@@ -1,18 +1,16 @@
 /// One input of a film.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "media/canvas.h"
 #include "media/decoder.h"
 #include "media/demuxer.h"
-#include "media/filters.h"
+#include "media/orientation.h"
 #include "timeline/source.h"
 
 namespace vantle {
@@ -36,8 +34,11 @@ class Input {
     /// The size at which a picture shows: upright, with square pixels.
     Size shownSize(const AVFrame& picture) const;
 
-    /// The filters that bring a picture upright, as a camera noted it.
-    std::vector<Filter> upright(const AVFrame& picture) const;
+    /// How a picture is turned, by itself or by its container.
+    Orientation orientationOf(const AVFrame& picture) const;
+
+    /// How the container says that all are turned.
+    const std::optional<DisplayMatrix>& displayMatrix() const { return displayMatrix_; }
 
     AVRational timeBase() const { return source_.timeBase; }
     bool still() const { return source_.still; }
@@ -70,14 +71,15 @@ class Input {
         Demuxer demuxer;
         int stream;
         std::optional<StreamReader> reader;
-        bool probing;                 // with one thread
-        std::deque<av::Frame> ahead;  // decoded, and not yet given
-        std::int64_t end = 0;         // of the last picture decoded
-        bool atStart = true;          // the first pictures are still to be given
+        std::optional<Filters> deinterlacing;  // from the first interlaced picture on
+        bool probing;                          // with one thread
+        std::deque<av::Frame> ahead;           // decoded, and not yet given
+        std::int64_t end = 0;                  // of the last picture decoded
+        bool atStart = true;                   // the first pictures are still to be given
     };
     void open(int threads);
-    const std::int32_t* matrixOf(const AVFrame& picture) const;
     av::Frame decode();
+    av::Frame decodeStored();
     std::int64_t shownFor(std::int64_t duration) const;
     AVRational measuredRate();
     std::int64_t measuredEnd();
@@ -89,8 +91,8 @@ class Input {
     std::unique_ptr<Opened> opened_;
     FileSet files_;  // while it is closed
     av::Frame first_;
-    std::optional<std::array<std::int32_t, 9>> displayMatrix_;  // as the container states it
-    Demuxer::Health health_;                                    // while it was open before
+    std::optional<DisplayMatrix> displayMatrix_;
+    Demuxer::Health health_;  // while it was open before
 };
 
 }  // namespace vantle

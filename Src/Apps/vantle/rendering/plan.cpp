@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <utility>
 
 namespace vantle {
 
@@ -26,13 +28,17 @@ std::string clock(double time) {
     return text;
 }
 
-Json inputEntry(const Film& film, const Part& part) {
-    return {{"input",
-             {{"file", film.sourceOf(part).name},
-              {"in", inThousandths(seconds(part.first, film))},
-              {"out", inThousandths(seconds(part.first + part.frames, film))},
-              {"first", part.start},
-              {"last", part.end() - 1}}}};
+Json inputEntry(const CopyPlan& plan, std::size_t number) {
+    const Film& film = plan.film;
+    const Part& part = film.parts[number];
+    Json entry = {{"file", film.sourceOf(part).name},
+                  {"in", inThousandths(seconds(part.first, film))},
+                  {"out", inThousandths(seconds(part.first + part.frames, film))},
+                  {"first", part.start},
+                  {"last", part.end() - 1},
+                  {"copied", plan.copiedOf(number)}};
+    if (!plan.why[number].empty()) entry["why"] = plan.why[number];
+    return {{"input", std::move(entry)}};
 }
 
 Json joinEntry(const Join& join) {
@@ -54,8 +60,8 @@ std::string copiedRanges(const std::vector<Stretch>& stretches) {
     return text;
 }
 
-void printJson(const Film& film, const std::vector<Stretch>& stretches,
-               const std::vector<std::string>& notes) {
+void printJson(const CopyPlan& copies, const std::vector<std::string>& notes) {
+    const Film& film = copies.film;
     Json plan;
     plan["frames"] = film.frames();
     plan["seconds"] = inThousandths(seconds(film.frames(), film));
@@ -64,13 +70,15 @@ void printJson(const Film& film, const std::vector<Stretch>& stretches,
     plan["rate"] = std::to_string(film.canvas.rate.num) + "/" + std::to_string(film.canvas.rate.den);
     Json& timeline = plan["timeline"] = Json::array();
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
-        timeline.push_back(inputEntry(film, film.parts[i]));
+        timeline.push_back(inputEntry(copies, i));
         if (i < film.joins.size()) timeline.push_back(joinEntry(film.joins[i]));
     }
     Json& copied = plan["copied"] = Json::array();
-    for (const Stretch& stretch : stretches)
+    for (const Stretch& stretch : copies.stretches)
         if (stretch.part) copied.push_back({{"first", stretch.first}, {"frames", stretch.frames}});
-    plan["copiedShare"] = inThousandths(share(copiedFrames(stretches), film));
+    plan["copiedShare"] = inThousandths(share(copies.copied(), film));
+    if (const Orientation held = copies.orientation(); held != Orientation{})
+        plan["orientation"] = {{"turn", 90 * held.quarterTurns}, {"mirrored", held.mirrored}};
     plan["warnings"] = notes;
     // A file's name need not be text.
     std::puts(plan.dump(2, ' ', false, Json::error_handler_t::replace).c_str());
@@ -84,12 +92,9 @@ void printRow(const Film& film, std::int64_t start, std::int64_t frames, const s
 
 }  // namespace
 
-void printPlan(const Film& film, const std::vector<Stretch>& stretches, const std::vector<std::string>& notes,
-               bool json) {
-    if (json) {
-        printJson(film, stretches, notes);
-        return;
-    }
+void printPlan(const CopyPlan& plan, const std::vector<std::string>& notes, bool json) {
+    if (json) return printJson(plan, notes);
+    const Film& film = plan.film;
     std::printf("%15s  %9s  %9s\n", "FRAMES", "FROM", "LENGTH");
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         const Part& part = film.parts[i];
@@ -110,10 +115,16 @@ void printPlan(const Film& film, const std::vector<Stretch>& stretches, const st
     std::printf("\n%lld frames, %s, %dx%d, %g frames per second\n", static_cast<long long>(film.frames()),
                 clock(seconds(film.frames(), film)).c_str(), film.canvas.size.width, film.canvas.size.height,
                 av_q2d(film.canvas.rate));
-    if (const std::int64_t copied = copiedFrames(stretches); copied > 0)
+    if (const std::int64_t copied = plan.copied(); copied > 0) {
         std::printf("Copied: %lld frames (%.1f %%), %s; the others are encoded\n",
                     static_cast<long long>(copied), 100.0 * share(copied, film),
-                    copiedRanges(stretches).c_str());
+                    copiedRanges(plan.stretches).c_str());
+        if (plan.orientation() != Orientation{})
+            std::printf("Stored as %s was held, and shown upright\n", plan.modelSource().name.c_str());
+    }
+    std::set<std::string> told;
+    for (const std::string& why : plan.why)
+        if (!why.empty() && told.insert(why).second) std::printf("Not copied: %s\n", why.c_str());
     for (const std::string& note : notes) std::printf("Note: %s\n", note.c_str());
 }
 

@@ -9,9 +9,8 @@
 
 namespace vantle {
 
-/// Prints every input and join of a film with its frames, which frames are copied (`stretches`; none: all are
-/// encoded), and what its user should know before, to standard output: as a table, or as JSON.
-void printPlan(const Film& film, const std::vector<Stretch>& stretches, const std::vector<std::string>& notes,
-               bool json);
+/// Prints every input and join of a film with its frames, which frames are copied and why others are not, and
+/// what its user should know before, to standard output: as a table, or as JSON.
+void printPlan(const CopyPlan& plan, const std::vector<std::string>& notes, bool json);
 
 }  // namespace vantle

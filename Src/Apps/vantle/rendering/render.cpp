@@ -161,20 +161,20 @@ void render(const RenderRequest& request) {
     throwComplaints(open.laid.complaints, request.plan);
     if (!request.plan) checkTargets(request, kind ? &*kind : nullptr, open);
 
-    Lines notes = open.laid.notes;
-    const std::optional<CopyPlan> copies =
-        planCopies(open, copyMode(request, kind, open.film()),
-                   {request.encoders.video, request.encoderOptions}, request.encoders.audio.empty(), notes);
-    const Lines lost = losses(open.film(), copies);
-    notes.insert(notes.begin(), lost.begin(), lost.end());
-    if (request.plan)
-        return printPlan(open.film(), copies ? copies->stretches : std::vector<Stretch>{}, notes,
-                         request.json);
+    const bool isTurnable = !kind || kind->movie == nullptr || kind->movie->ending != ".mkv";
+    const CopyPlan plan = planCopies(open, copyMode(request, kind, open.film()),
+                                     {request.encoders.video, request.encoderOptions},
+                                     {.audio = request.encoders.audio.empty(), .orientation = isTurnable});
+    const Lines lost = losses(plan);
+    Lines notes = lost;
+    notes.insert(notes.end(), open.laid.notes.begin(), open.laid.notes.end());
+    if (!plan.summary.empty() && (!request.plan || request.json)) notes.push_back(plan.summary);
+    if (request.plan) return printPlan(plan, notes, request.json);
     for (const std::string& note : notes) tell(request, note);
     if (!request.joins.empty()) return drawJoins(open, request.joins, delivery.force, delivery.quiet);
-    if (copies) {
-        if (writeCopies(request, *kind, open, *copies)) return;
-        for (const std::string& note : losses(open.film(), {}))
+    if (plan.copied() > 0) {
+        if (writeCopies(request, *kind, open, plan)) return;
+        for (const std::string& note : losses({.film = plan.film}))
             if (std::ranges::find(lost, note) == lost.end()) tell(request, note);
     }
     tellWritten(request, open, encodeFilm(request, *kind, open), 0);

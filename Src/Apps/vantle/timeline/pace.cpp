@@ -14,15 +14,17 @@ AVRational paceOf(std::vector<std::int64_t> times, AVRational timeBase) {
     if (steps.empty()) return {0, 1};
     const auto middle = steps.begin() + std::ssize(steps) / 2;
     std::ranges::nth_element(steps, middle);
-    // The mean of those near the median is finer than a container's unit of time.
+    // The mean is finer than a container's unit of time, and with the steps over missing pictures, which
+    // count as several, a camera's jitter falls out of it.
     const std::int64_t median = *middle;
     const std::int64_t near = std::max<std::int64_t>(median / 5, 1);
     double sum = 0.0;
     double count = 0.0;
     for (const std::int64_t step : steps) {
-        if (std::abs(step - median) > near) continue;
+        const std::int64_t multiple = std::max<std::int64_t>((step + median / 2) / median, 1);
+        if (std::abs(step - multiple * median) > near) continue;
         sum += static_cast<double>(step);
-        count += 1.0;
+        count += static_cast<double>(multiple);
     }
     const double unit = av_q2d(timeBase);
     const double rate = count / (sum * unit);

@@ -25,6 +25,7 @@ struct Source {
     Size size{};                   ///< at which it shows: upright, with square pixels
     AVRational pixelAspect{1, 1};  ///< width of a stored pixel by its height
     Orientation orientation{};     ///< in which its pictures are stored
+    bool interlaced = false;       ///< its pictures hold two moments each; they are shown deinterlaced
     AVRational rate{};  ///< pictures per second, that of a standard within a thousandth; 0/1 for a still
     AVRational timeBase{1, 1};   ///< unit of the times below, in seconds
     std::int64_t firstTime = 0;  ///< when its first picture shows
