@@ -6,6 +6,8 @@
 #include "blends/dissolve.h"
 #include "catalogue/effects.h"
 #include "frame/pixels/processor.h"
+#include "frame/progress.h"
+#include "frame/stage.h"
 
 namespace tests {
 

@@ -3,10 +3,8 @@
 
 #include <climits>
 #include <cmath>
-#include <latch>
 #include <limits>
 #include <random>
-#include <thread>
 
 #include "plain_rules.h"
 
@@ -150,24 +148,6 @@ TEST_P(EveryTransition, DrawsOnWhenTheFramesDifferButHoldEnough) {
         scene.drawUnder({{.width = width}, {}, {}}, draw);
         EXPECT_EQ(scene.runs(0, 1, 80, 1).find_first_of("?d"), std::string::npos) << width;
     }
-}
-
-TEST_P(EveryTransition, DrawsTheSameInSeveralThreadsAtOnce) {
-    // The dissolve's calls must not overlap: they share the order of its pixels.
-    const std::int32_t several = traits.function == std::string("TrFadeNew") ? 1 : 4;
-    std::latch start(several);
-    std::vector<int> wrong(4);
-    std::vector<std::jthread> threads;
-    for (std::int32_t i = 0; i < several; ++i)
-        threads.emplace_back([this, i, &start, &count = wrong[static_cast<std::size_t>(i)]] {
-            Scene scene({90 + 7 * i, 90 - 9 * i, 360 + 28 * i});
-            const auto at = param(0.2 + 0.15 * i, 1);
-            const Bytes expected = scene.draw(draw, at.get()).out;
-            start.arrive_and_wait();
-            for (int frame = 0; frame < 500; ++frame) count += scene.draw(draw, at.get()).out != expected;
-        });
-    threads.clear();
-    EXPECT_EQ(wrong, std::vector<int>(4)) << "frames drawn differently, thread by thread";
 }
 
 // Hosts draw in threads with small stacks. One that is too small for an effect, as with what sanitizers put

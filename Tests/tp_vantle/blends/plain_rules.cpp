@@ -27,7 +27,7 @@ Bytes linearWipe(const Scene& s, double position, double duration) {
     return out;
 }
 
-constexpr PlainRule rules[] = {
+constexpr PlainRule blends[] = {
     // The ramp ends at a quarter of the width: on a pixel, and many bytes of the others are whole.
     {"TrLinearWipeUpDown", linearWipe<true>, {0.4570084954884587}},
     {"TrLinearWipeLeftRight", linearWipe<false>, {0.4570084954884587}},
@@ -35,6 +35,6 @@ constexpr PlainRule rules[] = {
 
 }  // namespace
 
-std::span<const PlainRule> blendRules() { return rules; }
+std::span<const PlainRule> blendRules() { return blends; }
 
 }  // namespace tests

@@ -163,7 +163,7 @@ Bytes zoom(const Scene& s, double position, double duration) {
     return out;
 }
 
-constexpr PlainRule rules[] = {
+constexpr PlainRule shapes[] = {
     {"TrRectZoomIn", rectZoom<true>},
     {"TrRectZoomOut", rectZoom<false>, {1}, 0, 3},
     {"TrRoundZoomIn", roundZoom<true>, {0.9}},
@@ -188,6 +188,6 @@ constexpr PlainRule rules[] = {
 
 }  // namespace
 
-std::span<const PlainRule> shapeRules() { return rules; }
+std::span<const PlainRule> shapeRules() { return shapes; }
 
 }  // namespace tests

@@ -207,7 +207,7 @@ Bytes deposit(const Scene& s, double position, double duration) {
                    [=](int, int y) { return shownIf((y >= fallen - band && y < fallen) || y >= pile); });
 }
 
-constexpr PlainRule rules[] = {
+constexpr PlainRule strips[] = {
     {"TrRowVantle", rowVantle},
     {"TrColVantle", colVantle, {0.75}},
     {"TrCrossVantle", crossVantle},
@@ -234,6 +234,6 @@ constexpr PlainRule rules[] = {
 
 }  // namespace
 
-std::span<const PlainRule> stripRules() { return rules; }
+std::span<const PlainRule> stripRules() { return strips; }
 
 }  // namespace tests

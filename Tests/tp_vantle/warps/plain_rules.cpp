@@ -86,7 +86,7 @@ Bytes rowCosine(const Scene& s, double position, double duration) {
     return out;
 }
 
-constexpr PlainRule rules[] = {
+constexpr PlainRule warps[] = {
     // The edge leaves the picture, and its soft part ends on pixels at an eighth of a turn and beyond; at
     // last on one
     // where the share of what is soft would round to one less.
@@ -108,6 +108,6 @@ constexpr PlainRule rules[] = {
 
 }  // namespace
 
-std::span<const PlainRule> warpRules() { return rules; }
+std::span<const PlainRule> warpRules() { return warps; }
 
 }  // namespace tests

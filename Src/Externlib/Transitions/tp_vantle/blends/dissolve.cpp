@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "frame/progress.h"
 #include "frame/rounding.h"
+#include "frame/stage.h"
 
 namespace vantle {
 

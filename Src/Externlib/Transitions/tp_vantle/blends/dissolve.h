@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "frame/progress.h"
-#include "frame/stage.h"
-
 namespace vantle {
+
+class Progress;
+class Stage;
 
 /// A dissolve with its order, which its caller keeps from frame to frame. Its calls must not overlap.
 class Dissolve {

@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "frame/host_frames.h"
+#include "frame/progress.h"
+#include "frame/stage.h"
 
 namespace vantle {
 

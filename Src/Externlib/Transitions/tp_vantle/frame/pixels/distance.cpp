@@ -10,7 +10,7 @@ namespace vantle {
 
 namespace {
 
-constexpr std::int32_t tile = 256;
+constexpr std::int32_t atOnce = 256;
 constexpr std::uint32_t beyond = 1U << 30;  // the square of a distance past any table
 
 /// A distance of this square that may be one too low, made good by the square itself.
@@ -35,7 +35,7 @@ VANTLE_INLINE void lookUpRow(Weight* weights, const std::int32_t* distances, std
                              std::int32_t count, const DistanceTable& table) {
     const std::uint8_t* const weightAt = table.weights();
     const std::int32_t last = table.last();
-    std::uint8_t lowest[tile];
+    std::uint8_t lowest[atOnce];
     for (std::int32_t i = 0; i < count; ++i)
         lowest[i] = static_cast<std::uint8_t>(std::min(distances[i], last));
     std::int32_t i = 0;
@@ -53,9 +53,9 @@ VANTLE_INLINE void lookUpRow(Weight* weights, const std::int32_t* distances, std
 template <DistanceRounding rounding>
 VANTLE_INLINE void lookUpRows(Weight* weights, std::ptrdiff_t stride, std::int32_t rows, std::int32_t dx,
                               std::int32_t dy, std::int32_t count, const DistanceTable& table) {
-    for (std::int32_t first = 0; first < count; first += tile) {
-        const std::int32_t pixels = std::min(tile, count - first);
-        std::int32_t distances[tile];
+    for (std::int32_t first = 0; first < count; first += atOnce) {
+        const std::int32_t pixels = std::min(atOnce, count - first);
+        std::int32_t distances[atOnce];
         for (std::int32_t row = 0; row < rows; ++row) {
             const auto down = static_cast<std::uint32_t>(dy + row) * static_cast<std::uint32_t>(dy + row);
             const auto squareAt = [=](std::int32_t i) {

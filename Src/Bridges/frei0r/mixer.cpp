@@ -1,16 +1,14 @@
 // One transition as a frei0r mixer: the door through which editors let frames in that know no other
-// interface. Compiled once for each row of the table, whose exported name is VANTLE_FUNCTION and title
-// VANTLE_TITLE.
+// interface. What tells one module from another is its row.
 #include <algorithm>
 #include <cinttypes>
-#include <cstdint>
+#include <memory>
 #include <new>
 #include <random>
-#include <string_view>
 
-#include "blends/dissolve.h"
-#include "catalogue/effects.h"
-#include "catalogue/transitions.h"
+#include "frame/progress.h"
+#include "frame/stage.h"
+#include "row.h"
 
 // The header says neither that its functions are C nor that they are to be found.
 #pragma GCC visibility push(default)
@@ -23,40 +21,9 @@ namespace vantle {
 
 namespace {
 
-/// What an instance owns of an effect that is a function: nothing.
-template <Effect effect>
-struct Stateless {
-    Stateless(std::int32_t, std::int32_t, std::int32_t) {}
-    void draw(const Stage& stage, const Progress& progress) const { effect(stage, progress); }
-};
-
-/// The dissolve with an order that is settled by the frame's size alone, so that all who render frames of one
-/// film agree on it, in whatever processes. It is made here: no frame waits for it or for memory.
-template <typename Stateful>
-struct Settled : Stateful {
-    Settled(std::int32_t width, std::int32_t height, std::int32_t pitch) {
-        const auto seed = (static_cast<std::uint32_t>(width) << 16) ^ static_cast<std::uint32_t>(height);
-        this->fit(width, height, pitch, [=] { return std::mt19937(seed); });
-    }
-};
-
-// Named like the exported functions, for VANTLE_FUNCTION to name one of them.
-#define TRANSITION(function, effect, ...) using function = Stateless<effect>;
-#define STATEFUL(function, effect, ...) using function = Settled<effect>;
-#include "catalogue/transitions.inc"
-
-#define NAME_OF(function) #function
-#define NAME(function) NAME_OF(function)
-
-/// What the transition looks like.
-constexpr const char* sentence =
-    std::ranges::find(transitionRows, std::string_view(NAME(VANTLE_FUNCTION)), [](const TransitionRow& row) {
-        return std::string_view(row.function);
-    })->sentence;
-
 struct Instance {
     Instance(std::int32_t frameWidth, std::int32_t frameHeight)
-        : width(frameWidth), height(frameHeight), effect(width, height, pitch()) {}
+        : width(frameWidth), height(frameHeight), drawing(tableRow.drawing(width, height, pitch())) {}
 
     /// Below 0, because rows come from the top one on.
     std::int32_t pitch() const { return -4 * width; }
@@ -64,12 +31,22 @@ struct Instance {
     std::int32_t width;
     std::int32_t height;
     double position = 0.0;  // as it was set
-    VANTLE_FUNCTION effect;
+    std::unique_ptr<Drawing> drawing;
 };
 
 Instance* instanceOf(f0r_instance_t instance) { return static_cast<Instance*>(instance); }
 
 }  // namespace
+
+struct Random::State {
+    std::mt19937 numbers;
+};
+
+Random::Random(std::uint32_t seed) : state_(new State{std::mt19937(seed)}) {}
+
+Random::~Random() { delete state_; }
+
+std::uint32_t Random::operator()() { return static_cast<std::uint32_t>(state_->numbers()); }
 
 }  // namespace vantle
 
@@ -82,7 +59,7 @@ int f0r_init() { return 1; }
 void f0r_deinit() {}
 
 void f0r_get_plugin_info(f0r_plugin_info_t* info) {
-    *info = {.name = "vantle: " VANTLE_TITLE,
+    *info = {.name = vantle::tableRow.title,
              .author = "tp_vantle",
              .plugin_type = F0R_PLUGIN_TYPE_MIXER2,
              .color_model = F0R_COLOR_MODEL_RGBA8888,
@@ -90,7 +67,7 @@ void f0r_get_plugin_info(f0r_plugin_info_t* info) {
              .major_version = VANTLE_MAJOR_VERSION,
              .minor_version = VANTLE_MINOR_VERSION,
              .num_params = 1,
-             .explanation = vantle::sentence};
+             .explanation = vantle::tableRow.sentence};
 }
 
 void f0r_get_param_info(f0r_param_info_t* info, int index) {
@@ -132,8 +109,8 @@ void f0r_update2(f0r_instance_t instance, double, const uint32_t* inframe1, cons
     const vantle::Stage stage(
         shown.width, shown.height, shown.pitch(), reinterpret_cast<std::uint8_t*>(outframe),
         reinterpret_cast<const std::uint8_t*>(inframe1), reinterpret_cast<const std::uint8_t*>(inframe2));
-    shown.effect.draw(stage.keeping(position < 1.0 ? vantle::Source::from : vantle::Source::to),
-                      vantle::Progress(1.0, position));
+    shown.drawing->draw(stage.keeping(position < 1.0 ? vantle::Source::from : vantle::Source::to),
+                        vantle::Progress(1.0, position));
 }
 
 /// Part of the interface for filters, which these are not.
