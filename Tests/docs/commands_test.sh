@@ -55,6 +55,8 @@ cp -r "$source/scripts" "$source/examples" .
 mv scripts/install-editors scripts/of-checkout
 printf '#!/bin/sh\nexec "%s/scripts/install-editors" --build "%s" "$@"\n' "$source" "$build" >scripts/install-editors
 chmod +x scripts/install-editors
+# Small pictures show as well that these run.
+sed -i 's/320x180/64x36/; s/1280x720/160x90/' scripts/document-transitions scripts/demo
 film() { ffmpeg -v error -f lavfi -i "$2=s=160x90:r=25" -f lavfi -i sine -t "$3" -c:v libx264 -preset ultrafast -g 25 -pix_fmt yuv420p "$1"; }
 film holiday.mp4 testsrc2 3
 film party.mov mandelbrot 3

@@ -1,5 +1,7 @@
 // Pictures of the shapes worked out by hand.
 #include "catalogue/effects.h"
+#include "frame/progress.h"
+#include "frame/stage.h"
 #include "frames.h"
 
 using namespace tests;
