@@ -1,10 +1,10 @@
 // Takes any bytes for a stream of H.264 or HEVC: whatever is read of it, a set that is stated anew says what
-// it said before, and stays one unit.
+// it said before, and stays one unit; so does a slice that is counted from another picture on.
 #include <algorithm>
 #include <cstdlib>
 
 #include "Host/error.h"
-#include "media/parameter_sets.h"
+#include "media/fresh_start.h"
 
 using namespace vantle;
 
@@ -29,14 +29,32 @@ static void readUnit(NalCodec codec, ByteView unit, int reorder, int level) {
     require(after.reorder == reorder && after.level == level && after.references >= before->references);
 }
 
+static void startAfresh(const std::vector<ByteView>& units) {
+    std::vector<Bytes> sets;
+    for (const ByteView unit : units) sets.emplace_back(unit.begin(), unit.end());
+    FreshStart freshStart(sets);
+    (void)freshStart.canBegin(units);
+    for (bool first = true; const ByteView unit : units) {
+        Bytes stream;
+        appendUnit(stream, freshStart.rewritten(unit, first));
+        require(unitsOf(stream).size() == 1);
+        first = first && kindOf(NalCodec::h264, unit) != NalKind::slice;
+    }
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
     const NalCodec codec = data[0] % 2 == 0 ? NalCodec::h264 : NalCodec::hevc;
     const ByteView stream(data + 2, size - 2);
-    for (const ByteView unit : unitsOf(stream)) try {
-            readUnit(codec, unit, data[1] % 17, data[1]);
+    const auto orSaysWhy = [](const auto& read) {
+        try {
+            read();
         } catch (const Error&) {
             // Damaged, and said to be.
         }
+    };
+    const std::vector<ByteView> units = unitsOf(stream);
+    for (const ByteView unit : units) orSaysWhy([&] { readUnit(codec, unit, data[1] % 17, data[1]); });
+    if (codec == NalCodec::h264) orSaysWhy([&] { startAfresh(units); });
     return 0;
 }

@@ -14,6 +14,7 @@ extern "C" {
 
 #include "media/annex_b.h"
 #include "media/convert.h"
+#include "media/fresh_start.h"
 
 namespace vantle {
 
@@ -60,10 +61,12 @@ void checkParameterSets(const Input& input, NalCodec codec, const std::vector<By
     }
 }
 
-/// Whether decoding may begin with a packet, by what lies in it.
-bool beginsAfresh(const Input& input, const AVPacket& packet, const CodedPictures& coded) {
+/// A picture with whether decoding may begin with it, by what lies in its packet.
+CodedPicture pictureIn(const Input& input, const AVPacket& packet, const CodedPictures& coded,
+                       const FreshStart& freshStart) {
     bool fresh = true;
-    for (const ByteView unit : unitsOf(contents(packet))) {
+    const std::vector<ByteView> units = unitsOf(contents(packet));
+    for (const ByteView unit : units) {
         switch (kindOf(coded.codec, unit)) {
             case NalKind::slice:
                 fresh = false;
@@ -79,7 +82,12 @@ bool beginsAfresh(const Input& input, const AVPacket& packet, const CodedPicture
                 break;
         }
     }
-    return fresh && (packet.flags & AV_PKT_FLAG_KEY) != 0;
+    const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
+    const bool recovery = isKey && !fresh && coded.codec == NalCodec::h264 && freshStart.canBegin(units);
+    return {.time = packet.pts,
+            .rank = (packet.flags & AV_PKT_FLAG_DISCARD) == 0 ? 0 : -1,
+            .randomAccess = isKey && (fresh || recovery),
+            .recovery = recovery};
 }
 
 void checkPacket(const Input& input, const AVPacket& packet) {
@@ -127,7 +135,7 @@ void number(const Input& input, CodedPictures& coded, AVRational rate) {
 }
 
 /// Leaves as random access points those across which nothing is shown in another order than it is decoded in,
-/// but for what HEVC lets one leave out, and which show at their frames' ends.
+/// but for what can be left out, and which show at their frames' ends.
 void settleRandomAccess(CodedPictures& coded) {
     std::int64_t latest = std::numeric_limits<std::int64_t>::min();
     for (CodedPicture& picture : coded.pictures) {
@@ -136,8 +144,9 @@ void settleRandomAccess(CodedPictures& coded) {
     }
     std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
     for (auto picture = coded.pictures.rbegin(); picture != coded.pictures.rend(); ++picture) {
-        picture->randomAccess = picture->randomAccess && picture->end > picture->number &&
-                                (coded.codec == NalCodec::hevc || earliest > picture->time);
+        picture->randomAccess =
+            picture->randomAccess && picture->end > picture->number &&
+            (coded.codec == NalCodec::hevc || picture->recovery || earliest > picture->time);
         earliest = std::min(earliest, picture->time);
     }
 }
@@ -172,14 +181,12 @@ CodedPictures codedPictures(const Input& input, AVRational rate) try {
                         .pictures = {}};
     coded.parameters->sample_aspect_ratio = input.source().pixelAspect;
     checkParameterSets(input, codec, coded.parameterSets);
+    const FreshStart freshStart(codec == NalCodec::h264 ? coded.parameterSets : std::vector<Bytes>{});
     packets.useAlone(stream);
     while (av::Packet packet = packets.read(stream)) {
         checkPacket(input, *packet);
         packet = annexB.converted(std::move(packet));
-        const bool isShown = (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
-        coded.pictures.push_back({.time = packet->pts,
-                                  .rank = isShown ? 0 : -1,
-                                  .randomAccess = beginsAfresh(input, *packet, coded)});
+        coded.pictures.push_back(pictureIn(input, *packet, coded, freshStart));
     }
     if (packets.jumped()) refuse(input, "its times jump; " + std::string(rewrap));
     number(input, coded, rate);

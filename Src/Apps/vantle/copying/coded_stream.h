@@ -25,6 +25,7 @@ struct CodedPicture {
     std::int64_t end = 0;       ///< the same of the picture that shows next
     std::int64_t rank = 0;      ///< in the order in which pictures show, from 0; less where it is not shown
     bool randomAccess = false;  ///< decoding may begin here: what shows later does not refer back across it
+    bool recovery = false;      ///< and if it begins here the pictures are to be counted anew (FreshStart)
 };
 
 /// Pictures of an input that may be copied, in the order in which they are decoded.

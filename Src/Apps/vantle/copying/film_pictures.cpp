@@ -33,6 +33,11 @@ int reorderOf(const CodedPictures& coded, const Stretch& stretch) {
     return static_cast<int>(most);
 }
 
+/// Whether a stretch begins at a recovery point.
+bool isRecovery(const CodedPictures& coded, const Stretch& stretch) {
+    return std::ranges::find(coded.pictures, stretch.rank, &CodedPicture::rank)->recovery;
+}
+
 av::Packet packetOf(const Bytes& bytes, const AVPacket& like) {
     av::Packet packet = av::makePacket();
     av::check(av_new_packet(packet.get(), static_cast<int>(bytes.size())), "packet");
@@ -100,14 +105,19 @@ FilmPictures::FilmPictures(const OpenFilm& open, const CopyPlan& plan, const Enc
     for (const auto& pictures : plan.pictures)
         if (pictures) noteLevels(pictures->parameterSets);
     for (const auto& [seams, encoder] : encoders_)
-        encodedSets_[seams] = restatedSets(encoder.parameterSets());
-    for (std::size_t i = 0; i < plan.pictures.size(); ++i)
-        if (plan.pictures[i]) copiedSets_[i] = restatedSets(plan.pictures[i]->parameterSets);
+        encodedSets_[seams] = restatedSets(encoder.parameterSets(), false);
+    for (std::size_t i = 0; i < plan.pictures.size(); ++i) {
+        if (!plan.pictures[i]) continue;
+        const auto own = std::ranges::find(plan.stretches, i, &Stretch::part);
+        const bool gaps = own != plan.stretches.end() && isRecovery(*plan.pictures[i], *own);
+        copiedSets_[i] = restatedSets(plan.pictures[i]->parameterSets, gaps);
+    }
 }
 
-std::vector<Bytes> FilmPictures::restatedSets(const std::vector<Bytes>& own) const {
+std::vector<Bytes> FilmPictures::restatedSets(const std::vector<Bytes>& own, bool gaps) const {
     std::vector<Bytes> sets;
-    for (const Bytes& set : own) sets.push_back(restated(plan_.modelPictures().codec, set, reorder_, level_));
+    for (const Bytes& set : own)
+        sets.push_back(restated(plan_.modelPictures().codec, set, reorder_, level_, gaps));
     return sets;
 }
 
@@ -178,16 +188,19 @@ av::Packet FilmPictures::nextOfStretch() {
         if (!encoding_) beginEncoding(stretch);
         return encoding_->next();
     }
-    if (!copying_)
-        copying_.emplace(plan_.film.sourceOf(plan_.film.parts[*stretch.part]).name,
-                         *plan_.pictures[*stretch.part], plan_.shown.at(plan_.shown.first[stretch_]).source,
-                         stretch.pictures);
+    if (!copying_) {
+        const CodedPictures& coded = *plan_.pictures[*stretch.part];
+        copying_.emplace(plan_.film.sourceOf(plan_.film.parts[*stretch.part]).name, coded,
+                         plan_.shown.at(plan_.shown.first[stretch_]).source, stretch.pictures);
+        if (isRecovery(coded, stretch)) freshStart_.emplace(coded.parameterSets);
+    }
     return copying_->next();
 }
 
 void FilmPictures::endStretch() {
     const Stretch& stretch = plan_.stretches[stretch_++];
     copying_.reset();
+    freshStart_.reset();
     if (!encoding_) return;
     encoding_.reset();
     player_.reset();
@@ -223,7 +236,7 @@ std::int64_t FilmPictures::decodedAt(std::int64_t place) const {
     return av_rescale_q(nearest, frame, shown.timeBase) - av_rescale_q(1, frame, shown.timeBase) / 2;
 }
 
-av::Packet FilmPictures::rewritten(av::Packet packet) const {
+av::Packet FilmPictures::rewritten(av::Packet packet) {
     const NalCodec codec = plan_.modelPictures().codec;
     const Stretch& stretch = plan_.stretches[stretch_];
     const std::vector<ByteView> units = unitsOf({packet->data, static_cast<std::size_t>(packet->size)});
@@ -236,7 +249,7 @@ av::Packet FilmPictures::rewritten(av::Packet packet) const {
                std::ranges::any_of(plan_.pictures[*stretch.part]->headerSei,
                                    [&](const Bytes& sei) { return std::ranges::equal(sei, unit); });
     };
-    if (!key && std::ranges::none_of(units, isDropped)) return packet;
+    if (!key && !freshStart_ && std::ranges::none_of(units, isDropped)) return packet;
     // In each stretch parameter sets come before each keyframe, for those who start there.
     Bytes contents;
     bool opened = !key;
@@ -248,6 +261,10 @@ av::Packet FilmPictures::rewritten(av::Packet packet) const {
             opened = true;
         }
         if (isDropped(unit)) continue;
+        if (freshStart_) {
+            appendUnit(contents, freshStart_->rewritten(unit, !begun_));
+            continue;
+        }
         const std::span<std::uint8_t> appended = appendUnit(contents, unit);
         if (!begun_ && codec == NalCodec::hevc) breakLink(appended);
     }

@@ -14,6 +14,7 @@
 #include "copying/stretch_encoder.h"
 #include "media/annex_b.h"
 #include "media/demuxer.h"
+#include "media/fresh_start.h"
 #include "media/packet_source.h"
 #include "playing/film_player.h"
 
@@ -56,14 +57,14 @@ class FilmPictures final : public PacketSource {
 
    private:
     /// The parameter sets of one stretch as the film has them.
-    std::vector<Bytes> restatedSets(const std::vector<Bytes>& own) const;
+    std::vector<Bytes> restatedSets(const std::vector<Bytes>& own, bool gaps) const;
     void beginEncoding(const Stretch& stretch);
     av::Frame nextDrawn(const Stretch& stretch);
     av::Packet nextOfStretch();
     void endStretch();
     /// When a picture is decoded after which all up to a place in the order of showing are.
     std::int64_t decodedAt(std::int64_t place) const;
-    av::Packet rewritten(av::Packet packet) const;
+    av::Packet rewritten(av::Packet packet);
 
     const OpenFilm& open_;
     const CopyPlan& plan_;
@@ -81,6 +82,7 @@ class FilmPictures final : public PacketSource {
     std::optional<Filters> stored_;  // from how pictures are shown to how they are stored
     std::optional<EncodedPackets> encoding_;
     std::optional<CopiedPictures> copying_;
+    std::optional<FreshStart> freshStart_;  // of what is copied from a recovery point on
     std::map<std::int64_t, Brightness> drawn_;
 };
 

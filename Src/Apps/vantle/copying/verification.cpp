@@ -45,9 +45,10 @@ class DecodedPictures {
             av::Frame picture = reader_.next();
             if (!picture) fail("the film ends before frame", frame);
             if (picture->pts < time && !found_) continue;
-            found_ = true;
+            // What is shown before a recovery point cannot be decoded from there.
+            if (!std::exchange(found_, true)) damaged_ = input_.health().damaged;
             if (picture->pts != time) fail("the decoder does not show frame", frame);
-            if (input_.health().damaged > 0) fail("packets do not decode before frame", frame);
+            if (input_.health().damaged > damaged_) fail("packets do not decode before frame", frame);
             return picture;
         }
     }
@@ -56,6 +57,7 @@ class DecodedPictures {
     Demuxer input_;
     StreamReader reader_;
     bool found_ = false;  // the first that was asked for
+    std::int64_t damaged_ = 0;
 };
 
 /// The packets of a film's audio: each begins where the one before it ends, and those that are copied are
@@ -231,7 +233,8 @@ class Verification {
             }
             for (const CodedPicture& picture : plan_.pictures[*stretch.part]->pictures)
                 if (picture.randomAccess && picture.rank >= stretch.rank &&
-                    picture.rank < stretch.rank + stretch.pictures)
+                    picture.rank < stretch.rank + stretch.pictures &&
+                    (!picture.recovery || picture.rank == stretch.rank))
                     places.push_back(first + picture.rank - stretch.rank);
         }
         return places;

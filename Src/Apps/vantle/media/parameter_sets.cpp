@@ -5,113 +5,16 @@
 #include <cstddef>
 #include <utility>
 
-#include "Host/error.h"
+#include "media/bits.h"
 
 namespace vantle {
 
 namespace {
 
-[[noreturn]] void failDamaged() { throw Error("a parameter set is damaged"); }
-
-/// Without the bytes that keep its contents from looking like a start code.
-Bytes payload(ByteView unit) {
-    Bytes bytes;
-    int zeros = 0;
-    for (const std::uint8_t byte : unit) {
-        if (zeros >= 2 && byte == 3) {
-            zeros = 0;
-            continue;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        bytes.push_back(byte);
-    }
-    return bytes;
-}
-
-/// With them again.
-Bytes escaped(const Bytes& bytes) {
-    Bytes unit;
-    int zeros = 0;
-    for (const std::uint8_t byte : bytes) {
-        if (zeros >= 2 && byte <= 3) {
-            unit.push_back(3);
-            zeros = 0;
-        }
-        zeros = byte == 0 ? zeros + 1 : 0;
-        unit.push_back(byte);
-    }
-    return unit;
-}
-
-class BitReader {
-   public:
-    explicit BitReader(const Bytes& bytes, std::size_t position) : bytes_(bytes), position_(position) {}
-
-    std::uint32_t bits(int count) {
-        std::uint32_t value = 0;
-        for (; count > 0; --count, ++position_) {
-            if (position_ / 8 >= bytes_.size()) failDamaged();
-            value = value << 1 | (bytes_[position_ / 8] >> (7 - position_ % 8) & 1);
-        }
-        return value;
-    }
-    bool flag() { return bits(1) != 0; }
-    void skip(int count) {
-        for (; count > 0; count -= 32) bits(std::min(count, 32));
-    }
-
-    /// A number of which small ones are short (ue(v)); a signed one has as many bits.
-    int number() {
-        int zeros = 0;
-        while (!flag())
-            if (++zeros > 30) failDamaged();
-        return static_cast<int>((1U << zeros) - 1 + bits(zeros));
-    }
-    int signedNumber() {
-        const int code = number();
-        return code % 2 != 0 ? code / 2 + 1 : -(code / 2);
-    }
-
-    std::size_t position() const { return position_; }
-
-   private:
-    const Bytes& bytes_;
-    std::size_t position_;
-};
-
-class BitWriter {
-   public:
-    void bits(std::uint32_t value, int count) {
-        for (int bit = count - 1; bit >= 0; --bit, ++position_) {
-            if (position_ % 8 == 0) bytes_.push_back(0);
-            bytes_.back() =
-                static_cast<std::uint8_t>(bytes_.back() | (value >> bit & 1) << (7 - position_ % 8));
-        }
-    }
-    void number(int value) {
-        const auto code = static_cast<std::uint32_t>(value) + 1;
-        int length = 0;
-        while (code >> (length + 1) != 0) ++length;
-        bits(0, length);
-        bits(code, length + 1);
-    }
-    void copy(const Bytes& from, std::size_t begin, std::size_t end) {
-        for (BitReader reader(from, begin); reader.position() < end;) bits(reader.bits(1), 1);
-    }
-    /// With the one that marks the end.
-    Bytes finish() {
-        bits(1, 1);
-        return std::move(bytes_);
-    }
-
-   private:
-    Bytes bytes_;
-    std::size_t position_ = 0;
-};
-
 /// A set with where in its bits the reorder depth is stated.
 struct Parsed {
     SequenceParameterSet set;
+    std::size_t gaps = 0;       // H.264: the bit that lets numbers of frames be missing
     std::size_t statement = 0;  // the first bit of it
     std::size_t rest = 0;       // the first bit behind it
     std::vector<int> values;    // its numbers
@@ -174,6 +77,7 @@ Parsed parseH264(const Bytes& bytes) {
     if (std::ranges::find(high, profile) != high.end()) {
         const int chroma = read.number();
         if (chroma == 3) parsed.set.separatePlanes = read.flag();
+        parsed.set.monochrome = chroma == 0;
         read.number();
         read.number();
         read.flag();
@@ -181,10 +85,11 @@ Parsed parseH264(const Bytes& bytes) {
             for (int i = 0; i < (chroma == 3 ? 12 : 8); ++i)
                 if (read.flag()) skipScalingList(read, i < 6 ? 16 : 64);
     }
-    read.number();
-    switch (read.number()) {
+    parsed.set.frameNumberBits = read.number() + 4;
+    parsed.set.orderType = read.number();
+    switch (parsed.set.orderType) {
         case 0:
-            read.number();
+            parsed.set.orderBits = read.number() + 4;
             break;
         case 1: {
             read.flag();
@@ -196,7 +101,11 @@ Parsed parseH264(const Bytes& bytes) {
         default:
             break;
     }
+    constexpr int mostBits = 16;
+    if (parsed.set.frameNumberBits > mostBits || parsed.set.orderBits > mostBits)
+        throw Error("a parameter set is damaged");
     parsed.set.references = read.number();
+    parsed.gaps = read.position();
     read.flag();
     read.number();
     read.number();
@@ -271,17 +180,27 @@ std::optional<PictureParameterSet> pictureParameterSet(ByteView unit) {
     BitReader read(bytes, 8);
     PictureParameterSet set;
     set.id = read.number();
-    read.number();
-    read.skip(2);
+    set.sequence = read.number();
+    set.arithmetic = read.flag();
+    set.statesBottomOrder = read.flag();
     set.sliceGroups = read.number() > 0;
+    if (set.sliceGroups) return set;
+    for (int& references : set.references) references = read.number() + 1;
+    set.weighted = read.flag();
+    set.weightedBoth = read.bits(2) == 1;
+    for (int i = 0; i < 3; ++i) read.signedNumber();
+    set.statesDeblocking = read.flag();
+    read.flag();
+    set.redundant = read.flag();
     return set;
 }
 
-Bytes restated(NalCodec codec, ByteView unit, int reorder, int level) {
+Bytes restated(NalCodec codec, ByteView unit, int reorder, int level, bool gaps) {
     if (!isSequenceSet(codec, unit)) return {unit.begin(), unit.end()};
     Bytes bytes = payload(unit);
     const Parsed parsed = parse(codec, bytes);
     bytes[codec == NalCodec::h264 ? 3 : 14] = static_cast<std::uint8_t>(level);
+    if (gaps && codec == NalCodec::h264) setBits(bytes, parsed.gaps, 1, 1);
     BitWriter write;
     write.copy(bytes, 0, parsed.statement);
     if (codec == NalCodec::h264) {
