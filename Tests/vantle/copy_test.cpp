@@ -349,7 +349,7 @@ TEST_F(Copies, LeaveWhatCannotBeCopiedAsItWouldBeWithoutThem) {
     };
     isAsLargeAsOthers("plain.mp4 long.mp4 -t Row_split --verify", 120);
     EXPECT_EQ(warnings("long.mp4 in=1f out=13 plain.mp4 long.mp4 in=1f out=13 -t 0").front(),
-              "nothing is copied: 40 of 838 frames are too few");
+              "nothing is copied: 40 of 838 frames are too few; more keyframes, or shorter joins, help");
     // Joins of what no encoder makes are encoded otherwise; without joins there is nothing to encode.
     clip("rgb.mp4", "-g 25 -c:v libx264rgb -pix_fmt rgb24");
     const std::string why =

@@ -2,7 +2,6 @@
 // interface. What tells one module from another is its row.
 #include <algorithm>
 #include <cinttypes>
-#include <memory>
 #include <new>
 #include <random>
 
@@ -42,9 +41,9 @@ struct Random::State {
     std::mt19937 numbers;
 };
 
-Random::Random(std::uint32_t seed) : state_(new State{std::mt19937(seed)}) {}
+Random::Random(std::uint32_t seed) : state_(std::make_unique<State>(State{std::mt19937(seed)})) {}
 
-Random::~Random() { delete state_; }
+Random::~Random() = default;
 
 std::uint32_t Random::operator()() { return static_cast<std::uint32_t>(state_->numbers()); }
 

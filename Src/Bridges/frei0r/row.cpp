@@ -40,9 +40,10 @@ namespace sentences {
 #include "catalogue/transitions.inc"
 }  // namespace sentences
 
-const TableRow tableRow = {"vantle: " VANTLE_TITLE, sentences::VANTLE_FUNCTION,
-                           [](std::int32_t width, std::int32_t height, std::int32_t pitch) -> Drawing* {
-                               return new VANTLE_FUNCTION(width, height, pitch);
-                           }};
+const TableRow tableRow = {
+    "vantle: " VANTLE_TITLE, sentences::VANTLE_FUNCTION,
+    [](std::int32_t width, std::int32_t height, std::int32_t pitch) -> std::unique_ptr<Drawing> {
+        return std::make_unique<VANTLE_FUNCTION>(width, height, pitch);
+    }};
 
 }  // namespace vantle

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "catalogue/effects.h"
 
@@ -20,13 +21,14 @@ class Drawing {
 struct TableRow {
     const char* title;
     const char* sentence;  ///< what the transition looks like
-    /// New, for frames of this geometry. Throws std::bad_alloc.
-    Drawing* (*drawing)(std::int32_t width, std::int32_t height, std::int32_t pitch);
+    /// For frames of this geometry. Throws std::bad_alloc.
+    std::unique_ptr<Drawing> (*drawing)(std::int32_t width, std::int32_t height, std::int32_t pitch);
 };
 
 extern const TableRow tableRow;
 
-/// Numbers that are random, and the same from the same seed.
+/// Numbers that are random, and the same from the same seed (std::mt19937's). What they take to be made is
+/// not included by each row.
 class Random {
    public:
     explicit Random(std::uint32_t seed);
@@ -37,7 +39,7 @@ class Random {
 
    private:
     struct State;
-    State* const state_;
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace vantle

@@ -98,7 +98,9 @@ void checkPacket(const Input& input, const AVPacket& packet) {
          std::span(packet.side_data, static_cast<std::size_t>(packet.side_data_elems)))
         if (side.type == AV_PKT_DATA_NEW_EXTRADATA || side.type == AV_PKT_DATA_ENCRYPTION_INFO ||
             side.type == AV_PKT_DATA_ENCRYPTION_INIT_INFO)
-            refuse(input, "its codec settings change on the way, or it is encrypted");
+            refuse(input,
+                   "its codec settings change on the way, or it is encrypted; ffmpeg -i IN OUT.mp4 may mend "
+                   "that");
 }
 
 /// Numbers and ranks the pictures by their times.

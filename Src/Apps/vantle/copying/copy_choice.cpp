@@ -33,9 +33,10 @@ CopyPlan planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& ch
     const bool few = mode == CopyMode::automatic && copied > 0 && copied < film.frames() / 10;
     const auto clip = [](const auto& pictures) { return pictures != nullptr; };
     if (few)
-        refused = {std::to_string(copied) + " of " + std::to_string(film.frames()) + " frames are too few"};
+        refused = {std::to_string(copied) + " of " + std::to_string(film.frames()) +
+                   " frames are too few; more keyframes, or shorter joins, help"};
     else if (copied == 0 && refused.empty() && std::ranges::any_of(plan.pictures, clip))
-        refused.emplace_back("all frames lie in joins");
+        refused.emplace_back("all frames lie in joins; shorter ones (--duration) leave some");
     if (mode == CopyMode::always) {
         refused.insert(refused.end(), noClips.begin(), noClips.end());
         if (!refused.empty()) throw Error("--copy always: " + refused.front());
