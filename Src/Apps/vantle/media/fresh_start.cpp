@@ -175,7 +175,7 @@ Bytes FreshStart::rewritten(ByteView unit, bool first) {
     return escaped(withMarking(slice, false));
 }
 
-Bytes FreshStart::withMarking(const Slice& slice, bool first) const {
+Bytes FreshStart::withMarking(const Slice& slice, bool first) {
     BitWriter write;
     if (first) {
         // As an IDR picture it has an identifier, and another way to say which references stay.

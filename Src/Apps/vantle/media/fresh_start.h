@@ -29,7 +29,7 @@ class FreshStart {
    private:
     struct Slice;
     Slice sliceOf(ByteView unit) const;
-    Bytes withMarking(const Slice& slice, bool first) const;
+    static Bytes withMarking(const Slice& slice, bool first);
 
     std::map<int, SequenceParameterSet> sequences_;
     std::map<int, PictureParameterSet> pictures_;
