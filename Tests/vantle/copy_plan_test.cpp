@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tests {
@@ -87,6 +88,17 @@ TEST(CopyPlan, CopiesWhatCanBeDecodedOnItsOwn) {
     CodedSource other = coded(25);
     std::const_pointer_cast<CodedPictures>(other.pictures)->parameters->format = AV_PIX_FMT_YUV444P;
     EXPECT_EQ(plan({other, coded(25)}), "a 0+90, encoded 90+100, b: its pixel format is not that of a, ");
+    // What is faster than the film is left out, unless it is uneven and hardly faster.
+    for (const auto& [rate, even, copies] : {std::tuple{AVRational{25001, 1000}, true, false},
+                                             {{25001, 1000}, false, true},
+                                             {{26, 1}, false, false}}) {
+        CodedSource own = coded(25);
+        std::const_pointer_cast<CodedPictures>(own.pictures)->even = even;
+        Film mixed = film(2);
+        mixed.sources[1].rate = rate;
+        EXPECT_EQ(planCopy(mixed, {coded(25), own}, {}, [](const CopyPlan&) {}).copiedOf(1) > 0, copies)
+            << rate.num;
+    }
     // Where the first cannot be joined by what is encoded, others may.
     const auto tryEncoding = [](const CopyPlan& tried) {
         if (tried.pictures[0]) throw NotCopied("a: joins cannot be encoded like it");

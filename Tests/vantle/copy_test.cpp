@@ -153,7 +153,7 @@ TEST_F(Copies, EnterHevcAtKeyPicturesThatOthersReferAcross) {
 TEST_F(Copies, EnterH264AtRecoveryPointsAcrossWhichPicturesAreReordered) {
     // Slices with references that are let go, weights, lists of their own, in either coding.
     const std::string open = "-preset medium -g 25 -x264-params open-gop=1:b-adapt=0:scenecut=0:";
-    clip("pyramid.mp4", open + "bframes=3");
+    clip("pyramid.mp4", open + "bframes=3:slices=6");
     clip("cavlc.mp4", open + "bframes=5:cabac=0:slices=3", "mandelbrot");
     clip("fade.mov", open + "bframes=2:ref=1 -vf fade=in:0:90");
     ffmpeg("-i pyramid.mp4 -c copy pyramid.ts");

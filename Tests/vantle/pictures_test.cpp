@@ -1,9 +1,11 @@
 // What files say of their own pictures: turned, mirrored, of oblong pixels, transparent, of other colours.
 #include <array>
 #include <fstream>
+#include <iterator>
 #include <utility>
 
 #include "command.h"
+#include "media/orientation.h"
 
 namespace tests {
 
@@ -185,6 +187,29 @@ TEST_F(PicturesAsMeant, AreThoseThatMoveAndWholeOnes) {
         "covered.mp4");
     refuses("render song.mp3 fields.mp4 -t 0 -o a.mp4", 1, "song.mp3: holds no picture");
     EXPECT_EQ(plan("covered.mp4 fields.mp4 -t 0 --duration 2f")["width"], 320);
+}
+
+TEST(Orientations, AreUndoneByTheirInverses) {
+    using namespace vantle;
+    for (const int turns : {0, 1, 2, 3})
+        for (const bool mirrored : {false, true}) {
+            av::Frame picture = av::makeFrame();
+            picture->width = 3;
+            picture->height = 2;
+            picture->format = AV_PIX_FMT_GRAY8;
+            av::check(av_frame_get_buffer(picture.get(), 0), "frame");
+            for (int i = 0; i < 6; ++i)
+                picture->data[0][i / 3 * picture->linesize[0] + i % 3] = static_cast<std::uint8_t>(40 * i);
+            const Orientation held{turns, mirrored};
+            std::vector<Filter> filters = upright(held);
+            std::ranges::copy(upright(inverse(held)), std::back_inserter(filters));
+            filters.push_back({"format", {{"pix_fmts", "gray"}}});
+            Filters there(*picture, {1, 25}, filters);
+            there.push(av::share(*picture));
+            const av::Frame back = there.pull();
+            for (int i = 0; i < 6; ++i)
+                EXPECT_EQ(back->data[0][i / 3 * back->linesize[0] + i % 3], 40 * i) << turns << mirrored;
+        }
 }
 
 }  // namespace tests

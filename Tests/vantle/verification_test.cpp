@@ -116,6 +116,8 @@ TEST_F(Verification, FindsWhatWasDamagedOnPurpose) {
     // Another picture far from the seams is seen when all are looked at; what was drawn must show as well.
     EXPECT_EQ(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\""), "");
     EXPECT_NE(filtered("-bsf:v \"noise=amount=if(eq(n\\,7)\\,3\\,0)\"", true), "");
+    EXPECT_EQ(filtered("-bsf:a \"noise=amount=if(eq(n\\,20)\\,3\\,0)\""),
+              "another sound is in packet of audio 20");
     EXPECT_NE(filtered("-bsf:a \"noise=drop=eq(n\\," +
                        std::to_string(plan_.audioPlan.stretches.back().end()) + ")\"")
                   .find("number of packets of audio"),
