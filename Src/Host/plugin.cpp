@@ -4,13 +4,12 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <iterator>
-#include <numeric>
 #include <utility>
 
 #include "Host/error.h"
+#include "Host/words.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/transitions.h"
 
@@ -37,12 +36,6 @@ std::string textIn(const wchar_t (&field)[size]) {
     return text;
 }
 
-std::string lower(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](unsigned char c) { return std::tolower(c); });
-    return result;
-}
-
 /// The name under which C++ exports a transition function.
 std::string mangled(const std::string& function) {
     return "_Z" + std::to_string(function.size()) + function + "PvS_S_PK10TransParam";
@@ -65,20 +58,6 @@ std::string functionName(TransFunc* function) {
 TransitionRow rowOf(std::string_view function) {
     const auto* const row = std::ranges::find(transitionRows, function, &TransitionRow::function);
     return row != std::end(transitionRows) ? *row : TransitionRow{"", "other", "", "", ""};
-}
-
-/// Edits (insert, delete, replace) that turn one text into the other: the Levenshtein distance.
-std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] != b[j] ? 1 : 0);
-            diagonal = std::exchange(row[j + 1], std::min({row[j] + 1, row[j + 1] + 1, replaced}));
-        }
-    }
-    return row.back();
 }
 
 }  // namespace
@@ -131,24 +110,18 @@ void drawTransition(TransFunc* transition, DIImage out, DIImage from, DIImage to
 }
 
 const Transition& findTransition(std::span<const Transition> catalogue, std::string_view wanted) {
-    const std::string key = lower(wanted);
-    const Transition* nearest = nullptr;
-    std::size_t fewest = std::max<std::size_t>(2, key.size() / 3) + 1;
     for (const Transition& transition : catalogue) {
-        if (transition.index && key == std::to_string(*transition.index)) return transition;
-        for (const std::string& text : {transition.name, transition.guid, transition.function}) {
-            if (text.empty()) continue;
-            const std::size_t edits = distance(key, lower(text));
-            if (edits == 0) return transition;
-            if (edits < fewest) {
-                fewest = edits;
-                nearest = &transition;
-            }
-        }
+        if (transition.index && wanted == std::to_string(*transition.index)) return transition;
+        for (const std::string& text : {transition.name, transition.guid, transition.function})
+            if (!text.empty() && editsBetween(wanted, text) == 0) return transition;
     }
     std::string message = "no transition is called \"" + std::string(wanted) + "\"";
-    if (nearest != nullptr) message += "; did you mean \"" + shownName(*nearest) + "\"?";
-    throw UsageError(message + " (vantle list shows them all)");
+    const std::vector<const Transition*> meant = likely(catalogue, wanted);
+    for (std::size_t i = 0; i < meant.size(); ++i) {
+        message += i == 0 ? "; did you mean " : i + 1 < meant.size() ? ", " : " or ";
+        message += "\"" + shownName(*meant[i]) + "\"";
+    }
+    throw UsageError(message + (meant.empty() ? "" : "?") + " (vantle list shows them all)");
 }
 
 }  // namespace vantle

@@ -29,7 +29,7 @@ struct Transition {
 const std::string& shownName(const Transition& transition);
 
 /// The transition with this catalogue name, index, GUID or function name, in any case of letters. Throws
-/// UsageError when there is none, naming the nearest.
+/// UsageError when there is none, naming those that may be meant.
 const Transition& findTransition(std::span<const Transition> catalogue, std::string_view wanted);
 
 /// Draws a transition's frame at `position` of an overlap of `duration`, both in one unit.

@@ -1,12 +1,15 @@
 #include "list_command.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "Host/plugin.h"
+#include "Host/words.h"
 
 namespace vantle {
 
@@ -18,9 +21,9 @@ nlohmann::ordered_json orNull(const std::string& text) {
     return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(text);
 }
 
-void listJson(const Plugin& plugin) {
+void listJson(const std::vector<Transition>& transitions) {
     auto rows = nlohmann::ordered_json::array();
-    for (const Transition& transition : plugin.transitions()) {
+    for (const Transition& transition : transitions) {
         nlohmann::ordered_json row;
         row["index"] = transition.index ? nlohmann::ordered_json(*transition.index) : nullptr;
         row["name"] = orNull(transition.name);
@@ -33,16 +36,27 @@ void listJson(const Plugin& plugin) {
     std::puts(rows.dump(2).c_str());
 }
 
-/// Writes index, name, function, family, GUID and sentence of every transition to standard output.
-void list(const std::filesystem::path& plugin, bool json) {
-    const Plugin loaded(plugin);
-    if (json) {
-        listJson(loaded);
-        return;
-    }
+struct ListOptions {
+    std::string plugin;
+    std::vector<std::string> search;
+    bool json = false;
+};
+
+/// Writes index, name, function, family, GUID and sentence of the transitions that are looked for to standard
+/// output.
+void list(const ListOptions& options) {
+    const Plugin loaded(options.plugin);
+    std::string search;
+    for (const std::string& word : options.search) search += (search.empty() ? "" : " ") + word;
+    std::vector<Transition> found;
+    std::ranges::copy_if(loaded.transitions(), std::back_inserter(found),
+                         [&](const Transition& transition) { return isFoundBy(transition, search); });
+    if (found.empty())
+        found.push_back(loaded.find(search));  // by its index or GUID, or says what may be meant
+    if (options.json) return listJson(found);
     const char* const line = "%5s  %-21s %-22s %-7s %-36s %s\n";
     std::printf(line, "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID", "WHAT IT LOOKS LIKE");
-    for (const Transition& transition : loaded.transitions())
+    for (const Transition& transition : found)
         std::printf(line, transition.index ? std::to_string(*transition.index).c_str() : "-",
                     orDash(transition.name), orDash(transition.function), transition.family.c_str(),
                     orDash(transition.guid), transition.sentence.c_str());
@@ -51,16 +65,17 @@ void list(const std::filesystem::path& plugin, bool json) {
 }  // namespace
 
 void addListCommand(CLI::App& app) {
-    struct Options {
-        std::string plugin;
-        bool json = false;
-    };
-    const auto options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand("list", "List the transitions");
+    const auto options = std::make_shared<ListOptions>();
+    CLI::App* const command =
+        app.add_subcommand("list", "List the transitions, or those that words describe");
+    command
+        ->add_option("WORD", options->search,
+                     "Only those that are called or described by it: circle, wipe, \"soft edge\"")
+        ->type_name("");
     command->add_flag("--json", options->json, "As JSON");
     command->add_option("--plugin", options->plugin, "The plug-in to load (default: the installed one)")
         ->type_name("FILE");
-    command->callback([options] { list(options->plugin, options->json); });
+    command->callback([options] { list(*options); });
 }
 
 }  // namespace vantle

@@ -55,6 +55,13 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
                          " belongs after a transition (+NAME); after an input: in, out, hold, fit, mute");
 }
 
+/// A transition as it was asked for: `cut` and `random` in any case of letters, as all others.
+std::string named(const std::string& transition) {
+    std::string word = transition;
+    std::ranges::transform(word, word.begin(), [](unsigned char c) { return std::tolower(c); });
+    return word == "cut" || word == "random" ? word : transition;
+}
+
 /// Compares as a person counts: digits by the number they make, letters without case.
 bool naturallyBefore(const std::string& a, const std::string& b) {
     const auto isDigit = [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; };
@@ -104,7 +111,7 @@ void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
             if (film.shots.empty() || afterMeeting)
                 throw UsageError(operand + " must stand between two inputs (a file of this name is ./" +
                                  operand + ")");
-            film.meetings.push_back({operand.substr(1), {}});
+            film.meetings.push_back({named(operand.substr(1)), {}});
             afterMeeting = true;
         } else {
             if (!film.shots.empty() && !afterMeeting) film.meetings.push_back({});
@@ -120,7 +127,7 @@ void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
         if (transitions.empty())
             throw UsageError("-t NAME is missing: the transition from " + film.shots[i].file + " to " +
                              film.shots[i + 1].file);
-        film.meetings[i].transition = transitions[i % transitions.size()];
+        film.meetings[i].transition = named(transitions[i % transitions.size()]);
     }
 }
 

@@ -193,12 +193,15 @@ AVRational commonRate(std::span<const Source> sources) {
 std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& request,
                                                              std::span<const Transition> catalogue,
                                                              std::vector<Complaint>& complaints) {
+    // What else may be meant by a name that nothing has.
+    std::vector<Transition> known(catalogue.begin(), catalogue.end());
+    for (const char* const word : {"cut", "random"}) known.emplace_back().name = word;
     std::vector<const Transition*> chosen;
     for (const Meeting& meeting : request.meetings) {
         const bool isOpen = meeting.transition == "cut" || meeting.transition == "random";
         const Transition* found = nullptr;
         try {
-            found = isOpen ? nullptr : &findTransition(catalogue, meeting.transition);
+            found = isOpen ? nullptr : &findTransition(known, meeting.transition);
             if (found != nullptr && found->draw == nullptr)
                 complaints.push_back(
                     {"the plug-in lists \"" + found->name + "\" but does not have it yet", false});
@@ -208,7 +211,7 @@ std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& 
         chosen.push_back(found);
     }
     std::vector<const Transition*> drawn;
-    for (const Transition& transition : catalogue)
+    for (const Transition& transition : known)
         if (transition.index && transition.draw != nullptr) drawn.push_back(&transition);
     std::mt19937 random(request.seed.value_or(0));  // the same numbers everywhere
     for (std::size_t i = 0; i < chosen.size(); ++i) {
