@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Host/error.h"
+#include "reading/bare_names.h"
 #include "reading/operands.h"
 #include "timeline/chapters.h"
 #include "timeline/lay_out.h"
@@ -38,7 +39,7 @@ Source still(const std::string& name) {
 const std::vector<Transition> catalogue = [] {
     std::vector<Transition> rows;
     const auto draw = [](DIImage, DIImage, DIImage, const TransParam*) {};
-    for (const std::string name : {"Row", "Column", "Round"})
+    for (const std::string name : {"Row", "Column", "Round", "Two words"})
         rows.push_back({static_cast<std::int32_t>(rows.size()), name, "Tr" + name, "", "", "", draw});
     return rows;
 }();
@@ -149,6 +150,7 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
              {{"a", "fit=tight", "b"}, "none of contain, cover, stretch"},
              {{"a", "mute=maybe", "b"}, "not yes or no"},
              {{"a", "b"}, "-t NAME is missing"},
+             {{"a", "start=2", "b"}, "start=2: neither a file nor a setting; an input has in, "},
          })
         try {
             film(operands);
@@ -156,6 +158,29 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
         } catch (const UsageError& error) {
             EXPECT_NE(std::string(error.what()).find(says), std::string::npos) << error.what();
         }
+}
+
+TEST(Operands, LoseNothingInSilence) {
+    using Lines = std::vector<std::string>;
+    FilmRequest request;
+    EXPECT_EQ(parseOperands(request, {"a", "b", "+Row", "c"}, {"CUT", "Row", "Column"}),
+              (Lines{"-t Row is not used: no join is left for it",
+                     "-t Column is not used: no join is left for it"}));
+    EXPECT_EQ(request.meetings[0].transition, "cut");
+    const auto refused = [](const Lines& operands, const Lines& transitions) -> std::string {
+        try {
+            refuseBareNames(operands, transitions, catalogue);
+        } catch (const UsageError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(refused({"a", "row", "b"}, {}), "row: no such file; between two inputs +row joins them");
+    EXPECT_EQ(refused({"a", "+Two", "words", "b"}, {}),
+              "a name of several words must be quoted: \"+Two words\"");
+    EXPECT_EQ(refused({"a", "b", "Words"}, {"two"}),
+              "a name of several words must be quoted: -t \"two Words\"");
+    EXPECT_EQ(refused({"a", "+Row", "+Column", "/"}, {"Row", "Two"}), "");
 }
 
 TEST(FilmDescription, AreLaidOutFrameByFrame) {
@@ -182,6 +207,12 @@ TEST(FilmDescription, AreLaidOutFrameByFrame) {
               "that its transitions need; a shorter --duration helps, or --shrink; "},
          })
         EXPECT_EQ(text(laidOut(film(operands, {"Row"}), clips)), laid);
+
+    EXPECT_EQ(
+        text(laidOut(film({"a", "hold=1", "x", "in=1", "y", "hold=1", "out=2"}, {"Row"}),
+                     {clips[0], still("x"), still("y")})),
+        "a: hold is for stills; in and out say what of a clip is shown; x: in is for clips; hold says how "
+        "long a still shows; y: hold and out exclude each other; each says how long it shows; ");
 
     // Stills show for their hold outside their joins, and what is drawn at the very end is a frame of its
     // own.

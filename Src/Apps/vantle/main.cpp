@@ -1,12 +1,17 @@
 // The command line: its commands, and what the exit status says.
+#include <poll.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <string>
-#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 extern "C" {
 #include <libavutil/log.h>
@@ -17,6 +22,7 @@ extern "C" {
 #include "gallery_command.h"
 #include "help.h"
 #include "list_command.h"
+#include "mistakes.h"
 #include "render_command.h"
 #include "sheet_command.h"
 #include "system/interrupt.h"
@@ -32,8 +38,16 @@ constexpr int wrongUsage = 2;
 // Standard output may be a full disk or a closed pipe, which shows only when its buffer is written out.
 void flushOutput() {
     errno = 0;
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
-        throw Error("cannot write to standard output: " + std::generic_category().message(errno));
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    const int error = errno;
+    // Whoever read has seen enough, which is how a pipe into `head` ends.
+    pollfd reader{STDOUT_FILENO, POLLOUT, 0};
+    if (poll(&reader, 1, 0) == 1 && (reader.revents & POLLERR) != 0) {
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+    }
+    throw Error("cannot write to standard output" +
+                (error != 0 ? ": " + std::generic_category().message(error) : ""));
 }
 
 // One line, whatever a library's message holds.
@@ -52,22 +66,27 @@ int run(int argc, char** argv) {
     app.set_version_flag("--version", versionText,
                          "Print the versions of vantle and of FFmpeg's libraries and exit");
 
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     try {
         try {
             // What shells ask. The words that follow are not yet a command line.
-            if (argc > 1 && std::string_view(argv[1]) == "--complete")
-                complete(app, {argv + 2, argv + argc});
-            else
-                app.parse(argc, argv);
+            if (!words.empty() && words.front() == "--complete") {
+                complete(app, {words.begin() + 1, words.end()});
+            } else {
+                words = wordsToRead(app, std::move(words));
+                app.parse(
+                    std::vector<std::string>(words.rbegin(), words.rend()));  // which takes them from the end
+            }
         } catch (const CLI::Success& shown) {
             app.exit(shown);
         }
         flushOutput();
         return 0;
     } catch (const CLI::ParseError& error) {
-        return report(std::string(error.what()) + " (vantle --help shows the usage)", wrongUsage);
+        const std::string hint = hintOnFiles(words, error.what());
+        return report(error.what() + (hint.empty() ? " (vantle --help shows the usage)" : hint), wrongUsage);
     } catch (const UsageError& error) {
-        return report(error.what(), wrongUsage);
+        return report(error.what() + hintOnFiles(words, error.what()), wrongUsage);
     } catch (const std::exception& error) {
         return report(error.what(), failed);
     }

@@ -1,6 +1,7 @@
 #include "options.h"
 
 extern "C" {
+#include <libavutil/imgutils.h>
 #include <libavutil/log.h>
 #include <libavutil/parseutils.h>
 }
@@ -26,6 +27,10 @@ Size parseSize(const std::string& text) {
     if (av_parse_video_size(&size.width, &size.height, text.c_str()) < 0 || size.width > largestSide ||
         size.height > largestSide)
         throw CLI::ValidationError("--size", "\"" + text + "\" is no size (as 1280x720, at most 16384 each)");
+    if (av_image_check_size(static_cast<unsigned>(size.width), static_cast<unsigned>(size.height), 0,
+                            nullptr) < 0)
+        throw CLI::ValidationError(
+            "--size", "\"" + text + "\" has more pixels than encoders take, which are about 260 million");
     return size;
 }
 
@@ -103,7 +108,7 @@ void addOverview(CLI::App& command, OverviewOptions& options, const std::string&
         .add_option("-t,--transition", options.transitions,
                     "Only this one, by catalogue name, index, GUID or function name; repeatable")
         ->type_name("TRANSITION")
-        ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     addOverlap(command, options.film);
     addCommon(command, options.delivery);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "options.h"
+#include "reading/bare_names.h"
 #include "reading/operands.h"
 #include "rendering/render.h"
 
@@ -70,7 +71,9 @@ struct RenderOptions {
 
 void run(RenderOptions options) {
     FilmRequest& film = options.request.film;
-    parseOperands(film, options.operands, options.transitions);
+    refuseBareNames(options.operands, options.transitions,
+                    Plugin(options.request.delivery.plugin).transitions());
+    options.request.notes = parseOperands(film, options.operands, options.transitions);
     if (options.sort) sortNaturally(film, options.operands);
     render(options.request);
 }
@@ -98,7 +101,7 @@ void addRenderCommand(CLI::App& app) {
         ->add_option("-t,--transition", options.transitions,
                      "Catalogue name, index, GUID or function name, random or cut; several are taken in turn")
         ->type_name("TRANSITION|random|cut")
-        ->expected(1)
+        ->allow_extra_args(false)
         ->take_all();
     command->add_option("-o,--output", request.delivery.output, "What to write: its name says in which form")
         ->type_name("FILE");
@@ -170,6 +173,7 @@ void addRenderCommand(CLI::App& app) {
                 }
             },
             "KEY=VALUE for a video's encoder, as FFmpeg knows it (crf=23, preset=fast); repeatable")
+        ->allow_extra_args(false)
         ->take_all();
     addCommon(*command, request.delivery);
     command->callback([held] { run(*held); });

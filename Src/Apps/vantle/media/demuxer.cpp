@@ -15,6 +15,7 @@ extern "C" {
 #include <system_error>
 #include <utility>
 
+#include "media/unreadable.h"
 #include "system/interrupt.h"
 
 namespace vantle {
@@ -29,8 +30,8 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
     constexpr std::string_view generated = "lavfi:";
     const bool isGenerated = name.starts_with(generated);
     std::string url = isGenerated ? name.substr(generated.size()) : name;
-    std::error_code unknown;  // what cannot be looked at cannot be opened either, which says why
-    const fs::file_type type = isGenerated ? fs::file_type::none : fs::status(url, unknown).type();
+    std::error_code ignored;  // what cannot be looked at cannot be opened either, which says why
+    const fs::file_type type = isGenerated ? fs::file_type::none : fs::status(url, ignored).type();
     if (type == fs::file_type::directory) throw Error(name + ": is a directory");
     // Inputs are read more than once: to measure them, and to show them.
     if (type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::character)
@@ -46,6 +47,8 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
                                          isGenerated ? av_find_input_format("lavfi") : nullptr, nullptr);
     av::Input input(context);  // null by now when it failed to open
     throwIfInterrupted();
+    const bool unknown = code == AVERROR_INVALIDDATA || code == AVERROR_EOF || code == AVERROR(EIO);
+    if (unknown && type == fs::file_type::regular) throw Error(name + ": " + whyUnreadable(name));
     av::check(code, name);
     av::check(avformat_find_stream_info(input.get(), nullptr), name);
     return input;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -12,6 +14,8 @@ namespace vantle {
 
 namespace {
 
+constexpr const char* inputSettings = "in, out, hold, fit, mute";
+
 /// `key=value` when the key is one of the closed set.
 std::optional<std::pair<std::string, std::string>> settingIn(const std::string& operand) {
     const std::size_t middle = operand.find('=');
@@ -20,6 +24,17 @@ std::optional<std::pair<std::string, std::string>> settingIn(const std::string& 
     for (const std::string_view known : {"in", "out", "hold", "fit", "mute", "duration"})
         if (key == known) return std::pair{key, operand.substr(middle + 1)};
     return {};
+}
+
+/// What looks like a setting and is no file either was meant as one.
+void refuseUnknownSetting(const std::string& operand) {
+    const std::size_t middle = operand.find_first_not_of("abcdefghijklmnopqrstuvwxyz-");
+    std::error_code ignored;
+    if (middle < 2 || middle == std::string::npos || operand[middle] != '=' ||
+        operand.find('%') != std::string::npos || std::filesystem::exists(operand, ignored))
+        return;
+    throw UsageError(operand + ": neither a file nor a setting; an input has " + inputSettings +
+                     ", a transition duration");
 }
 
 Time timeIn(const std::string& setting, const std::string& value) {
@@ -51,8 +66,7 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
     else if (key == "mute")
         shot.mute = yesIn(operand, value);
     else
-        throw UsageError(operand +
-                         " belongs after a transition (+NAME); after an input: in, out, hold, fit, mute");
+        throw UsageError(operand + " belongs after a transition (+NAME); after an input: " + inputSettings);
 }
 
 /// A transition as it was asked for: `cut` and `random` in any case of letters, as all others.
@@ -92,8 +106,8 @@ bool naturallyBefore(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
-                   const std::vector<std::string>& transitions) {
+std::vector<std::string> parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
+                                       const std::vector<std::string>& transitions) {
     bool afterMeeting = false;
     for (const std::string& operand : operands) {
         if (const auto setting = settingIn(operand)) {
@@ -114,6 +128,7 @@ void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
             film.meetings.push_back({named(operand.substr(1)), {}});
             afterMeeting = true;
         } else {
+            refuseUnknownSetting(operand);
             if (!film.shots.empty() && !afterMeeting) film.meetings.push_back({});
             film.shots.push_back({.file = operand});
             afterMeeting = false;
@@ -122,13 +137,21 @@ void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
     if (afterMeeting)
         throw UsageError("+" + film.meetings.back().transition + " must stand between two inputs");
     if (film.shots.size() < 2) throw UsageError("a film is made of two inputs or more");
+    std::set<std::size_t> taken;
     for (std::size_t i = 0; i < film.meetings.size(); ++i) {
         if (!film.meetings[i].transition.empty()) continue;
         if (transitions.empty())
             throw UsageError("-t NAME is missing: the transition from " + film.shots[i].file + " to " +
                              film.shots[i + 1].file);
-        film.meetings[i].transition = named(transitions[i % transitions.size()]);
+        const std::size_t turn = i % transitions.size();
+        film.meetings[i].transition = named(transitions[turn]);
+        taken.insert(turn);
     }
+    std::vector<std::string> notes;
+    for (std::size_t i = 0; i < transitions.size(); ++i)
+        if (!taken.contains(i))
+            notes.push_back("-t " + transitions[i] + " is not used: no join is left for it");
+    return notes;
 }
 
 void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands) {

@@ -10,9 +10,9 @@ namespace vantle {
 
 /// Reads operands in order: `+NAME` says how the inputs around it meet, `key=value` from a closed set belongs
 /// to the operand before it, all else is an input. `transitions` are taken in turn where no `+NAME` stands.
-/// Throws UsageError when the operands make no sense.
-void parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
-                   const std::vector<std::string>& transitions);
+/// Throws UsageError when the operands make no sense. Returns a line for each transition that is not taken.
+std::vector<std::string> parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
+                                       const std::vector<std::string>& transitions);
 
 /// Puts the inputs into the order in which a person counts: img2 before img10. Throws UsageError when
 /// `operands` say how two of them meet.

@@ -58,7 +58,8 @@ FilmRequest filmFor(const RenderRequest& request, const std::optional<OutputKind
     // A video shows its stills before and after; of pictures one wants the transition.
     if (!film.hold && pictures) film.hold = Time{0};
     if (std::ranges::find(film.meetings, "random", &Meeting::transition) == film.meetings.end()) return film;
-    if (!film.seed) film.seed = std::random_device()() % 1'000'000;
+    if (film.seed) return film;
+    film.seed = std::random_device()() % 1'000'000;
     if (!request.delivery.quiet)
         std::fprintf(stderr, "vantle: --seed %u chooses the same transitions again\n", *film.seed);
     return film;
@@ -166,7 +167,8 @@ void render(const RenderRequest& request) {
                                      {request.encoders.video, request.encoderOptions},
                                      {.audio = request.encoders.audio.empty(), .orientation = isTurnable});
     const Lines lost = losses(plan);
-    Lines notes = lost;
+    Lines notes = request.notes;
+    notes.insert(notes.end(), lost.begin(), lost.end());
     notes.insert(notes.end(), open.laid.notes.begin(), open.laid.notes.end());
     if (!plan.summary.empty() && (!request.plan || request.json)) notes.push_back(plan.summary);
     if (request.plan) return printPlan(plan, notes, request.json);

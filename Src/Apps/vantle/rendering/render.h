@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "copying/copy_choice.h"
 #include "media/av.h"
@@ -33,6 +34,7 @@ struct RenderRequest {
     std::string joins{};                 ///< only the picture of all joins, of this name
     bool plan = false;                   ///< only tells what the film will be
     bool json = false;                   ///< as JSON
+    std::vector<std::string> notes{};    ///< a line for whatever its user should know of how it was read
 };
 
 /// Throws UsageError when the request makes no sense and Error when something fails; what stood under the

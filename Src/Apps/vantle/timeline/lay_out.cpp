@@ -75,6 +75,12 @@ class Layout {
 
     Range rangeOf(const Shot& shot, const Source& source) {
         const AVRational rate = laid_.film.canvas.rate;
+        if (shot.hold && (!source.endless || shot.out))
+            complain(source.name + (source.endless
+                                        ? ": hold and out exclude each other; each says how long it shows"
+                                        : ": hold is for stills; in and out say what of a clip is shown"));
+        if (source.still && shot.in && !shot.out)
+            complain(source.name + ": in is for clips; hold says how long a still shows");
         const std::int64_t length = source.endless ? endlessFrames : source.frames(rate);
         const std::string itsEnd = "its end, " + inSeconds(length, rate) + " (" + count(length) + ")";
         Range range{0, length};
