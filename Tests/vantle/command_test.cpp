@@ -32,7 +32,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
     shell(
         in("for f in clip.mp4 still.jpg still.png; do head -c $(($(stat -c %s $f) / 2)) $f > half_$f; done;"
            " : > empty.mp4; echo text > text.mp4; printf 'PK\\3\\4..' > zip.mp4; printf '\\1\\2' > noise.mp4;"
-           " ffmpeg -v error -i clip.mp4 -c copy whole.mp4 && head -c 9000 whole.mp4 > "
+           " ffmpeg -v error -i clip.mp4 -c copy whole.mp4 && head -c -99 whole.mp4 > "
            "recording.mp4; cp clip.mp4 -- -t.mp4; mkdir folder; cp clip.mp4 there.mp4;"
            " cp still.png 7.png; mkfifo pipe.mp4; ln -s none.mp4 link.mp4; ln -s round.mp4 round.mp4"));
     struct Case {
