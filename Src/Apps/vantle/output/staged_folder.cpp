@@ -50,7 +50,7 @@ void StagedFolder::refuseStrangers() const {
     std::error_code ignored;
     if (!fs::is_directory(fs::symlink_status(target_, ignored)))
         throw Error(target_.string() + " is not a folder");
-    if (!overwrite_) refuseToReplace(target_);
+    if (!overwrite_ && !fs::is_empty(target_, ignored)) refuseToReplace(target_);
     FolderContents known(title_);
     const bool marked = known.read(target_);
     const std::vector<fs::path> strangers = known.strangersIn(target_);

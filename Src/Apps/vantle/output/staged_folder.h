@@ -13,9 +13,9 @@ namespace vantle {
 /// folder that it replaces.
 class StagedFolder {
    public:
-    /// Creates the empty folder beside `target`. Throws Error when the target exists and may not be
-    /// overwritten, or holds anything but what was made there under the same `title` and is as it was made:
-    /// what somebody else put there is never removed.
+    /// Creates the empty folder beside `target`. Throws Error when the target holds anything and may not
+    /// be overwritten, or holds anything but what was made there under the same `title` and is as it was
+    /// made: what somebody else put there is never removed.
     StagedFolder(const std::filesystem::path& target, bool overwrite, std::string_view title);
     StagedFolder(const StagedFolder&) = delete;
     StagedFolder& operator=(const StagedFolder&) = delete;
@@ -25,8 +25,8 @@ class StagedFolder {
     /// Error when that fails.
     void write(const std::filesystem::path& name, std::string_view contents);
 
-    /// Gives the folder its name. Throws Error when that fails, or the target has come to exist meanwhile and
-    /// may not be overwritten, or holds something else by now.
+    /// Gives the folder its name. Throws Error when that fails, or the target has come to hold something
+    /// meanwhile and may not be overwritten, or holds something else by now.
     void commit();
 
    private:

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "Host/words.h"
 #include "output/output_kind.h"
 #include "output/staged_folder.h"
 #include "overview/page_files.h"
@@ -88,6 +89,8 @@ std::string data(const OverviewOptions& options, const Overview& overview, const
         rows.push_back({{"name", shownName(transition)},
                         {"function", transition.function},
                         {"family", transition.family},
+                        {"sentence", transition.sentence},
+                        {"words", wordsFor(transition)},
                         {"sprite", spriteName(i)}});
     }
     // A file's name need not be text.

@@ -1,20 +1,25 @@
 'use strict';
-// The page: puts the tiles on it, finds by name and family, and opens the larger view.
+// The page: puts the tiles on it, finds by words and family, and opens the larger view.
 
 const search = document.getElementById('search');
 const order = ['strips', 'shapes', 'warps', 'blends', 'other'];
 const families = order.filter((family) => tiles.some((tile) => tile.transition.family === family));
 let family = '';
 
-/** A name as one searches for it: without regard to case, and with any sign between words. */
-const plain = (text) => text.toLowerCase().replace(/[_\s]+/g, ' ').trim();
+const wordsIn = (text) => text.toLowerCase().match(/[a-z0-9]+/g) ?? [];
+
+/** As `vantle list` finds: a part of a name, or words that begin what it is called or described by. */
+function isFoundBy(transition, wanted) {
+  if ([transition.name, transition.function].some((name) => name.toLowerCase().includes(wanted))) return true;
+  const words = wordsIn([transition.name, transition.family, transition.sentence, ...transition.words].join(' '));
+  return wordsIn(wanted).every((start) => words.some((word) => word.startsWith(start)));
+}
 
 function filter() {
-  const wanted = plain(search.value);
+  const wanted = search.value.trim().toLowerCase();
   let found = 0;
   for (const { item, transition } of tiles) {
-    const fits = (!family || transition.family === family) &&
-      (plain(transition.name).includes(wanted) || plain(transition.function).includes(wanted));
+    const fits = (!family || transition.family === family) && isFoundBy(transition, wanted);
     item.hidden = !fits;
     found += fits;
   }

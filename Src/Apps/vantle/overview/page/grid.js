@@ -22,7 +22,13 @@ class Tile {
     family.className = 'family';
     family.textContent = transition.family;
     this.button.append(this.canvas, name, family);
-    this.item.append(this.button);
+    this.button.title = transition.sentence;
+    this.star = document.createElement('button');
+    this.star.type = 'button';
+    this.star.className = 'star';
+    this.star.title = 'Gather for one film (S)';
+    this.star.append(document.getElementById('star-shape').content.cloneNode(true));
+    this.item.append(this.button, this.star);
 
     this.strip = null;
     this.near = false;
@@ -118,6 +124,7 @@ function moveFocus(event) {
   const shown = tiles.filter((tile) => !tile.item.hidden);
   const at = shown.findIndex((tile) => tile.button === document.activeElement);
   if (at < 0) return;
+  if (event.key === 's') toggleGathered(shown[at]);
   const top = shown[0].item.offsetTop;
   const across = shown.findIndex((tile) => tile.item.offsetTop !== top);
   const columns = across < 0 ? shown.length : across;

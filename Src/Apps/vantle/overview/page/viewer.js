@@ -8,17 +8,6 @@ const slider = part('slider');
 
 const view = { tile: null, image: null, playing: false, startedAt: 0 };
 
-/** A file's name made of a transition's. */
-const fileName = (transition) => transition.name.replace(/[^A-Za-z0-9]+/g, '_');
-
-/** Text as one word for a shell. */
-const quoted = (text) => /^[\w.,:/@%+=-]+$/.test(text) ? text : `'${text.replaceAll("'", `'\\''`)}'`;
-
-function renderCommand(...options) {
-  return ['vantle render', quoted(gallery.fromArgument), quoted(gallery.toArgument), '-t',
-          quoted(view.tile.transition.name), ...gallery.options, ...options].join(' ');
-}
-
 function showFrame(frame) {
   const { transition } = view.tile;
   const position = String(gallery.positions[frame]);
@@ -27,7 +16,7 @@ function showFrame(frame) {
   part('frame').textContent = `${frame} / ${frameCount - 1}`;
   part('position').textContent = gallery.positions[frame].toFixed(4);
   part('frame-command').textContent = renderCommand(
-    '--size', `${gallery.width}x${gallery.height}`, '--at', position, '-o', `${fileName(transition)}.png`);
+    [transition], '--size', `${gallery.width}x${gallery.height}`, '--at', position, '-o', `${fileName(transition)}.png`);
   picture.setAttribute('aria-label',
     `${gallery.from} becomes ${gallery.to} by ${transition.name}, at position ${position}`);
   if (view.image) {
@@ -67,7 +56,9 @@ async function showTransition(tile) {
   part('viewer-kind').textContent =
     transition.function && transition.function !== transition.name
       ? `${transition.family} · ${transition.function}` : transition.family;
-  part('video-command').textContent = renderCommand('-o', `${fileName(transition)}.mp4`);
+  part('viewer-sentence').textContent = transition.sentence;
+  showStar(tile);
+  part('video-command').textContent = renderCommand([transition], '-o', `${fileName(transition)}.mp4`);
   picture.width = gallery.width;
   picture.height = gallery.height;
   showFrame(0);
@@ -92,19 +83,6 @@ function showOther(places) {
   showTransition(found[(at + places + found.length) % found.length]);
 }
 
-async function copy(button) {
-  const source = part(button.dataset.copy);
-  try {
-    await navigator.clipboard.writeText(source.textContent);
-  } catch {
-    // Not allowed here: selected, it is one key from being copied.
-    getSelection().selectAllChildren(source);
-    if (!document.execCommand('copy')) return;
-  }
-  button.textContent = 'Copied';
-  setTimeout(() => { button.textContent = 'Copy'; }, 1500);
-}
-
 function viewerKey(event) {
   if (event.ctrlKey || event.metaKey || event.altKey) return;
   const frame = Number(slider.value);
@@ -116,6 +94,7 @@ function viewerKey(event) {
     End: () => goTo(frameCount - 1),
     n: () => showOther(1),
     p: () => showOther(-1),
+    s: () => toggleGathered(view.tile),
   };
   const key = event.key.length === 1 ? event.key.toLowerCase() : event.key;
   // A button takes the space for itself.
@@ -139,4 +118,3 @@ part('play').addEventListener('click', () => setPlaying(!view.playing));
 part('previous').addEventListener('click', () => showOther(-1));
 part('next').addEventListener('click', () => showOther(1));
 part('close').addEventListener('click', () => viewer.close());
-for (const button of viewer.querySelectorAll('[data-copy]')) button.addEventListener('click', () => copy(button));
