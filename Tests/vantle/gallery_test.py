@@ -110,6 +110,9 @@ class GalleryTest(unittest.TestCase):
         self.open('no-preference')
         self.press('/', 'round zoom')
         self.assertEqual(self.texts('.name'), ['Round_zoom_out', 'Round_zoom_in'])
+        for words, found in (('iris', 4), ('soft rim', 2), ('barn', 3), ('no such', 0)):
+            self.press(Keys.CONTROL, 'a', Keys.NULL, words)
+            self.assertEqual(len(self.texts('.name')), found, words)
         self.press(Keys.CONTROL, 'a', Keys.NULL, Keys.DELETE)
         for family, count in (('warps', 6), ('blends', 3), ('shapes', 14), ('strips', 22)):
             [b for b in self.find('#families button') if b.text.lower() == family][0].click()
@@ -133,10 +136,28 @@ class GalleryTest(unittest.TestCase):
         self.press('n', Keys.ESCAPE)
         self.assertEqual(self.script('return document.activeElement.textContent'), 'Row_vantlestrips')
 
-    def test_fits_a_narrow_screen_names_everything_and_is_small(self):
-        self.open('reduce', 390, 844)
-        self.find('.tile')[0].click()
-        self.assertLessEqual(self.script('return document.documentElement.scrollWidth'), 390)
+    def test_gathers_several_for_one_film(self):
+        self.open('reduce')
+        self.script('tiles[3].star.click(); tiles[1].button.focus()')
+        self.press('s', Keys.ENTER, 'n', 's', 's', Keys.ESCAPE)
+        self.assertEqual(self.texts('#gathered-count'), ['2 gathered'])
+        command = shlex.split(self.texts('#gathered-command')[0])
+        self.assertEqual(command[2:9], ['from.png', 'to a b.png', 'from.png', '-t', 'Row_split', '-t', 'Col_vantle'])
+        run(vantle, *command[1:], '-q', '--plan')
+        self.find('#forget')[0].click()
+        self.assertEqual(self.find('#gathered'), [])
+
+    def test_fits_small_screens_names_everything_and_is_small(self):
+        for width, height in ((320, 640), (844, 390), (390, 844)):
+            self.open('reduce', width, height)
+            self.find('.tile')[0].click()
+            self.assertLessEqual(self.script('return document.documentElement.scrollWidth'), width)
+            self.assertEqual(self.script("""return [...document.querySelectorAll("button, input")].filter((e) => {
+                const { width, height } = e.getBoundingClientRect();
+                return width && Math.min(width, height) < 44; }).map((e) => e.outerHTML)"""), [])
+            for part in 'picture', 'slider':
+                self.assertLess(self.script(f'return {part}.getBoundingClientRect().bottom'), height)
+            self.find('[data-copy="video-command"]')[0].click()  # which it can be scrolled to
         self.assertEqual(self.script('''return [...document.querySelectorAll("button, input, canvas")].filter((e) =>
             !(e.ariaLabel || e.textContent.trim() || e.labels?.length)).map((e) => e.outerHTML)'''), [])
         self.assertLess(sum(f.stat().st_size for f in folder.glob('gallery/**/*') if f.is_file()), 25e6)
