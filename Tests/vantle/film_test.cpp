@@ -130,6 +130,24 @@ TEST_F(Films, ShowOfEachInputWhatTheOperandsSay) {
     EXPECT_NE(rgb("f_9.png"), rgb("s_0.png"));
 }
 
+TEST_F(Films, SayHowInputsLieInThemAndWhatTheyTake) {
+    ffmpeg("-f lavfi -i testsrc2=s=80x48 -frames:v 1 still.png");
+    const std::string frame = "still.png hold=1f --size 640x64 +cut still.png hold=0 fit=cover -o a.mp4";
+    const nlohmann::json film = plan(frame);
+    EXPECT_EQ(film["timeline"][0]["input"]["bars"], "left and right");
+    EXPECT_EQ(film["timeline"][2]["input"]["cutOff"], "top and bottom");
+    EXPECT_EQ(film["timeline"][2]["input"]["scale"], 8.0);
+    const std::string words = vantle("render --plan " + frame).text();
+    for (const char* const says :
+         {"(still), enlarged 8 times, top and bottom cut off\n", "\n2 frames, ", "\nEstimate, "})
+        EXPECT_NE(words.find(says), std::string::npos) << words;
+    const std::string moving = "lavfi:testsrc2=s=320x180:d=4 lavfi:testsrc2=s=320x180:d=4 -t 0 -o size.mp4";
+    const double estimated = plan(moving)["estimate"]["bytes"];
+    render(moving);
+    EXPECT_NEAR(estimated / static_cast<double>(fs::file_size(folder_ / "size.mp4")), 1.0, 0.5);
+    EXPECT_FALSE(plan("still.png still.png -t 0 -o f_%d.png").contains("estimate"));
+}
+
 TEST_F(Films, ShowTheJoinThatIsAskedFor) {
     for (const std::string colour : {"red", "lime", "blue"})
         ffmpeg("-f lavfi -i color=" + colour + ":s=64x48,format=rgb24 -frames:v 1 " + colour + ".png");

@@ -34,7 +34,8 @@ CopyPlan planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& ch
     const auto clip = [](const auto& pictures) { return pictures != nullptr; };
     if (few)
         refused = {std::to_string(copied) + " of " + std::to_string(film.frames()) +
-                   " frames are too few; more keyframes, or shorter joins, help"};
+                   (copied == 1 ? " frames is too few" : " frames are too few") +
+                   "; more keyframes, or shorter joins, help"};
     else if (copied == 0 && refused.empty() && std::ranges::any_of(plan.pictures, clip))
         refused.emplace_back("all frames lie in joins; shorter ones (--duration) leave some");
     if (mode == CopyMode::always) {
@@ -48,9 +49,10 @@ CopyPlan planCopies(const OpenFilm& open, CopyMode mode, const EncoderChoice& ch
     }
     // That stills and generated inputs are encoded is no news.
     if (!refused.empty())
-        plan.summary =
-            (plan.stretches.empty() ? "nothing is copied: " : "not copied: ") + refused.front() +
-            (refused.size() > 1 ? "; nor are " + std::to_string(refused.size() - 1) + " more" : "");
+        plan.summary = (plan.stretches.empty() ? "nothing is copied: " : "not copied: ") + refused.front() +
+                       (refused.size() > 1 ? (refused.size() > 2 ? "; nor are " : "; nor is ") +
+                                                 std::to_string(refused.size() - 1) + " more"
+                                           : "");
     return plan;
 }
 

@@ -21,6 +21,7 @@
 #include "overview/joins.h"
 #include "playing/open_film.h"
 #include "rendering/encode_film.h"
+#include "rendering/estimate.h"
 #include "rendering/plan.h"
 #include "system/progress_bar.h"
 #include "timeline/chapters.h"
@@ -171,7 +172,12 @@ void render(const RenderRequest& request) {
     notes.insert(notes.end(), lost.begin(), lost.end());
     notes.insert(notes.end(), open.laid.notes.begin(), open.laid.notes.end());
     if (!plan.summary.empty() && (!request.plan || request.json)) notes.push_back(plan.summary);
-    if (request.plan) return printPlan(plan, notes, request.json);
+    if (request.plan) {
+        // Without an output it is one as most are.
+        const MovieKind* const movie = kind ? kind->movie : movieKind(".mp4");
+        return printPlan(plan, movie != nullptr ? estimateOf(request, *movie, open, plan) : std::nullopt,
+                         notes, request.json);
+    }
     for (const std::string& note : notes) tell(request, note);
     if (!request.joins.empty()) return drawJoins(open, request.joins, delivery.force, delivery.quiet);
     if (plan.copied() > 0) {
