@@ -32,6 +32,7 @@ struct Trial {
     double seconds = 0.0;
     std::int64_t keyframes = 0;
     std::int64_t keyframeBytes = 0;
+    std::int64_t others = 0;
     std::int64_t otherBytes = 0;
 };
 
@@ -51,8 +52,8 @@ Trial tryEncodingOf(const RenderRequest& request, const MovieKind& kind, const O
     });
     Trial trial{.frames = span.second - span.first};
     while (const av::Packet packet = packets.next()) {
-        const bool isKey = (packet->flags & AV_PKT_FLAG_KEY) != 0;
-        trial.keyframes += isKey ? 1 : 0;
+        const bool isKey = trial.keyframes == 0 || (packet->flags & AV_PKT_FLAG_KEY) != 0;
+        ++(isKey ? trial.keyframes : trial.others);
         (isKey ? trial.keyframeBytes : trial.otherBytes) += packet->size;
     }
     trial.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
@@ -118,26 +119,26 @@ std::optional<Estimate> estimateOf(const RenderRequest& request, const MovieKind
         trial.frames += longer.frames;
         trial.keyframes += longer.keyframes;
         trial.keyframeBytes += longer.keyframeBytes;
+        trial.others += longer.others;
         trial.otherBytes += longer.otherBytes;
     }
 
-    const auto rated = [&](std::int64_t bytes, std::int64_t of) {
-        return of > 0 ? static_cast<double>(bytes) / static_cast<double>(of) : 0.0;
-    };
-    // Encoders set a keyframe at least that often, unless all are.
+    // Encoders set a keyframe at least that often, unless all pictures are, or lie in one packet.
     constexpr std::int64_t usualInterval = 250;
-    const bool onlyKeyframes = trial.keyframes == trial.frames && trial.frames > 1;
-    const std::int64_t keyframes =
-        onlyKeyframes ? frames : std::min(frames, frames / usualInterval + std::ssize(spans));
-    double bytes =
-        static_cast<double>(keyframes) * rated(trial.keyframeBytes, trial.keyframes) +
-        static_cast<double>(frames - keyframes) * rated(trial.otherBytes, trial.frames - trial.keyframes) +
-        copiedBytes(plan);
+    const auto all = static_cast<double>(frames);
+    const double keyframes = std::min(all, all / usualInterval + static_cast<double>(spans.size()));
+    double bytes = copiedBytes(plan);
+    if (trial.others == 0)
+        bytes += all * static_cast<double>(trial.keyframeBytes) / static_cast<double>(trial.frames);
+    else
+        bytes +=
+            keyframes * static_cast<double>(trial.keyframeBytes) / static_cast<double>(trial.keyframes) +
+            (all - keyframes) * static_cast<double>(trial.otherBytes) / static_cast<double>(trial.others);
     if (film.audio && kind.audioEncoder != nullptr)
         bytes += static_cast<double>(
                      makeAudioEncoder(kind, request.encoders, *film.audio, 0, false)->context().bit_rate) /
-                 8.0 * static_cast<double>(frames) / av_q2d(film.canvas.rate);
-    return Estimate{static_cast<double>(frames) * each, static_cast<std::int64_t>(bytes), trial.frames};
+                 8.0 * all / av_q2d(film.canvas.rate);
+    return Estimate{all * each, static_cast<std::int64_t>(bytes), trial.frames};
 }
 
 }  // namespace vantle
