@@ -57,11 +57,12 @@ bool isLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0;
 
 /// Runs of letters and digits, without case.
 std::vector<std::string> wordsIn(std::string_view text) {
+    const std::string letters = lower(text);
     std::vector<std::string> words;
-    for (auto at = std::ranges::find_if(text, isLetter); at != text.end();) {
-        const auto end = std::find_if_not(at, text.end(), isLetter);
-        words.push_back(lower({at, end}));
-        at = std::find_if(end, text.end(), isLetter);
+    for (auto at = std::ranges::find_if(letters, isLetter); at != letters.end();) {
+        const auto end = std::find_if_not(at, letters.end(), isLetter);
+        words.emplace_back(at, end);
+        at = std::find_if(end, letters.end(), isLetter);
     }
     return words;
 }
@@ -93,15 +94,15 @@ const Meaning* meaningOf(std::string_view text) {
 
 }  // namespace
 
-std::size_t editsBetween(std::string_view first, std::string_view second) {
-    const std::string a = lower(first);
-    const std::string b = lower(second);
-    std::vector<std::size_t> row(b.size() + 1);
+std::size_t editsBetween(std::string_view a, std::string_view b) {
+    const std::string from = lower(a);
+    const std::string to = lower(b);
+    std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t i = 0; i < from.size(); ++i) {
         std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] != b[j] ? 1 : 0);
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t replaced = diagonal + (from[i] != to[j] ? 1 : 0);
             diagonal = std::exchange(row[j + 1], std::min({row[j] + 1, row[j + 1] + 1, replaced}));
         }
     }
