@@ -113,6 +113,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
          {std::pair{"rendr clip.mp4 clip.mp4", "did you mean render?"},
           {"clip.mp4 clip.mp4 -o out.mp4", "the command is missing before clip.mp4"},
           {"help lists", "did you mean list?"},
+          {"render clip.mp4 --sise=2x2", "not expected: --sise=2x2 (did you mean --size?)"},
           {"film", "called \"film\"; the commands are render, sheet, gallery and list"},
           {"", "a command is missing"}})
         refuses(words, 2, says);

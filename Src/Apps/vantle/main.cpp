@@ -83,10 +83,10 @@ int run(int argc, char** argv) {
         flushOutput();
         return 0;
     } catch (const CLI::ParseError& error) {
-        const std::string hint = hintOnFiles(words, error.what());
+        const std::string hint = hintFor(app, words, error.what());
         return report(error.what() + (hint.empty() ? " (vantle --help shows the usage)" : hint), wrongUsage);
     } catch (const UsageError& error) {
-        return report(error.what() + hintOnFiles(words, error.what()), wrongUsage);
+        return report(error.what() + hintFor(app, words, error.what()), wrongUsage);
     } catch (const std::exception& error) {
         return report(error.what(), failed);
     }

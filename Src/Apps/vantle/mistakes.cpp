@@ -16,6 +16,12 @@ bool isFile(const std::string& word) {
     return std::filesystem::exists(word, ignored);
 }
 
+const CLI::App* commandCalled(const CLI::App& app, const std::string& name) {
+    const std::vector<const CLI::App*> commands = app.get_subcommands({});
+    const auto found = std::ranges::find(commands, name, &CLI::App::get_name);
+    return found != commands.end() ? *found : nullptr;
+}
+
 /// As "the commands are render, sheet, gallery and list".
 std::string listed(const std::vector<const CLI::App*>& commands) {
     std::string text = "the commands are ";
@@ -28,9 +34,6 @@ std::string listed(const std::vector<const CLI::App*>& commands) {
 
 std::vector<std::string> wordsToRead(const CLI::App& app, std::vector<std::string> words) {
     const std::vector<const CLI::App*> commands = app.get_subcommands({});
-    const auto isCommand = [&](const std::string& word) {
-        return std::ranges::find(commands, word, &CLI::App::get_name) != commands.end();
-    };
     const bool asksForHelp = !words.empty() && words.front() == "help";
     if (asksForHelp) {
         words.erase(words.begin());
@@ -38,7 +41,7 @@ std::vector<std::string> wordsToRead(const CLI::App& app, std::vector<std::strin
     }
     if (words.empty()) throw UsageError("a command is missing; " + listed(commands));
     const std::string& first = words.front();
-    if (isCommand(first) || app.get_option_no_throw(first) != nullptr) return words;
+    if (commandCalled(app, first) != nullptr || app.get_option_no_throw(first) != nullptr) return words;
     const auto edits = [&](const CLI::App* command) { return editsBetween(first, command->get_name()); };
     const CLI::App* const nearest = *std::ranges::min_element(commands, {}, edits);
     if (edits(nearest) <= 2 && !isFile(first))
@@ -50,12 +53,23 @@ std::vector<std::string> wordsToRead(const CLI::App& app, std::vector<std::strin
     throw UsageError("no command is called \"" + first + "\"; " + listed(commands));
 }
 
-std::string hintOnFiles(const std::vector<std::string>& words, const std::string& message) {
+std::string hintFor(const CLI::App& app, const std::vector<std::string>& words, const std::string& message) {
+    const CLI::App* const command = words.empty() ? nullptr : commandCalled(app, words.front());
     for (const std::string& word : words) {
-        if (word.find_first_of("+-") != 0 || !isFile(word)) continue;
         const std::string written = "./" + word;
-        if (message.find(written) == std::string::npos)
+        if (word.find_first_of("+-") == 0 && isFile(word) && message.find(written) == std::string::npos)
             return " (a file of the name " + word + " is written " + written + ")";
+        if (command == nullptr || !word.starts_with("--")) continue;
+        const std::string name = word.substr(2, word.find('=') - 2);
+        std::string nearest;
+        std::size_t fewest = 3;
+        for (const CLI::Option* const option : command->get_options())
+            for (const std::string& known : option->get_lnames())
+                if (const std::size_t edits = editsBetween(name, known); edits < fewest) {
+                    fewest = edits;
+                    nearest = known;
+                }
+        if (fewest > 0 && !nearest.empty()) return " (did you mean --" + nearest + "?)";
     }
     return {};
 }
