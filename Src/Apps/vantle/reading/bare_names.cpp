@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string_view>
 
 #include "Host/error.h"
 #include "Host/words.h"
@@ -11,10 +12,11 @@ namespace vantle {
 namespace {
 
 bool isName(const std::string& text, std::span<const Transition> catalogue) {
-    return editsBetween(text, "cut") == 0 || editsBetween(text, "random") == 0 ||
-           std::ranges::any_of(catalogue, [&](const Transition& transition) {
-               return editsBetween(text, shownName(transition)) == 0 ||
-                      editsBetween(text, transition.function) == 0;
+    const auto is = [&](std::string_view name) {
+        return text.size() == name.size() && editsBetween(text, name) == 0;
+    };
+    return is("cut") || is("random") || std::ranges::any_of(catalogue, [&](const Transition& transition) {
+               return is(shownName(transition)) || is(transition.function);
            });
 }
 
@@ -29,7 +31,9 @@ void refuseBareNames(const std::vector<std::string>& operands, const std::vector
                      std::span<const Transition> catalogue) {
     const auto check = [&](const std::string& start, std::size_t next, const std::string& option) {
         std::string name = start;
-        for (; next < operands.size() && isBare(operands[next]); ++next) {
+        constexpr std::size_t most = 4;  // words of a name
+        const std::size_t end = std::min(operands.size(), next + most);
+        for (; next < end && isBare(operands[next]); ++next) {
             name += (name.empty() ? "" : " ") + operands[next];
             if (!isName(name, catalogue)) continue;
             if (name == operands[next])

@@ -16,7 +16,8 @@ function showFrame(frame) {
   part('frame').textContent = `${frame} / ${frameCount - 1}`;
   part('position').textContent = gallery.positions[frame].toFixed(4);
   part('frame-command').textContent = renderCommand(
-    [transition], '--size', `${gallery.width}x${gallery.height}`, '--at', position, '-o', `${fileName(transition)}.png`);
+    [transition], '--size', `${gallery.width}x${gallery.height}`, '--at', position,
+    '-o', `${fileName(transition)}.png`);
   picture.setAttribute('aria-label',
     `${gallery.from} becomes ${gallery.to} by ${transition.name}, at position ${position}`);
   if (view.image) {
