@@ -199,8 +199,10 @@ void printPlan(const CopyPlan& plan, const std::optional<Estimate>& estimate,
             std::printf("Stored as %s was held, and shown upright\n", plan.modelSource().name.c_str());
     }
     std::set<std::string> told;
-    for (const std::string& why : plan.why)
-        if (!why.empty() && told.insert(why).second) std::printf("Not copied: %s\n", why.c_str());
+    // That stills and generated inputs are encoded is no news.
+    for (std::size_t i = 0; i < film.parts.size(); ++i)
+        if (film.sourceOf(film.parts[i]).isClip() && !plan.why[i].empty() && told.insert(plan.why[i]).second)
+            std::printf("Not copied: %s\n", plan.why[i].c_str());
     if (estimate)
         std::printf("Estimate, from %s encoded on trial: %s\n", counted(estimate->frames).c_str(),
                     inWords(*estimate).c_str());
