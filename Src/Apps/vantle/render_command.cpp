@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "Host/error.h"
 #include "options.h"
 #include "reading/bare_names.h"
 #include "reading/operands.h"
@@ -61,6 +62,15 @@ FrameRange parseFrames(const std::string& text) {
     return {std::min(*first, farthest), std::min(*last, farthest)};
 }
 
+CLI::Validator aVolume() {
+    return {[](const std::string& text) {
+                return parseVolume(text)
+                           ? std::string()
+                           : "\"" + text + "\" is no volume (as 0.5 or -6dB, at most 10 or 20dB)";
+            },
+            ""};
+}
+
 /// What the command line is, read but for its operands.
 struct RenderOptions {
     RenderRequest request;
@@ -69,8 +79,37 @@ struct RenderOptions {
     bool sort = false;
 };
 
-void run(RenderOptions options) {
+/// Takes from the operands what belongs to the music because it stands behind it, and not behind an input.
+void takeMusicsOperands(RenderOptions& options, const CLI::App& command) {
+    Music& music = options.request.film.music;
+    std::vector<std::string> others;
+    auto operand = options.operands.begin();
+    bool behindMusic = false;
+    std::string option;  // the one that stands right before
+    for (const CLI::Option* const given : command.parse_order()) {
+        if (!given->get_positional()) {
+            option = given->get_name();
+            behindMusic = behindMusic || option == "--music";
+            continue;
+        }
+        const std::string& text = *operand++;
+        if (std::exchange(option, "") == "--music-duck" && (text == "yes" || text == "no")) {
+            music.duck = text == "yes";
+        } else if (behindMusic && isSetting(text)) {
+            if (text.starts_with("volume=") && command.count("--music-volume") > 0)
+                throw UsageError(text + " and --music-volume exclude each other");
+            setMusic(music, text);
+        } else {
+            others.push_back(text);
+            behindMusic = false;
+        }
+    }
+    options.operands = std::move(others);
+}
+
+void run(RenderOptions options, const CLI::App& command) {
     FilmRequest& film = options.request.film;
+    takeMusicsOperands(options, command);
     refuseBareNames(options.operands, options.transitions,
                     Plugin(options.request.delivery.plugin).transitions());
     options.request.notes = parseOperands(film, options.operands, options.transitions);
@@ -89,11 +128,14 @@ void addRenderCommand(CLI::App& app) {
         "IN is a still, a video, an image sequence (img_%04d.png) or a generated source (lavfi:GRAPH, as\n"
         "lavfi:testsrc2=size=640x360:duration=3). `+NAME` between two inputs says how they meet: a "
         "transition,\n"
-        "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit and mute to an\n"
-        "input, duration to a transition. A file of such a name is written ./+x or ./in=2. Times are "
-        "seconds\n"
-        "(2.5), 1:02.5, 500ms or frames of the film (12f). OUT is a video (.mp4 .mkv .webm .mov .gif .webp,\n"
-        "or - for standard output), numbered pictures (frame_%04d.png, .jpg) or, with --at, one picture.");
+        "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit, mute and "
+        "volume\n"
+        "to an input, duration to a transition, in, out and volume to --music FILE. A file of such a name "
+        "is\n"
+        "written ./+x or ./in=2. Times are seconds (2.5), 1:02.5, 500ms or frames of the film (12f). OUT is "
+        "a\n"
+        "video (.mp4 .mkv .webm .mov .gif .webp, or - for standard output), numbered pictures\n"
+        "(frame_%04d.png, .jpg) or, with --at, one picture.");
     command->add_option("IN", options.operands, "Two inputs or more, and how they meet")
         ->type_name("FILE|+TRANSITION|+random|+cut")
         ->required();
@@ -129,13 +171,32 @@ void addRenderCommand(CLI::App& app) {
                       "Shorten transitions that are too long for their inputs");
     command->add_flag("--mute", request.film.mute, "Leave out the audio of all inputs");
     command
-        ->add_option("--music", request.film.music.file,
-                     "Audio under the film, repeated when shorter, faded out over its last two seconds")
+        ->add_option(
+            "--music", request.film.music.file,
+            "Audio under the film, repeated when shorter, faded out over its last two seconds; in=, out= and "
+            "volume= may follow")
         ->type_name("FILE");
-    command->add_option("--music-volume", request.film.music.volume, "How loud it is")
-        ->check(within(0.0, 1.0))
-        ->capture_default_str();
-    command->add_flag("--music-duck", request.film.music.duck, "Lower it where inputs have audio");
+    command
+        ->add_option_function<std::string>(
+            "--music-volume",
+            [&](const std::string& text) { request.film.music.volume = parseVolume(text).value_or(1.0); },
+            "How loud it is: a factor, or decibels as -6dB (default: 1)")
+        ->type_name("VOLUME")
+        ->check(aVolume());
+    command->add_flag("--music-duck", request.film.music.duck,
+                      "Lower it where inputs are loud: yes or no may follow (default: yes)");
+    command
+        ->add_option_function<std::string>(
+            "--audio-curve",
+            [&](const std::string& text) {
+                request.film.fadeCurve = parseFadeCurve(text).value_or(FadeCurve::qsin);
+            },
+            "How audio fades over a join, by FFmpeg's names (default: qsin, which keeps the power; tri is a "
+            "straight line)")
+        ->type_name("qsin|tri|hsin|squ|exp|log")
+        ->check(CLI::IsMember({"qsin", "tri", "hsin", "squ", "exp", "log"}));
+    command->add_flag("--level", request.film.level,
+                      "Bring inputs and music to one loudness, -16 LUFS as EBU R128 measures it");
     command
         ->add_option("--channels", request.film.channels,
                      "Channels of the audio (default: those of the inputs where they agree, else 2)")
@@ -176,7 +237,7 @@ void addRenderCommand(CLI::App& app) {
         ->allow_extra_args(false)
         ->take_all();
     addCommon(*command, request.delivery);
-    command->callback([held] { run(*held); });
+    command->callback([held, command] { run(*held, *command); });
 }
 
 }  // namespace vantle

@@ -34,7 +34,7 @@ AudioPlan planAudio(const Film& film, const std::vector<std::shared_ptr<const Co
     };
     for (std::size_t number = 0; number < film.parts.size(); ++number) {
         const Part& part = film.parts[number];
-        if (!part.audible) continue;
+        if (!audio[number]) continue;
         const CodedAudio& coded = *audio[number];
         // Its packets keep their distance from each other, so that all are shifted alike, by half an AAC
         // frame at most.
@@ -42,13 +42,12 @@ AudioPlan planAudio(const Film& film, const std::vector<std::shared_ptr<const Co
         const std::int64_t meant = sample(part.start) + coded.first - shown;
         const std::int64_t first = aacFrameAt(meant);
         plan.delays[number] = first * CodedAudio::frameSamples - meant;
-        const auto audible = [&](std::size_t other) { return film.parts[other].audible; };
+        // It fades over its joins, also beside one that is silent.
         const std::int64_t cleanFrom =
-            number == 0 ? -CodedAudio::frameSamples
-                        : sample(audible(number - 1) ? film.joins[number - 1].end() : part.start);
-        const std::int64_t cleanTo =
-            number == film.joins.size() ? std::numeric_limits<std::int64_t>::max() / 2
-                                        : sample(audible(number + 1) ? film.joins[number].start : part.end());
+            number == 0 ? -CodedAudio::frameSamples : sample(film.joins[number - 1].end());
+        const std::int64_t cleanTo = number == film.joins.size()
+                                         ? std::numeric_limits<std::int64_t>::max() / 2
+                                         : sample(film.joins[number].start);
         const std::int64_t from =
             std::max({av_rescale_rnd(cleanFrom, 1, CodedAudio::frameSamples, AV_ROUND_UP), first, next});
         const std::int64_t to =

@@ -28,7 +28,7 @@ struct AudioPlan {
 };
 
 /// Plans to copy the AAC frames in which one part is heard alone and as it is. `audio` is that of each part,
-/// null for one that is not audible.
+/// null for one that is not heard as it is, or not at all.
 AudioPlan planAudio(const Film& film, const std::vector<std::shared_ptr<const CodedAudio>>& audio);
 
 }  // namespace vantle

@@ -1,6 +1,7 @@
 #include "copying/copy_plan.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <utility>
@@ -18,6 +19,12 @@ std::string sizeText(Size size) { return std::to_string(size.width) + "x" + std:
 std::string rateText(AVRational rate) {
     char text[32] = "";
     std::snprintf(text, sizeof text, "%g", av_q2d(rate));
+    return text;
+}
+
+std::string decibelText(double factor) {
+    char text[32] = "";
+    std::snprintf(text, sizeof text, "%+.1f dB", 20.0 * std::log10(factor));
     return text;
 }
 
@@ -88,24 +95,36 @@ void findAlike(CopyPlan& plan, const std::vector<std::shared_ptr<const CodedPict
     }
 }
 
-/// Finds the audio of all parts, and whether it can be copied as the film's.
-bool findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
-    if (!plan.film.audio || !plan.film.music.file.empty()) return false;
+/// Finds the audio of all parts that can be copied into the film's, and why that of others cannot. None when
+/// they differ.
+void findAudio(CopyPlan& plan, const std::vector<CodedSource>& coded) {
+    const Film& film = plan.film;
+    const auto encodeAll = [&](const std::string& why) {
+        plan.audio.assign(film.parts.size(), nullptr);
+        plan.audioWhy = {why};
+    };
+    if (!film.music.file.empty()) return encodeAll("music lies under the film");
     const AVCodecParameters* model = nullptr;
-    for (std::size_t i = 0; i < plan.film.parts.size(); ++i) {
-        const Part& part = plan.film.parts[i];
+    for (std::size_t i = 0; i < film.parts.size(); ++i) {
+        const Part& part = film.parts[i];
         if (!part.audible) continue;
-        plan.audio[i] = coded[part.source].audio;
-        if (!plan.audio[i]) return false;
-        const AVCodecParameters& parameters = *plan.audio[i]->parameters;
+        const Source& source = film.sourceOf(part);
+        if (part.volume != 1.0) {
+            plan.audioWhy.push_back(source.name + ": its volume is changed by " + decibelText(part.volume));
+            continue;
+        }
+        if (!coded[part.source].audio)
+            return encodeAll(source.name + ": its audio is not AAC-LC without gaps, which can be copied");
+        const AVCodecParameters& parameters = *coded[part.source].audio->parameters;
         if (model == nullptr) model = &parameters;
         // The first two bytes say all that a decoder must know.
         if (!std::equal(parameters.extradata, parameters.extradata + 2, model->extradata) ||
-            parameters.sample_rate != plan.film.audio->sampleRate ||
-            parameters.ch_layout.nb_channels != plan.film.audio->channels)
-            return false;
+            parameters.sample_rate != film.audio->sampleRate ||
+            parameters.ch_layout.nb_channels != film.audio->channels)
+            return encodeAll(source.name +
+                             ": its audio is of another rate or other channels than the film's");
+        plan.audio[i] = coded[part.source].audio;
     }
-    return model != nullptr;
 }
 
 CodedSource scan(const Input& input, AVRational rate) {
@@ -182,8 +201,13 @@ CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, const
         }
     }
     plan.shown = shownPictures(film, plan.stretches, plan.pictures);
-    if (plan.copied() > 0 && terms.audio && findAudio(plan, coded))
-        plan.audioPlan = planAudio(film, plan.audio);
+    if (plan.copied() == 0 || !film.audio) return plan;
+    if (terms.audio)
+        findAudio(plan, coded);
+    else
+        plan.audioWhy.push_back("it is made by another encoder");
+    const auto isCopied = [](const std::shared_ptr<const CodedAudio>& audio) { return audio != nullptr; };
+    if (std::ranges::any_of(plan.audio, isCopied)) plan.audioPlan = planAudio(film, plan.audio);
     return plan;
 }
 

@@ -24,11 +24,12 @@ struct CopyPlan {
     std::size_t model = 0;                                         ///< the part that all others must be like
     std::vector<Stretch> stretches{};                              ///< none: nothing is copied
     ShownPictures shown{};
-    std::vector<std::shared_ptr<const CodedAudio>> audio{};  ///< by part
+    std::vector<std::shared_ptr<const CodedAudio>> audio{};  ///< by part; null where it is not copied
     AudioPlan audioPlan{};                                   ///< without stretches all audio is encoded
     /// By part: why it is not copied, and what would mend it; empty when it is.
     std::vector<std::string> why{};
-    std::string summary{};  ///< the same of all clips, in a line
+    std::vector<std::string> audioWhy{};  ///< why what of the audio is not copied
+    std::string summary{};                ///< the same of all clips, in a line
 
     std::int64_t copied() const { return copiedFrames(stretches); }
 

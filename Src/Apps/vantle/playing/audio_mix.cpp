@@ -1,11 +1,8 @@
 #include "playing/audio_mix.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
-#include <span>
 #include <utility>
-#include <vector>
 
 namespace vantle {
 
@@ -19,26 +16,7 @@ AudioFormat mixed(AudioFormat format) {
 
 float* channel(AVFrame& audio, int number) { return reinterpret_cast<float*>(audio.extended_data[number]); }
 
-/// 0 before `start`, 1 after `length` more samples, a straight line between.
-float ramp(std::int64_t at, std::int64_t start, std::int64_t length) {
-    if (length <= 0) return at >= start ? 1.0F : 0.0F;
-    return std::clamp(static_cast<float>(at - start) / static_cast<float>(length), 0.0F, 1.0F);
-}
-
 }  // namespace
-
-std::unique_ptr<Demuxer> AudioMix::Player::audioOf(const Input& input, std::int64_t first, int sampleRate) {
-    const int stream = input.source().audio->stream;
-    auto demuxer = std::make_unique<Demuxer>(input.name());
-    // Beside the pictures, though they are not wanted: of audio alone a long pause might look like a jump in
-    // time.
-    demuxer->use(stream);
-    // A decoder needs a run-up.
-    const std::int64_t time = std::max<std::int64_t>(first - sampleRate, 0);
-    if (!demuxer->seek(stream, av_rescale_q(time, {1, sampleRate}, demuxer->stream(stream).time_base)))
-        demuxer->reopen();
-    return demuxer;
-}
 
 AudioMix::AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t first, bool alone,
                    std::vector<std::int64_t> delays)
@@ -48,11 +26,13 @@ AudioMix::AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t
       format_(mixed(format)),
       frameSamples_(format.frameSamples),
       alone_(alone),
+      musicGain_(film_, format.sampleRate),
+      limiter_(format_),
       output_(*silence(format_, 1), {1, format.sampleRate}, {toFormat(format)}),
       begin_(first),
       next_(begin_) {
     if (film_.music.file.empty()) return;
-    music_.emplace(film_.music.file, format_);
+    music_.emplace(film_.music, film_.canvas.rate, format_);
     // The music has run on under what is not wanted.
     constexpr std::int64_t portion = 1 << 16;
     for (std::int64_t left = begin_; left > 0; left -= portion)
@@ -66,19 +46,27 @@ std::int64_t AudioMix::sample(std::int64_t frame) const {
 void AudioMix::advance(std::int64_t frame) {
     const std::int64_t end = sample(frame);
     if (end <= next_) return;
-    const av::Frame mix = silence(format_, static_cast<int>(end - next_));
+    av::Frame mix = silence(format_, static_cast<int>(end - next_));
     for (std::size_t number = 0; number < film_.parts.size(); ++number) {
         const Part& part = film_.parts[number];
         if (part.audible && sample(part.start) < end && sample(part.end()) > next_) addPart(*mix, number);
     }
     players_.remove_if([&](const Player& player) { return sample(film_.parts[player.part].end()) <= end; });
     if (music_) addMusic(*mix);
-    for (int number = 0; number < format_.channels; ++number)
-        for (float& value : std::span(channel(*mix, number), static_cast<std::size_t>(mix->nb_samples)))
-            value = std::clamp(value, -1.0F, 1.0F);
     mix->pts = next_ - begin_;
     next_ = end;
-    output_.push(av::share(*mix));
+    limiter_.push(std::move(mix));
+    passOn();
+}
+
+void AudioMix::passOn() {
+    while (av::Frame limited = limiter_.pull()) output_.push(std::move(limited));
+}
+
+void AudioMix::finish() {
+    limiter_.close();
+    passOn();
+    output_.close(next_ - begin_);
 }
 
 void AudioMix::addPart(AVFrame& mix, std::size_t number) {
@@ -96,47 +84,18 @@ void AudioMix::addPart(AVFrame& mix, std::size_t number) {
         player = std::prev(players_.end());
     }
     const av::Frame audio = player->reader.read(static_cast<int>(end - begin));
-    // How loud it is rises over the join before it, and falls over the one after it.
-    struct Slope {
-        std::int64_t start;
-        std::int64_t length;
-    };
-    const auto slopeOf = [&](std::size_t join) {
-        const std::int64_t start = sample(film_.joins[join].start);
-        return Slope{start, sample(film_.joins[join].end()) - start};
-    };
-    std::optional<Slope> rise;
-    std::optional<Slope> fall;
-    if (number > 0 && film_.parts[number - 1].audible) rise = slopeOf(number - 1);
-    if (number < film_.joins.size() && film_.parts[number + 1].audible) fall = slopeOf(number);
+    const PartGain partGain(film_, number, format_.sampleRate);
     for (std::int64_t at = begin; at < end; ++at) {
-        const float gain = (rise ? ramp(at, rise->start, rise->length) : 1.0F) *
-                           (fall ? 1.0F - ramp(at, fall->start, fall->length) : 1.0F);
+        const float gain = partGain.at(at);
         for (int i = 0; i < format_.channels; ++i)
             channel(mix, i)[at - next_] += channel(*audio, i)[at - begin] * gain;
     }
 }
 
 void AudioMix::addMusic(AVFrame& mix) {
-    constexpr float ducked = 0.25F;  // 12 decibels less
-    const std::int64_t slope = format_.sampleRate / 2;
-    const std::int64_t fade = 2 * std::int64_t{format_.sampleRate};
-    const std::int64_t filmEnd = sample(film_.frames());
-    const std::int64_t end = next_ + mix.nb_samples;
-    std::vector<std::pair<std::int64_t, std::int64_t>> louder;  // where inputs have audio, near here
-    for (const Part& part : film_.parts)
-        if (film_.music.duck && part.audible && sample(part.start) - slope < end &&
-            sample(part.end()) + slope > next_)
-            louder.emplace_back(sample(part.start), sample(part.end()));
     const av::Frame audio = music_->read(mix.nb_samples);
     for (int i = 0; i < mix.nb_samples; ++i) {
-        const std::int64_t at = next_ + i;
-        float gain = static_cast<float>(film_.music.volume) * (1.0F - ramp(at, filmEnd - fade, fade));
-        // Down by the time a part with audio begins, and up again only after its end.
-        float down = 0.0F;
-        for (const auto& [start, stop] : louder)
-            down = std::max(down, std::min(ramp(at, start - slope, slope), 1.0F - ramp(at, stop, slope)));
-        gain *= 1.0F - (1.0F - ducked) * down;
+        const float gain = musicGain_.at(next_ + i);
         for (int number = 0; number < format_.channels; ++number)
             channel(mix, number)[i] += channel(*audio, number)[i] * gain;
     }

@@ -10,13 +10,15 @@
 
 #include "media/audio_format.h"
 #include "media/filters.h"
+#include "media/limiter.h"
 #include "playing/audio_source.h"
 #include "playing/open_film.h"
+#include "timeline/audio_gain.h"
 
 namespace vantle {
 
-/// Mixes the audio of a film's parts on a grid of samples that follows from its frames. Where both parts of a
-/// join have audio it is crossfaded; where one has, it stays in its place.
+/// Mixes the audio of a film's parts on a grid of samples that follows from its frames, each fading
+/// over its joins, and limits the sum.
 class AudioMix {
    public:
     /// Of the film from its sample `first` on, in this format. The inputs' audio is read along with their
@@ -29,7 +31,7 @@ class AudioMix {
     void advance(std::int64_t frame);
 
     /// Says that nothing follows.
-    void finish() { output_.close(next_ - begin_); }
+    void finish();
 
     /// The next audio for the encoder, or null when it needs `advance` first or has ended.
     av::Frame pull();
@@ -38,9 +40,8 @@ class AudioMix {
     struct Player {
         Player(std::size_t number, Input& input, const AudioFormat& format, std::int64_t first, bool alone)
             : part(number),
-              own(alone ? audioOf(input, first, format.sampleRate) : nullptr),
+              own(alone ? audioFrom(input.source(), first, format.sampleRate) : nullptr),
               reader(own ? *own : input.demuxer(), input.source().audio->stream, format, first) {}
-        static std::unique_ptr<Demuxer> audioOf(const Input& input, std::int64_t first, int sampleRate);
 
         std::size_t part;
         std::unique_ptr<Demuxer> own;
@@ -49,6 +50,7 @@ class AudioMix {
     std::int64_t sample(std::int64_t frame) const;
     void addPart(AVFrame& mix, std::size_t number);
     void addMusic(AVFrame& mix);
+    void passOn();
 
     const OpenFilm& open_;
     const Film& film_;
@@ -58,6 +60,8 @@ class AudioMix {
     bool alone_;
     std::list<Player> players_;
     std::optional<MusicReader> music_;
+    MusicGain musicGain_;
+    Limiter limiter_;
     Filters output_;      // to the encoder's format
     std::int64_t begin_;  // the film's first sample that is wanted
     std::int64_t next_;   // the first that is not yet mixed

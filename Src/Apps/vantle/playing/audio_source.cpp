@@ -7,6 +7,7 @@ extern "C" {
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -53,6 +54,19 @@ av::Frame AudioSource::next() {
     }
 }
 
+std::unique_ptr<Demuxer> audioFrom(const Source& source, std::int64_t first, int sampleRate) {
+    const int stream = source.audio->stream;
+    auto demuxer = std::make_unique<Demuxer>(source.name);
+    // Beside the pictures, though they are not wanted: of audio alone a long pause might look like a jump in
+    // time.
+    demuxer->use(stream);
+    // A decoder needs a run-up.
+    const std::int64_t time = std::max<std::int64_t>(first - sampleRate, 0);
+    if (!demuxer->seek(stream, av_rescale_q(time, {1, sampleRate}, demuxer->stream(stream).time_base)))
+        demuxer->reopen();
+    return demuxer;
+}
+
 AudioReader::AudioReader(Demuxer& input, int stream, const AudioFormat& format, std::int64_t first)
     : source_(input, stream, format), format_(format), next_(first) {}
 
@@ -85,28 +99,41 @@ bool AudioReader::take() {
     return true;
 }
 
-MusicReader::MusicReader(const std::string& name, const AudioFormat& format)
-    : input_(name),
+MusicReader::MusicReader(const Music& music, AVRational frameRate, const AudioFormat& format)
+    : input_(music.file),
       stream_(audioStream(input_)),
       format_(format),
+      in_(music.in ? music.in->samples(frameRate, format.sampleRate) : 0),
+      out_(music.out ? music.out->samples(frameRate, format.sampleRate)
+                     : std::numeric_limits<std::int64_t>::max()),
       source_(std::in_place, input_, stream_, format),
       portions_(*silence(format, 1), {1, format.sampleRate}, {}) {}
 
 av::Frame MusicReader::read(int samples) {
-    bool restarted = false;
     for (;;) {
         if (av::Frame frame = portions_.pullSamples(samples)) return frame;
-        if (av::Frame frame = source_->next()) {
-            frame->pts = end_;
-            end_ += frame->nb_samples;
-            portions_.push(std::move(frame));
-            restarted = false;
-        } else {
-            if (std::exchange(restarted, true)) throw Error(input_.name() + ": its audio cannot be read");
+        av::Frame frame = place_ < out_ ? source_->next() : nullptr;
+        if (!frame) {
+            if (!std::exchange(heard_, false))
+                throw Error(input_.name() +
+                            (place_ > 0 ? ": in lies after its end" : ": its audio cannot be read"));
+            place_ = 0;
             source_.reset();
             input_.reopen();
             source_.emplace(input_, stream_, format_);
+            continue;
         }
+        const std::int64_t first = std::max(in_ - place_, std::int64_t{0});
+        const std::int64_t end = std::min<std::int64_t>(out_ - place_, frame->nb_samples);
+        place_ += frame->nb_samples;
+        if (first >= end) continue;
+        heard_ = true;
+        av::Frame part = silence(format_, static_cast<int>(end - first));
+        av_samples_copy(part->extended_data, frame->extended_data, 0, static_cast<int>(first),
+                        part->nb_samples, format_.channels, format_.sampleFormat);
+        part->pts = end_;
+        end_ += part->nb_samples;
+        portions_.push(std::move(part));
     }
 }
 

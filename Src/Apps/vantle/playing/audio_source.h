@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -9,6 +10,8 @@
 #include "media/decoder.h"
 #include "media/demuxer.h"
 #include "media/filters.h"
+#include "timeline/film_request.h"
+#include "timeline/source.h"
 
 namespace vantle {
 
@@ -29,6 +32,9 @@ class AudioSource {
     av::Frame held_;                    // the first of another format, while the converter is emptied
     bool ended_ = false;
 };
+
+/// Opens an input for its audio alone, at its sample number `first` or before it.
+std::unique_ptr<Demuxer> audioFrom(const Source& source, std::int64_t first, int sampleRate);
 
 /// The audio of a film's input, without end: gaps and what follows are silent.
 class AudioReader {
@@ -51,11 +57,11 @@ class AudioReader {
     std::optional<std::int64_t> end_;  // of the audio read so far
 };
 
-/// Music from its start, again and again.
+/// Music, what is wanted of it, again and again.
 class MusicReader {
    public:
     /// Throws Error when the file cannot be read or has no audio.
-    MusicReader(const std::string& name, const AudioFormat& format);
+    MusicReader(const Music& music, AVRational frameRate, const AudioFormat& format);
 
     /// The next `samples` samples.
     av::Frame read(int samples);
@@ -64,6 +70,10 @@ class MusicReader {
     Demuxer input_;
     int stream_;
     AudioFormat format_;
+    std::int64_t in_;  // samples of the file, first and end
+    std::int64_t out_;
+    std::int64_t place_ = 0;  // of what is read next
+    bool heard_ = false;      // some of it, since its start
     std::optional<AudioSource> source_;
     Filters portions_;
     std::int64_t end_ = 0;  // of the audio read so far, in samples

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -14,14 +15,14 @@ namespace vantle {
 
 namespace {
 
-constexpr const char* inputSettings = "in, out, hold, fit, mute";
+constexpr const char* inputSettings = "in, out, hold, fit, mute, volume";
 
 /// `key=value` when the key is one of the closed set.
 std::optional<std::pair<std::string, std::string>> settingIn(const std::string& operand) {
     const std::size_t middle = operand.find('=');
     if (middle == std::string::npos) return {};
     const std::string key = operand.substr(0, middle);
-    for (const std::string_view known : {"in", "out", "hold", "fit", "mute", "duration"})
+    for (const std::string_view known : {"in", "out", "hold", "fit", "mute", "volume", "duration"})
         if (key == known) return std::pair{key, operand.substr(middle + 1)};
     return {};
 }
@@ -54,6 +55,13 @@ bool yesIn(const std::string& setting, const std::string& value) {
     return value == "yes";
 }
 
+double volumeIn(const std::string& setting, const std::string& value) {
+    const std::optional<double> volume = parseVolume(value);
+    if (!volume)
+        throw UsageError(setting + ": \"" + value + "\" is no volume (as 0.5 or -6dB, at most 10 or 20dB)");
+    return *volume;
+}
+
 void set(Shot& shot, const std::string& operand, const std::string& key, const std::string& value) {
     if (key == "in")
         shot.in = timeIn(operand, value);
@@ -65,6 +73,8 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
         shot.fit = fitIn(operand, value);
     else if (key == "mute")
         shot.mute = yesIn(operand, value);
+    else if (key == "volume")
+        shot.volume = volumeIn(operand, value);
     else
         throw UsageError(operand + " belongs after a transition (+NAME); after an input: " + inputSettings);
 }
@@ -152,6 +162,22 @@ std::vector<std::string> parseOperands(FilmRequest& film, const std::vector<std:
         if (!taken.contains(i))
             notes.push_back("-t " + transitions[i] + " is not used: no join is left for it");
     return notes;
+}
+
+bool isSetting(const std::string& operand) { return settingIn(operand).has_value(); }
+
+void setMusic(Music& music, const std::string& operand) {
+    const std::size_t middle = operand.find('=');
+    const std::string key = operand.substr(0, middle);
+    const std::string value = operand.substr(middle + 1);
+    if (key == "in")
+        music.in = timeIn(operand, value);
+    else if (key == "out")
+        music.out = timeIn(operand, value);
+    else if (key == "volume")
+        music.volume = volumeIn(operand, value);
+    else
+        throw UsageError(operand + " belongs after an input; after --music FILE: in, out, volume");
 }
 
 void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands) {

@@ -14,6 +14,12 @@ namespace vantle {
 std::vector<std::string> parseOperands(FilmRequest& film, const std::vector<std::string>& operands,
                                        const std::vector<std::string>& transitions);
 
+/// True for `key=value` from a closed set, which belongs to what it follows.
+bool isSetting(const std::string& operand);
+
+/// Reads one that stands behind the music: `in`, `out` or `volume`. Throws UsageError when it is none.
+void setMusic(Music& music, const std::string& operand);
+
 /// Puts the inputs into the order in which a person counts: img2 before img10. Throws UsageError when
 /// `operands` say how two of them meet.
 void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands);

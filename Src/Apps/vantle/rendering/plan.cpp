@@ -148,6 +148,7 @@ void printJson(const CopyPlan& copies, const std::optional<Estimate>& estimate,
     plan["copiedShare"] = inThousandths(share(copies.copied(), film));
     if (const Orientation held = copies.orientation(); held != Orientation{})
         plan["orientation"] = {{"turn", 90 * held.quarterTurns}, {"mirrored", held.mirrored}};
+    plan["audioWhy"] = copies.audioWhy;
     if (estimate)
         plan["estimate"] = {{"seconds", inThousandths(estimate->seconds)},
                             {"bytes", estimate->bytes},
@@ -203,6 +204,7 @@ void printPlan(const CopyPlan& plan, const std::optional<Estimate>& estimate,
     for (std::size_t i = 0; i < film.parts.size(); ++i)
         if (film.sourceOf(film.parts[i]).isClip() && !plan.why[i].empty() && told.insert(plan.why[i]).second)
             std::printf("Not copied: %s\n", plan.why[i].c_str());
+    for (const std::string& why : plan.audioWhy) std::printf("Audio not copied: %s\n", why.c_str());
     if (estimate)
         std::printf("Estimate, from %s encoded on trial: %s\n", counted(estimate->frames).c_str(),
                     inWords(*estimate).c_str());

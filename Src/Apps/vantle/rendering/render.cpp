@@ -19,6 +19,7 @@
 #include "output/picture_writer.h"
 #include "output/staged_file.h"
 #include "overview/joins.h"
+#include "playing/measure_loudness.h"
 #include "playing/open_film.h"
 #include "rendering/encode_film.h"
 #include "rendering/estimate.h"
@@ -159,9 +160,15 @@ void render(const RenderRequest& request) {
     }
     if (!request.joins.empty()) checkSheetName(request.joins, delivery.force);
 
-    const OpenFilm open = openFilm(filmFor(request, kind), delivery.plugin, delivery.quiet);
+    OpenFilm open = openFilm(filmFor(request, kind), delivery.plugin, delivery.quiet);
     throwComplaints(open.laid.complaints, request.plan);
     if (!request.plan) checkTargets(request, kind ? &*kind : nullptr, open);
+
+    const bool isHeard =
+        open.film().audio && !request.at && request.joins.empty() && (!kind || kind->holdsAudio);
+    const bool isDucked = !request.film.music.file.empty() && request.film.music.duck && !request.plan;
+    if (isHeard && (request.film.level || isDucked))
+        measureLoudness(open, request.film.level, delivery.quiet);
 
     const bool isTurnable = !kind || kind->movie == nullptr || kind->movie->ending != ".mkv";
     const CopyPlan plan = planCopies(open, copyMode(request, kind, open.film()),

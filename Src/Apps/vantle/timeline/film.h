@@ -29,6 +29,7 @@ struct Part {
     std::int64_t first = 0;   ///< the source's picture that the first of them shows
     Fit fit = Fit::contain;
     bool audible = false;  ///< it has audio that is heard
+    double volume = 1.0;   ///< a factor
 
     std::int64_t end() const { return start + frames; }
     bool holds(std::int64_t frame) const { return frame >= start && frame < end(); }
@@ -58,6 +59,14 @@ struct AudioParameters {
     int channels = 2;
 };
 
+/// Milliseconds of a film, first and end.
+struct LoudSpan {
+    std::int64_t start = 0;
+    std::int64_t end = 0;
+
+    bool operator==(const LoudSpan&) const = default;
+};
+
 /// Join i lies between parts i and i + 1; no frame lies in more than two parts.
 struct Film {
     Canvas canvas{};
@@ -65,7 +74,9 @@ struct Film {
     std::vector<Part> parts{};
     std::vector<Join> joins{};
     std::optional<AudioParameters> audio{};  ///< none: it is silent
+    FadeCurve fadeCurve = FadeCurve::qsin;
     Music music{};
+    std::vector<LoudSpan> loud{};  ///< where music gives way, in order
     /// When, where and with which camera it was recorded: as of its first input that tells of it.
     std::map<std::string, std::string> tags{};
     /// The frame after each join is drawn by its transition too, at its very end.

@@ -7,12 +7,16 @@
 #include <vector>
 
 #include "media/canvas.h"
+#include "timeline/fade_curve.h"
 #include "timeline/time.h"
 
 namespace vantle {
 
 /// Reads `contain`, `cover` or `stretch`; none when the text is no way to fit.
 std::optional<Fit> parseFit(const std::string& text);
+
+/// Reads a factor (`0.5`) or decibels (`-6dB`), up to ten or 20 dB; none when the text is no such volume.
+std::optional<double> parseVolume(const std::string& text);
 
 /// One input and what of it is shown.
 struct Shot {
@@ -22,6 +26,7 @@ struct Shot {
     std::optional<Time> hold{};  ///< how long an endless input shows outside its joins
     std::optional<Fit> fit{};
     bool mute = false;
+    double volume = 1.0;  ///< a factor
 };
 
 /// How two shots meet.
@@ -32,9 +37,11 @@ struct Meeting {
 
 /// What lies under a film.
 struct Music {
-    std::string file{};   ///< empty: none
-    double volume = 1.0;  ///< 0 to 1
-    bool duck = false;    ///< quieter where inputs have audio
+    std::string file{};         ///< empty: none
+    std::optional<Time> in{};   ///< its start when absent
+    std::optional<Time> out{};  ///< exclusive; its end when absent
+    double volume = 1.0;        ///< a factor
+    bool duck = true;           ///< quieter where inputs are loud
 };
 
 /// Shots in order; meeting i lies between shots i and i + 1. A command line is one way to write this, a file
@@ -49,6 +56,8 @@ struct FilmRequest {
     Fit fit = Fit::contain;
     std::optional<std::uint32_t> seed{};  ///< what `random` follows from; 0 when absent
     bool mute = false;                    ///< leaves out the audio of all inputs
+    bool level = false;                   ///< brings all that is heard to one loudness
+    FadeCurve fadeCurve = FadeCurve::qsin;
     Music music{};
     std::optional<int> channels{};  ///< of the audio; those of the inputs where they agree, else 2
     bool shrink = false;            ///< overlaps that are too long for their inputs are shortened

@@ -20,6 +20,7 @@ struct Range {
 };
 
 constexpr std::int64_t endlessFrames = std::int64_t{1} << 40;
+constexpr int finestRate = 192'000;     // of audio
 constexpr double highestRate = 1000.0;  // as for --fps; damage and some raw streams state more
 
 std::string inSeconds(std::int64_t frames, AVRational rate) {
@@ -43,7 +44,9 @@ class Layout {
         film.sources = std::move(sources);
         film.drawsEnds = request.drawsEnds;
         film.music = request.music;
+        film.fadeCurve = request.fadeCurve;
         film.canvas = {canvasSize(), request.rate.value_or(commonRate(film.sources)), request.fit};
+        checkMusic();
         findRanges();
         findOverlaps();
         if (laid_.complaints.empty()) place();
@@ -66,6 +69,14 @@ class Layout {
         if (!request_.evenSize || (size.width % 2 == 0 && size.height % 2 == 0)) return size;
         if (request_.size) complain("--size: this kind of video needs an even width and height", true);
         return {std::max(size.width / 2 * 2, 2), std::max(size.height / 2 * 2, 2)};
+    }
+
+    void checkMusic() {
+        const Music& music = request_.music;
+        const AVRational rate = laid_.film.canvas.rate;
+        if (music.out &&
+            music.out->samples(rate, finestRate) <= music.in.value_or(Time{}).samples(rate, finestRate))
+            complain(music.file + ": out does not lie after in");
     }
 
     void findRanges() {
@@ -150,7 +161,7 @@ class Layout {
                         shot.hold.value_or(request_.hold.value_or(Time{1})).frames(film.canvas.rate),
                     1);
             film.parts.push_back({i, start, frames, ranges_[i].first, shot.fit.value_or(request_.fit),
-                                  source.audio && !shot.mute && !request_.mute});
+                                  source.audio && !shot.mute && !request_.mute, shot.volume});
             if (i == transitions_.size()) break;
             start += frames - after;
             film.joins.push_back({after > 0 ? transitions_[i] : std::nullopt, start, after});

@@ -29,6 +29,11 @@ std::int64_t Time::frames(AVRational rate) const {
     return inFrames ? av_rescale(value, 1, perUnit) : av_rescale(value, rate.num, perUnit * rate.den);
 }
 
+std::int64_t Time::samples(AVRational frameRate, int sampleRate) const {
+    return inFrames ? sampleOf(frames(frameRate), frameRate, sampleRate)
+                    : av_rescale(value, sampleRate, perUnit);
+}
+
 std::optional<Time> parseTime(const std::string& text) {
     constexpr std::size_t finest = 6;  // digits of a fraction
     std::string_view rest = text;

@@ -20,6 +20,9 @@ struct Time {
     /// In frames of a film, to the nearest one; a half goes up.
     std::int64_t frames(AVRational rate) const;
 
+    /// In samples, the same for frames of a film of this rate.
+    std::int64_t samples(AVRational frameRate, int sampleRate) const;
+
     /// The same in seconds or frames, as near as it can be.
     double number() const { return static_cast<double>(value) / static_cast<double>(perUnit); }
 
