@@ -6,9 +6,6 @@ extern "C" {
 #include <libavutil/parseutils.h>
 }
 
-#include <cmath>
-#include <cstdlib>
-
 namespace vantle {
 
 namespace {
@@ -35,15 +32,6 @@ Size parseSize(const std::string& text) {
 }
 
 }  // namespace
-
-// A range alone lets "nan" pass, which lies beyond neither bound.
-CLI::Validator within(double lowest, double highest) {
-    const auto isNumber = [](const std::string& text) {
-        return std::isnan(std::strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is no number"
-                                                              : std::string();
-    };
-    return CLI::Range(lowest, highest) & CLI::Validator(isNumber, "");
-}
 
 CLI::Validator aTime(double longest) {
     return {[longest](const std::string& text) {

@@ -12,9 +12,6 @@
 
 namespace vantle {
 
-/// Accepts the numbers of a range, and nothing else that reads as one.
-CLI::Validator within(double lowest, double highest);
-
 // What an option's value is, its type name says: FILE, TRANSITION and the words themselves are completed by
 // shells.
 

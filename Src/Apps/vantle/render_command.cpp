@@ -182,9 +182,12 @@ void addRenderCommand(CLI::App& app) {
             [&](const std::string& text) { request.film.music.volume = parseVolume(text).value_or(1.0); },
             "How loud it is: a factor, or decibels as -6dB (default: 1)")
         ->type_name("VOLUME")
-        ->check(aVolume());
-    command->add_flag("--music-duck", request.film.music.duck,
-                      "Lower it where inputs are loud: yes or no may follow (default: yes)");
+        ->check(aVolume())
+        ->needs("--music");
+    command
+        ->add_flag("--music-duck", request.film.music.duck,
+                   "Lower it where inputs are loud: yes or no may follow (default: yes)")
+        ->needs("--music");
     command
         ->add_option_function<std::string>(
             "--audio-curve",

@@ -92,6 +92,8 @@ class Layout {
                                         : ": hold is for stills; in and out say what of a clip is shown"));
         if (source.still && shot.in && !shot.out)
             complain(source.name + ": in is for clips; hold says how long a still shows");
+        if (shot.volume != 1.0 && !source.audio)
+            complain(source.name + ": has no audio whose volume could be changed");
         const std::int64_t length = source.endless ? endlessFrames : source.frames(rate);
         const std::string itsEnd = "its end, " + inSeconds(length, rate) + " (" + count(length) + ")";
         Range range{0, length};
