@@ -49,7 +49,7 @@ TEST(AudioGain, FadesOverJoinsAndLetsMusicGiveWay) {
         EXPECT_EQ(part(0, 0) + part(2, 5000) + part(2, 7999), 3.0F);
     }
     // Speech from 3.2 s on with a pause, up to a cut and 0.2 s beyond; a noise; and speech at the very end.
-    const auto tenths = [](std::vector<std::pair<int, double>> runs) {
+    const auto tenths = [](const std::vector<std::pair<int, double>>& runs) {
         Loudness loudness;
         for (const auto& [count, lufs] : runs)
             loudness.momentary.insert(loudness.momentary.end(), static_cast<std::size_t>(count), lufs);

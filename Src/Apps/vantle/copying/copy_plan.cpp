@@ -205,7 +205,7 @@ CopyPlan planCopy(const Film& film, const std::vector<CodedSource>& coded, const
     if (terms.audio)
         findAudio(plan, coded);
     else
-        plan.audioWhy.push_back("it is made by another encoder");
+        plan.audioWhy.emplace_back("it is made by another encoder");
     const auto isCopied = [](const std::shared_ptr<const CodedAudio>& audio) { return audio != nullptr; };
     if (std::ranges::any_of(plan.audio, isCopied)) plan.audioPlan = planAudio(film, plan.audio);
     return plan;
