@@ -89,9 +89,13 @@ void measureLoudness(OpenFilm& open, bool level, bool quiet) {
         const std::scoped_lock lock(guard);
         progress.update(++done);
     });
-    if (level)
-        for (std::size_t i = 0; i < film.parts.size(); ++i)
-            if (measured[i]) film.parts[i].volume *= factorToLevel(*measured[i]);
+    for (std::size_t i = 0; level && i < film.parts.size(); ++i) {
+        if (!measured[i]) continue;
+        film.parts[i].volume *= factorToLevel(*measured[i]);
+        if (measured[i]->integrated + Loudness::mostRaised < Loudness::wanted)
+            open.laid.notes.push_back(film.sourceOf(film.parts[i]).name +
+                                      ": is nearly silent, and stays quieter than the others");
+    }
     if (music) film.music.volume *= factorToLevel(*music);
     if (!film.music.file.empty() && film.music.duck) film.loud = loudSpans(film, measured);
 }

@@ -11,10 +11,8 @@
 namespace vantle {
 
 double factorToLevel(const Loudness& loudness) {
-    constexpr double wanted = -16.0;
-    constexpr double most = 30.0;
     constexpr double unheard = 0.1;  // not worth encoding audio anew
-    const double decibels = std::min(wanted - loudness.integrated, most);
+    const double decibels = std::min(Loudness::wanted - loudness.integrated, Loudness::mostRaised);
     if (loudness.integrated <= Loudness::silence || std::abs(decibels) < unheard) return 1.0;
     return std::pow(10.0, decibels / 20.0);
 }

@@ -14,11 +14,12 @@ struct Loudness {
     double integrated = silence;      ///< of all of it, but for its pauses
     std::vector<double> momentary{};  ///< of the 400 ms before each tenth of a second, from the first on
 
-    static constexpr double silence = -70.0;  ///< what is no louder is not counted
+    static constexpr double wanted = -16.0;     ///< at which films are heard
+    static constexpr double mostRaised = 30.0;  ///< dB, so that what is nearly silent stays so
+    static constexpr double silence = -70.0;    ///< what is no louder is not counted
 };
 
-/// The factor that brings audio to the loudness at which films are heard, -16 LUFS: by 30 dB at most, so that
-/// what is nearly silent stays so.
+/// The factor that brings audio to the wanted loudness, or as near as it may be raised.
 double factorToLevel(const Loudness& loudness);
 
 /// Where the inputs of a film are loud enough that music gives way: speech, and not the noise of a room.
