@@ -1,13 +1,17 @@
 /// Running the command line as its user does, on real files.
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,6 +20,8 @@
 #include <set>
 #include <string>
 #include <vector>
+
+#include "command_line.h"
 
 namespace tests {
 
@@ -30,17 +36,20 @@ struct Outcome {
     std::string text() const { return {output.begin(), output.end()}; }
 };
 
-inline Outcome shell(const std::string& command) {
+/// All that comes through a pipe, and how whoever writes into it ended, which `close` tells.
+template <typename Close>
+Outcome outcomeOf(FILE* pipe, Close close) {
     Outcome outcome;
-    FILE* const pipe = popen(command.c_str(), "r");
     std::array<std::uint8_t, 65536> block{};
     while (const std::size_t got = fread(block.data(), 1, block.size(), pipe))
         outcome.output.insert(outcome.output.end(), block.begin(), block.begin() + got);
-    const int status = pclose(pipe);
+    const int status = close(pipe);
     outcome.killed = WIFSIGNALED(status);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return outcome;
 }
+
+inline Outcome shell(const std::string& command) { return outcomeOf(popen(command.c_str(), "r"), pclose); }
 
 /// Decoded pictures, one after the other.
 struct Pictures {
@@ -67,8 +76,38 @@ class CommandTest : public testing::Test {
 
     std::string in(const std::string& command) const { return "cd '" + folder_.string() + "' && " + command; }
 
-    /// Runs vantle in the folder; standard error comes with the output.
-    Outcome vantle(const std::string& arguments) const { return shell(in(VANTLE " " + arguments + " 2>&1")); }
+    /// Runs vantle in the folder; standard error comes with the output. It runs in a copy of this process,
+    /// which has FFmpeg's two hundred libraries loaded: loading them takes longer than most commands do.
+    Outcome vantle(const std::string& arguments) const {
+        const bool isPlain = arguments.find_first_of("|<>;&") == std::string::npos;
+        if (!isPlain) return shell(in(VANTLE " " + arguments + " 2>&1"));
+        std::string words =
+            "vantle" + std::string(1, '\0') +
+            shell(in("set -- " + arguments + "; for word do printf '%s\\0' \"$word\"; done")).text();
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+        std::fflush(nullptr);
+        const pid_t child = fork();
+        if (child == 0) {
+            for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) dup2(ends[1], stream);
+            if (chdir(folder_.c_str()) != 0) _exit(126);
+            std::vector<char*> argv;
+            for (std::size_t at = 0; at < words.size(); at += std::strlen(&words[at]) + 1)
+                argv.push_back(&words[at]);
+            argv.push_back(nullptr);
+            const int status = ::vantle::commandLine(static_cast<int>(argv.size()) - 1, argv.data());
+            std::fflush(nullptr);
+            if (!SANITIZED) _exit(status);  // spares all that libraries tidy up
+            std::exit(status);              // looks for leaks first
+        }
+        close(ends[1]);
+        return outcomeOf(fdopen(ends[0], "r"), [child](FILE* pipe) {
+            int status = 0;
+            fclose(pipe);
+            waitpid(child, &status, 0);
+            return status;
+        });
+    }
 
     /// Runs vantle, and beside it `command` once something is half written, after a minute in any case: $$ is
     /// vantle there.
@@ -148,7 +187,7 @@ extern "C" int renameat2(int, const char* from, int, const char* to, unsigned fl
 
     /// What a film will be.
     nlohmann::json plan(const std::string& arguments) const {
-        const Outcome outcome = shell(in(VANTLE " render -q --plan --json " + arguments));
+        const Outcome outcome = vantle("render -q --plan --json " + arguments);
         EXPECT_EQ(outcome.status, 0) << arguments;
         return nlohmann::json::parse(outcome.text());
     }

@@ -267,8 +267,8 @@ class Verification {
                 const std::int64_t frame = frameOf(place);
                 const std::int64_t own = shown_.at(place).source;
                 const av::Frame picture = made.picture(timeAt(place), frame);
-                const bool compared = source || everything_ || plan_.isCompared(stretch, own);
-                const bool same = !compared || (source ? samePixels(*picture, *source->picture(own, frame))
+                const bool looksAt = source || everything_ || plan_.isCompared(stretch, own);
+                const bool same = !looksAt || (source ? samePixels(*picture, *source->picture(own, frame))
                                                        : alike(brightnessOf(*picture), drawn_.at(own)));
                 if (!same) fail("another picture shows in frame", frame);
             }

@@ -9,7 +9,7 @@ namespace vantle {
 namespace {
 
 volatile std::sig_atomic_t raised = 0;
-volatile std::sig_atomic_t first = 0;
+volatile std::sig_atomic_t firstRaised = 0;
 
 }  // namespace
 
@@ -18,7 +18,7 @@ void catchInterrupts() {
     action.sa_handler = [](int signal) {
         // Not the second: `timeout` and terminals may send the first one twice.
         if (raised == 2) std::signal(signal, SIG_DFL);
-        if (raised == 0) first = signal;
+        if (raised == 0) firstRaised = signal;
         raised = raised + 1;
     };
     for (const int signal : {SIGINT, SIGTERM, SIGXCPU}) sigaction(signal, &action, nullptr);
@@ -36,8 +36,8 @@ void throwIfInterrupted() {
 
 void endIfInterrupted() {
     if (!interrupted()) return;
-    std::signal(first, SIG_DFL);
-    std::raise(first);
+    std::signal(firstRaised, SIG_DFL);
+    std::raise(firstRaised);
 }
 
 }  // namespace vantle

@@ -61,10 +61,10 @@ class Layout {
 
     /// The size of the first input, unless another is asked for.
     Size canvasSize() {
-        const Source& first = laid_.film.sources.front();
-        Size size = request_.size.value_or(first.size);
+        const Source& model = laid_.film.sources.front();
+        Size size = request_.size.value_or(model.size);
         if (std::max(size.width, size.height) > largestSide)
-            complain(first.name + ": its pictures show at " + text(size) + ", and at most " +
+            complain(model.name + ": its pictures show at " + text(size) + ", and at most " +
                      std::to_string(largestSide) + " each can be rendered; --size makes them smaller");
         if (!request_.evenSize || (size.width % 2 == 0 && size.height % 2 == 0)) return size;
         if (request_.size) complain("--size: this kind of video needs an even width and height", true);
