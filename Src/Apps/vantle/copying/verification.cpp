@@ -269,7 +269,7 @@ class Verification {
                 const av::Frame picture = made.picture(timeAt(place), frame);
                 const bool looksAt = source || everything_ || plan_.isCompared(stretch, own);
                 const bool same = !looksAt || (source ? samePixels(*picture, *source->picture(own, frame))
-                                                       : alike(brightnessOf(*picture), drawn_.at(own)));
+                                                      : alike(brightnessOf(*picture), drawn_.at(own)));
                 if (!same) fail("another picture shows in frame", frame);
             }
         }
