@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "Host/error.h"
+#include "Host/fades.h"
 #include "Host/words.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/transitions.h"
@@ -82,17 +83,19 @@ Plugin::Plugin(const fs::path& library) {
                         " transitions, but has no record " + std::to_string(index));
         const std::string function = functionName(info->pfnTransition);
         const TransitionRow row = rowOf(function);
-        transitions_.push_back({index, textIn(info->szName), function, row.family, textIn(info->szGuid),
-                                row.sentence, info->pfnTransition});
+        joins_.push_back({index, textIn(info->szName), function, row.family, textIn(info->szGuid),
+                          row.sentence, info->pfnTransition});
     }
     for (const TransitionRow& row : transitionRows) {
         const bool catalogued =
-            std::ranges::find(transitions_, row.function, &Transition::function) != transitions_.end();
+            std::ranges::find(joins_, row.function, &Transition::function) != joins_.end();
         void* const draw = catalogued ? nullptr : symbol(mangled(row.function));
         if (draw != nullptr)
-            transitions_.push_back(
+            joins_.push_back(
                 {{}, {}, row.function, row.family, {}, row.sentence, reinterpret_cast<TransFunc*>(draw)});
     }
+    ownCount_ = joins_.size();
+    std::ranges::copy(fades(), std::back_inserter(joins_));
 }
 
 void* Plugin::symbol(const std::string& name) const { return dlsym(library_.get(), name.c_str()); }

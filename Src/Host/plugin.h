@@ -1,6 +1,7 @@
 /// A transition plug-in, loaded and read as any host does it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -43,10 +44,13 @@ class Plugin {
     explicit Plugin(const std::filesystem::path& library = {});
 
     /// The catalogue in its order, then the transitions that are exported without a record.
-    std::span<const Transition> transitions() const { return transitions_; }
+    std::span<const Transition> transitions() const { return std::span(joins_).first(ownCount_); }
 
-    /// `findTransition` among them.
-    const Transition& find(std::string_view wanted) const { return findTransition(transitions_, wanted); }
+    /// These and, after them, the host's own fades: all that can join two inputs.
+    std::span<const Transition> joins() const { return joins_; }
+
+    /// `findTransition` among the plug-in's.
+    const Transition& find(std::string_view wanted) const { return findTransition(transitions(), wanted); }
 
     /// Address of an exported symbol, or null.
     void* symbol(const std::string& name) const;
@@ -57,7 +61,8 @@ class Plugin {
     };
 
     std::unique_ptr<void, Close> library_;
-    std::vector<Transition> transitions_;
+    std::vector<Transition> joins_;
+    std::size_t ownCount_ = 0;  // of the plug-in
 };
 
 }  // namespace vantle

@@ -20,8 +20,11 @@ struct Meaning {
 constexpr Meaning meanings[] = {
     {{"none", "straight", "jump", "nothing"}, {"cut"}},
     {{"any", "shuffle", "surprise"}, {"random"}},
-    {{"crossfade", "fade", "mix", "blend", "melt"}, {"Dissolve 2", "Zoom"}},
-    {{"dissolve", "pixel", "sparkle", "noise", "grain", "dust"}, {"Dissolve 2"}},
+    {{"crossfade", "fade", "mix", "blend", "melt"}, {"fade", "Dissolve 2", "Zoom"}},
+    {{"black", "dip", "blackout"}, {"fade-black", "fade-white"}},
+    {{"white", "flash"}, {"fade-white", "fade-black"}},
+    {{"dissolve"}, {"fade", "Dissolve 2"}},
+    {{"pixel", "sparkle", "noise", "grain", "dust"}, {"Dissolve 2"}},
     {{"wipe", "smooth"}, {"Linear Wipe Right", "Linear Wipe Down", "Blind_1"}},
     {{"slide", "push", "cover", "reveal"}, {"Row_cos_slide", "Topple", "Deposit_up"}},
     {{"circle", "iris", "round", "disc", "ellipse", "oval"},

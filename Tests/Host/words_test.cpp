@@ -12,7 +12,8 @@ TEST(Words, LeadFromWhatPeopleSayToWhatThereIs) {
         const char* found;  ///< by one who searches for it
     };
     const Case cases[] = {
-        {"crossfade", "\"Dissolve 2\" or \"Zoom\"?", "Zoom, Dissolve 2, "},
+        {"crossfade", "\"fade\", \"Dissolve 2\" or \"Zoom\"?", "Zoom, Dissolve 2, fade, "},
+        {"fadetoblack", "\"fade-black\" or \"fade-white\"?", ""},
         {"IRIS", "\"Round_zoom_out\", \"Round_zoom_in\" or ",
          "Round_zoom_out, Round_zoom_in, TrRoundZoomIn2, TrCirqueZoomIn, "},
         {"wipeleft", "\"Linear Wipe Right\", ", "Linear Wipe Right, "},
@@ -26,11 +27,11 @@ TEST(Words, LeadFromWhatPeopleSayToWhatThereIs) {
     };
     for (const auto& [word, meant, found] : cases) {
         std::string all;
-        for (const vantle::Transition& transition : plugin.transitions())
+        for (const vantle::Transition& transition : plugin.joins())
             if (isFoundBy(transition, word)) all += shownName(transition) + ", ";
         EXPECT_EQ(all, found) << word;
         try {
-            plugin.find(word);
+            findTransition(plugin.joins(), word);
             ADD_FAILURE() << word;
         } catch (const vantle::UsageError& error) {
             EXPECT_NE(std::string(error.what()).find(meant), std::string::npos) << error.what();

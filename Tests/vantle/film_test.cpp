@@ -167,6 +167,17 @@ TEST_F(Films, ShowTheJoinThatIsAskedFor) {
     EXPECT_EQ(colours("at.png"), second);
     render("red.png +cut lime.png +3 blue.png +cut red.png --joins joins.png");
     EXPECT_EQ(colours("joins.png"), second);
+    for (const auto& [fade, middle] : {std::pair<std::string, Bytes>{"fade", {128, 0, 128}},
+                                       {"fade-black", {0, 0, 0}},
+                                       {"fade-white", {255, 255, 255}}}) {
+        for (const std::string at : {"0", "0.5", "1"})
+            render("red.png +" + fade + " blue.png --at " + at + " -o " + fade + at + ".png");
+        Bytes pixels = rgb(fade + "0.5.png");
+        pixels.resize(3);
+        EXPECT_EQ(pixels, middle) << fade;
+        EXPECT_EQ(rgb(fade + "0.png"), rgb("red.png"));
+        EXPECT_EQ(rgb(fade + "1.png"), rgb("blue.png"));
+    }
     // One of the transitions that end on FROM: what shows there is its last picture of the overlap.
     countingClip("clip.mp4", 25, 90);
     const std::string end = "clip.mp4 out=10f clip.mp4 -t 10 --duration 4f -o ";

@@ -149,7 +149,6 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
              {{"a", "in=1:2:3:4", "b"}, "is no time"},
              {{"a", "fit=tight", "b"}, "none of contain, cover, stretch"},
              {{"a", "mute=maybe", "b"}, "not yes or no"},
-             {{"a", "b"}, "-t NAME is missing"},
              {{"a", "start=2", "b"}, "start=2: neither a file nor a setting; an input has in, "},
          })
         try {

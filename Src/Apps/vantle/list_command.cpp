@@ -5,9 +5,11 @@
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "Host/fades.h"
 #include "Host/plugin.h"
 #include "Host/words.h"
 
@@ -48,18 +50,29 @@ void list(const ListOptions& options) {
     const Plugin loaded(options.plugin);
     std::string search;
     for (const std::string& word : options.search) search += (search.empty() ? "" : " ") + word;
-    std::vector<Transition> found;
-    std::ranges::copy_if(loaded.transitions(), std::back_inserter(found),
-                         [&](const Transition& transition) { return isFoundBy(transition, search); });
-    if (found.empty())
+    const auto foundIn = [&](std::span<const Transition> transitions) {
+        std::vector<Transition> found;
+        std::ranges::copy_if(transitions, std::back_inserter(found),
+                             [&](const Transition& transition) { return isFoundBy(transition, search); });
+        return found;
+    };
+    std::vector<Transition> found = foundIn(loaded.transitions());
+    const std::vector<Transition> own = foundIn(fades());
+    if (found.empty() && (own.empty() || options.json))
         found.push_back(loaded.find(search));  // by its index or GUID, or says what may be meant
     if (options.json) return listJson(found);
     const char* const line = "%5s  %-21s %-22s %-7s %-36s %s\n";
-    std::printf(line, "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID", "WHAT IT LOOKS LIKE");
+    if (!found.empty())
+        std::printf(line, "INDEX", "NAME", "FUNCTION", "FAMILY", "GUID", "WHAT IT LOOKS LIKE");
     for (const Transition& transition : found)
         std::printf(line, transition.index ? std::to_string(*transition.index).c_str() : "-",
                     orDash(transition.name), orDash(transition.function), transition.family.c_str(),
                     orDash(transition.guid), transition.sentence.c_str());
+    if (!own.empty())
+        std::printf("%sFades, which are in no catalogue, and which random does not draw:\n",
+                    found.empty() ? "" : "\n");
+    for (const Transition& transition : own)
+        std::printf("%5s  %-21s %s\n", "", transition.name.c_str(), transition.sentence.c_str());
 }
 
 }  // namespace

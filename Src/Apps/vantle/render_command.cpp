@@ -110,8 +110,7 @@ void takeMusicsOperands(RenderOptions& options, const CLI::App& command) {
 void run(RenderOptions options, const CLI::App& command) {
     FilmRequest& film = options.request.film;
     takeMusicsOperands(options, command);
-    refuseBareNames(options.operands, options.transitions,
-                    Plugin(options.request.delivery.plugin).transitions());
+    refuseBareNames(options.operands, options.transitions, Plugin(options.request.delivery.plugin).joins());
     options.request.notes = parseOperands(film, options.operands, options.transitions);
     if (options.sort) sortNaturally(film, options.operands);
     render(options.request);
@@ -137,12 +136,14 @@ void addRenderCommand(CLI::App& app) {
         "video (.mp4 .mkv .webm .mov .gif .webp, or - for standard output), numbered pictures\n"
         "(frame_%04d.png, .jpg) or, with --at, one picture.");
     command->add_option("IN", options.operands, "Two inputs or more, and how they meet")
-        ->type_name("FILE|+TRANSITION|+random|+cut")
+        ->type_name("FILE|+TRANSITION|+fade|+fade-black|+fade-white|+random|+cut")
         ->required();
     command
-        ->add_option("-t,--transition", options.transitions,
-                     "Catalogue name, index, GUID or function name, random or cut; several are taken in turn")
-        ->type_name("TRANSITION|random|cut")
+        ->add_option(
+            "-t,--transition", options.transitions,
+            "Catalogue name, index, GUID or function name, a fade, random or cut; several are taken in turn "
+            "(default: fade)")
+        ->type_name("TRANSITION|fade|fade-black|fade-white|random|cut")
         ->allow_extra_args(false)
         ->take_all();
     command->add_option("-o,--output", request.delivery.output, "What to write: its name says in which form")

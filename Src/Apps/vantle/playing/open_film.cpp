@@ -52,7 +52,7 @@ void OpenFilm::reportDamage() const {
 OpenFilm openFilm(const FilmRequest& request, const std::string& library, bool quiet) {
     Plugin plugin(library);
     std::vector<Complaint> unknown;
-    auto chosen = chooseTransitions(request, plugin.transitions(), unknown);
+    auto chosen = chooseTransitions(request, plugin.joins(), unknown);
     throwComplaints(unknown, true);
     auto inputs = openInputs(request.shots, quiet);
     std::vector<Source> sources;
@@ -60,7 +60,7 @@ OpenFilm openFilm(const FilmRequest& request, const std::string& library, bool q
     LaidOut laid = layOut(request, std::move(sources), std::move(chosen));
     std::vector<TransFunc*> transitions;
     for (const Join& join : laid.film.joins) {
-        const auto found = std::ranges::find(plugin.transitions(),
+        const auto found = std::ranges::find(plugin.joins(),
                                              join.transition ? join.transition->function : std::string(),
                                              &Transition::function);
         transitions.push_back(join.transition ? found->draw : nullptr);

@@ -150,9 +150,10 @@ std::vector<std::string> parseOperands(FilmRequest& film, const std::vector<std:
     std::set<std::size_t> taken;
     for (std::size_t i = 0; i < film.meetings.size(); ++i) {
         if (!film.meetings[i].transition.empty()) continue;
-        if (transitions.empty())
-            throw UsageError("-t NAME is missing: the transition from " + film.shots[i].file + " to " +
-                             film.shots[i + 1].file);
+        if (transitions.empty()) {
+            film.meetings[i].transition = "fade";
+            continue;
+        }
         const std::size_t turn = i % transitions.size();
         film.meetings[i].transition = named(transitions[turn]);
         taken.insert(turn);

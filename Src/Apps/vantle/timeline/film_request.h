@@ -31,7 +31,7 @@ struct Shot {
 
 /// How two shots meet.
 struct Meeting {
-    std::string transition{};  ///< catalogue name, index, GUID, function name, `random` or `cut`
+    std::string transition{};  ///< catalogue name, index, GUID, function name, a fade, `random` or `cut`
     std::optional<Time> duration{};
 };
 
