@@ -61,6 +61,10 @@ struct CodedAudio {
 /// copied.
 CodedAudio codedAudio(const Input& input);
 
+inline Colours coloursOf(const AVCodecParameters& parameters) {
+    return {parameters.color_primaries, parameters.color_trc, parameters.color_space, parameters.color_range};
+}
+
 /// A copy of a stream's description.
 av::Parameters copyOf(const AVCodecParameters& parameters);
 

@@ -31,14 +31,12 @@ std::string decibelText(double factor) {
 /// Why a clip's pictures cannot go into the film beside those of the model; empty when they can.
 std::string mismatch(const Source& source, const AVCodecParameters& parameters, const Source& modelSource,
                      const AVCodecParameters& model) {
-    const auto range = [](const AVCodecParameters& of) {
-        return of.color_range == AVCOL_RANGE_UNSPECIFIED ? AVCOL_RANGE_MPEG : of.color_range;
-    };
+    const Colours own = completed(coloursOf(parameters), parameters.height);
+    const Colours wanted = completed(coloursOf(model), model.height);
     if (parameters.codec_id != model.codec_id) return "its codec is not that of";
     if (parameters.format != model.format) return "its pixel format is not that of";
-    if (range(parameters) != range(model)) return "its range of colours is not that of";
-    if (parameters.color_space != model.color_space || parameters.color_primaries != model.color_primaries ||
-        parameters.color_trc != model.color_trc || parameters.chroma_location != model.chroma_location)
+    if (own.range != wanted.range) return "its range of colours is not that of";
+    if (own != wanted || parameters.chroma_location != model.chroma_location)
         return "its description of its colours is not that of";
     if (source.orientation != modelSource.orientation) return "it was held otherwise than";
     if (av_cmp_q(source.pixelAspect, modelSource.pixelAspect) != 0 || parameters.width != model.width ||

@@ -138,6 +138,11 @@ AVStream& FilmPictures::addTo(Muxer& muxer) const {
     std::ranges::copy(header, parameters->extradata);
     parameters->codec_tag = 0;
     parameters->video_delay = reorder_;
+    const Colours colours = completed(coloursOf(*parameters), parameters->height);
+    parameters->color_space = colours.space;
+    parameters->color_primaries = colours.primaries;
+    parameters->color_trc = colours.transfer;
+    parameters->color_range = colours.range;
     AVStream& stream = muxer.add(*parameters, timeBase(), plan_.film.canvas.rate);
     if (model.displayMatrix) muxer.turn(stream, *model.displayMatrix);
     return stream;

@@ -42,6 +42,25 @@ struct Colours {
     bool hdr() const { return transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67; }
 };
 
+/// Colours with what they leave open as players take it: the matrix by the height of the pictures, and the
+/// others by the matrix.
+inline Colours completed(Colours colours, int height) {
+    if (colours.space == AVCOL_SPC_UNSPECIFIED)
+        colours.space = height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    const bool isWide = colours.space == AVCOL_SPC_BT2020_NCL || colours.space == AVCOL_SPC_BT2020_CL;
+    const bool isPal = colours.space == AVCOL_SPC_BT470BG;
+    const bool isNtsc = colours.space == AVCOL_SPC_SMPTE170M || colours.space == AVCOL_SPC_FCC;
+    if (colours.primaries == AVCOL_PRI_UNSPECIFIED)
+        colours.primaries = isWide   ? AVCOL_PRI_BT2020
+                            : isPal  ? AVCOL_PRI_BT470BG
+                            : isNtsc ? AVCOL_PRI_SMPTE170M
+                                     : AVCOL_PRI_BT709;
+    if (colours.transfer == AVCOL_TRC_UNSPECIFIED)
+        colours.transfer = isPal || isNtsc ? AVCOL_TRC_SMPTE170M : AVCOL_TRC_BT709;
+    if (colours.range == AVCOL_RANGE_UNSPECIFIED) colours.range = AVCOL_RANGE_MPEG;
+    return colours;
+}
+
 /// The size and rate that all pictures of a rendering are brought to.
 struct Canvas {
     Size size;

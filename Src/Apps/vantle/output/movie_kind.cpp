@@ -82,8 +82,14 @@ void describeColours(AVCodecContext& codec, Colours like) {
     } else {
         // HDR becomes ordinary colours.
         if (like.hdr()) like = {AVCOL_PRI_BT709, AVCOL_TRC_BT709, AVCOL_SPC_BT709, AVCOL_RANGE_MPEG};
-        if (like.space == AVCOL_SPC_RGB)
-            like.space = codec.height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+        // Pictures from cameras and screens, as JPEG has them too.
+        const bool isJpeg = like.range == AVCOL_RANGE_JPEG && like.space == AVCOL_SPC_BT470BG;
+        if (like.space == AVCOL_SPC_RGB || isJpeg) {
+            like.space = AVCOL_SPC_UNSPECIFIED;
+            if (like.primaries == AVCOL_PRI_UNSPECIFIED) like.primaries = AVCOL_PRI_BT709;
+            if (like.transfer == AVCOL_TRC_UNSPECIFIED) like.transfer = AVCOL_TRC_BT709;
+        }
+        like = completed(like, codec.height);
         codec.color_range = AVCOL_RANGE_MPEG;
         codec.colorspace = like.space;
         codec.color_primaries = like.primaries;

@@ -160,7 +160,11 @@ av::Frame Input::decodeStored() {
     // What the container states of the pixels' shape goes before what the pictures do.
     const AVRational shape =
         av_guess_sample_aspect_ratio(&opened_->demuxer.container(), &opened_->reader->stream(), frame.get());
-    frame->sample_aspect_ratio = shape.num > 0 && shape.den > 0 ? shape : AVRational{1, 1};
+    // Square but for what rounding a width to whole pixels leaves is square.
+    const bool isStated = shape.num > 0 && shape.den > 0;
+    const bool isSquare =
+        !isStated || std::abs(av_rescale(frame->width, shape.num, shape.den) - frame->width) <= 1;
+    frame->sample_aspect_ratio = isSquare ? AVRational{1, 1} : shape;
     // A stream without a container, or one without times for delayed pictures: they follow each other.
     if (frame->pts == AV_NOPTS_VALUE) frame->pts = opened_->end;
     opened_->end = frame->pts + shownFor(av::duration(*frame));
