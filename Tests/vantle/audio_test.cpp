@@ -48,6 +48,17 @@ TEST(AudioGain, FadesOverJoinsAndLetsMusicGiveWay) {
         EXPECT_EQ(part(0, 3000) + part(1, 2000), 0.0F);
         EXPECT_EQ(part(0, 0) + part(2, 5000) + part(2, 7999), 3.0F);
     }
+    // The film's own fades: the first and the last frame are black, and the audio falls to its very end.
+    Film fading = film;
+    fading.fadeIn = 10;
+    fading.fadeOut = 25;
+    const FilmGain whole(fading, 1000);
+    for (const auto& [at, heard] : {std::pair{0, 0.0}, {100, 0.25}, {400, 1.0}, {6999, 1.0}, {7750, 0.25}})
+        EXPECT_NEAR(whole.at(at), heard, 1e-6) << at;
+    for (const auto& [frame, light] :
+         {std::pair{0.0, 0.0}, {5.0, 0.5}, {10.0, 1.0}, {174.0, 1.0}, {199.0, 0.0}})
+        EXPECT_EQ(fading.lightAt(frame), light) << frame;
+    EXPECT_EQ(film.lightAt(0) + film.lightAt(199) + FilmGain(film, 1000).at(7999), 3.0);
     // Speech from 3.2 s on with a pause, up to a cut and 0.2 s beyond; a noise; and speech at the very end.
     const auto tenths = [](const std::vector<std::pair<int, double>>& runs) {
         Loudness loudness;

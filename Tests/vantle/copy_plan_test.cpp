@@ -88,6 +88,12 @@ TEST(CopyPlan, CopiesWhatCanBeDecodedOnItsOwn) {
     CodedSource other = coded(25);
     std::const_pointer_cast<CodedPictures>(other.pictures)->parameters->format = AV_PIX_FMT_YUV444P;
     EXPECT_EQ(plan({other, coded(25)}), "a 0+90, encoded 90+100, b: its pixel format is not that of a, ");
+    // The film's own fades are encoded, within joins too.
+    Film fading = film(2);
+    fading.fadeIn = 30;
+    fading.fadeOut = 105;
+    EXPECT_EQ(text(planCopy(fading, {coded(25), coded(25)}, {}, [](const CopyPlan&) {})),
+              "seam 0+50, a 50+35, encoded 85+105, ");
     // What is faster than the film is left out, unless it is uneven and hardly faster.
     for (const auto& [rate, even, copies] : {std::tuple{AVRational{25001, 1000}, true, false},
                                              {{25001, 1000}, false, true},
@@ -152,6 +158,7 @@ TEST(AudioPlan, CopiesWhatIsHeardAloneInStepWithItsPictures) {
                              std::to_string(first));
                 Film made = film(4, rate);
                 made.audio = {sampleRate, 2};
+                if (first == 333) made.fadeIn = made.fadeOut = 20;
                 const auto sample = [&](std::int64_t at) { return sampleOf(at, rate, sampleRate); };
                 std::vector<std::shared_ptr<const CodedAudio>> audio;
                 for (std::size_t i = 0; i < 4; ++i)
@@ -174,7 +181,10 @@ TEST(AudioPlan, CopiesWhatIsHeardAloneInStepWithItsPictures) {
                     EXPECT_EQ(stretch.first * frame - meant, plan.delays[*stretch.part]);
                     EXPECT_GE(stretch.source, 0);
                     EXPECT_LE(stretch.source + stretch.aacFrames, audio[*stretch.part]->packets);
-                    // No copied AAC frame reaches into a join, over which it fades.
+                    // No copied AAC frame reaches into a join, over which it fades, or into the film's fades.
+                    EXPECT_TRUE(made.fadeIn == 0 || stretch.first * frame >= sample(20));
+                    EXPECT_TRUE(made.fadeOut == 0 ||
+                                (stretch.end() + 1) * frame <= sample(made.frames() - 20));
                     EXPECT_TRUE(*stretch.part == 3 || (stretch.end() + 1) * frame <= sample(part.end() - 10));
                     EXPECT_TRUE(*stretch.part == 0 || stretch.first * frame >= sample(part.start + 10));
                 }

@@ -208,6 +208,12 @@ TEST(FilmDescription, AreLaidOutFrameByFrame) {
         EXPECT_EQ(text(laidOut(film(operands, {"Row"}), clips)), laid);
 
     EXPECT_EQ(
+    FilmRequest fading = film({"a", "b", "c"}, {"Row"});
+    fading.fadeIn = *parseTime("5");
+    fading.fadeOut = *parseTime("2100ms");
+    EXPECT_EQ(text(laidOut(fading, clips)),
+              "--fade-in and --fade-out take 213 frames (7.10 s) together, and the film has 211 frames (7.03 "
+              "s); ");
         text(laidOut(film({"a", "hold=1", "x", "in=1", "y", "hold=1", "out=2"}, {"Row"}),
                      {clips[0], still("x"), still("y")})),
         "a: hold is for stills; in and out say what of a clip is shown; x: in is for clips; hold says how "

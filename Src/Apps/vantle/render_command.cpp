@@ -160,6 +160,15 @@ void addRenderCommand(CLI::App& app) {
                 return parseTime(text) ? std::string() : "\"" + text + "\" is no time (as 2.5 or 12f)";
             },
             ""));
+    const auto addFade = [&](const std::string& name, std::optional<Time>& fade, const std::string& meaning) {
+        command
+            ->add_option_function<std::string>(
+                name, [&fade](const std::string& text) { fade = timeOf(text); }, meaning)
+            ->type_name("TIME")
+            ->check(aTime(3600.0));
+    };
+    addFade("--fade-in", request.film.fadeIn, "How long the film takes from black and silence");
+    addFade("--fade-out", request.film.fadeOut, "How long it takes to black and silence at its end");
     command->add_option("--seed", request.film.seed,
                         "What -t random follows from (default: another each time)");
     command

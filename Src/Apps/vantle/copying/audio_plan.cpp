@@ -42,12 +42,13 @@ AudioPlan planAudio(const Film& film, const std::vector<std::shared_ptr<const Co
         const std::int64_t meant = sample(part.start) + coded.first - shown;
         const std::int64_t first = aacFrameAt(meant);
         plan.delays[number] = first * CodedAudio::frameSamples - meant;
-        // It fades over its joins, also beside one that is silent.
-        const std::int64_t cleanFrom =
+        // It fades over its joins, also beside one that is silent, and with the film.
+        std::int64_t cleanFrom =
             number == 0 ? -CodedAudio::frameSamples : sample(film.joins[number - 1].end());
-        const std::int64_t cleanTo = number == film.joins.size()
-                                         ? std::numeric_limits<std::int64_t>::max() / 2
-                                         : sample(film.joins[number].start);
+        if (film.fadeIn > 0) cleanFrom = std::max(cleanFrom, sample(film.fadeIn));
+        std::int64_t cleanTo = number == film.joins.size() ? std::numeric_limits<std::int64_t>::max() / 2
+                                                           : sample(film.joins[number].start);
+        if (film.fadeOut > 0) cleanTo = std::min(cleanTo, sample(film.frames() - film.fadeOut));
         const std::int64_t from =
             std::max({av_rescale_rnd(cleanFrom, 1, CodedAudio::frameSamples, AV_ROUND_UP), first, next});
         const std::int64_t to =

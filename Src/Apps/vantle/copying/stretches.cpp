@@ -88,8 +88,10 @@ class Layout {
     void lay(std::size_t number) {
         const Part& part = film_.parts[number];
         const CodedPictures& coded = *pictures_[number];
-        const std::int64_t from = number > 0 ? film_.joins[number - 1].end() : 0;
-        const std::int64_t to = number < film_.joins.size() ? film_.joins[number].start : part.end();
+        const std::int64_t from = std::max(film_.fadeIn, number > 0 ? film_.joins[number - 1].end() : 0);
+        const std::int64_t to =
+            std::min(film_.frames() - film_.fadeOut,
+                     number < film_.joins.size() ? film_.joins[number].start : part.end());
         const std::int64_t offset = part.offset();
         std::optional<std::size_t> start = randomAccessFrom(coded, from - offset, to - offset);
         if (start && isLoneFrame(coded.pictures[*start].number + offset))

@@ -27,6 +27,7 @@ AudioMix::AudioMix(const OpenFilm& open, const AudioFormat& format, std::int64_t
       frameSamples_(format.frameSamples),
       alone_(alone),
       musicGain_(film_, format.sampleRate),
+      filmGain_(film_, format.sampleRate),
       limiter_(format_),
       output_(*silence(format_, 1), {1, format.sampleRate}, {toFormat(format)}),
       begin_(first),
@@ -53,6 +54,7 @@ void AudioMix::advance(std::int64_t frame) {
     }
     players_.remove_if([&](const Player& player) { return sample(film_.parts[player.part].end()) <= end; });
     if (music_) addMusic(*mix);
+    fade(*mix);
     mix->pts = next_ - begin_;
     next_ = end;
     limiter_.push(std::move(mix));
@@ -99,6 +101,12 @@ void AudioMix::addMusic(AVFrame& mix) {
         for (int number = 0; number < format_.channels; ++number)
             channel(mix, number)[i] += channel(*audio, number)[i] * gain;
     }
+}
+
+void AudioMix::fade(AVFrame& mix) const {
+    for (int i = 0; i < mix.nb_samples; ++i)
+        if (const float gain = filmGain_.at(next_ + i); gain < 1.0F)
+            for (int number = 0; number < format_.channels; ++number) channel(mix, number)[i] *= gain;
 }
 
 av::Frame AudioMix::pull() { return frameSamples_ > 0 ? output_.pullSamples(frameSamples_) : output_.pull(); }

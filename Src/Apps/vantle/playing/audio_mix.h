@@ -50,6 +50,7 @@ class AudioMix {
     std::int64_t sample(std::int64_t frame) const;
     void addPart(AVFrame& mix, std::size_t number);
     void addMusic(AVFrame& mix);
+    void fade(AVFrame& mix) const;
     void passOn();
 
     const OpenFilm& open_;
@@ -61,6 +62,7 @@ class AudioMix {
     std::list<Player> players_;
     std::optional<MusicReader> music_;
     MusicGain musicGain_;
+    FilmGain filmGain_;
     Limiter limiter_;
     Filters output_;      // to the encoder's format
     std::int64_t begin_;  // the film's first sample that is wanted

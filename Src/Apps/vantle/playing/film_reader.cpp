@@ -21,6 +21,7 @@ FilmReader::FilmReader(const OpenFilm& open, std::int64_t first, bool audio)
 Moment FilmReader::next() {
     const std::int64_t frame = frame_++;
     Moment moment;
+    moment.light = film_.lightAt(static_cast<double>(frame));
     for (std::size_t i = 0; i < film_.joins.size(); ++i) {
         const Join& join = film_.joins[i];
         if (!join.transition) continue;
@@ -90,7 +91,8 @@ std::vector<Moment> momentsOf(const OpenFilm& open, std::size_t number,
             for (; next[side] <= wanted; ++next[side]) pictures[side] = clips[side]->next();
         }
         moments.push_back({av::share(*pictures[0]), av::share(*pictures[1]), open.transitions[number], drawn,
-                           static_cast<double>(join.frames)});
+                           static_cast<double>(join.frames),
+                           film.lightAt(static_cast<double>(join.start) + drawn)});
     }
     return moments;
 }

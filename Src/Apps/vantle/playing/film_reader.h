@@ -18,6 +18,7 @@ struct Moment {
     TransFunc* transition = nullptr;
     double position = 0.0;  ///< in frames of the join
     double duration = 0.0;
+    double light = 1.0;  ///< how bright it shows: less than 1 where the film fades
 };
 
 /// The pictures of a film, frame by frame. At most two inputs are open at a time: one is closed when its part

@@ -1,5 +1,7 @@
 #include "playing/painter.h"
 
+#include "Host/fades.h"
+
 namespace vantle {
 
 namespace {
@@ -19,8 +21,11 @@ std::shared_ptr<const Image> ImageLoader::load(const AVFrame& picture) {
 }
 
 void draw(const Moment& moment, ImageLoader& from, ImageLoader& to, DIImage out) {
-    drawTransition(moment.transition, out, from.load(*moment.picture)->get(),
-                   to.load(*moment.incoming)->get(), moment.position, moment.duration);
+    if (moment.transition != nullptr)
+        drawTransition(moment.transition, out, from.load(*moment.picture)->get(),
+                       to.load(*moment.incoming)->get(), moment.position, moment.duration);
+    if (moment.light < 1.0)
+        drawDimmed(out, moment.transition != nullptr ? out : from.load(*moment.picture)->get(), moment.light);
 }
 
 Painter::Painter(Size size, const PictureFormat& format)
@@ -33,7 +38,7 @@ Painter::Painter(Size size, const PictureFormat& format)
 
 av::Frame Painter::paint(const Moment& moment) {
     PixelView view = viewOf(*moment.picture);
-    if (moment.transition != nullptr) {
+    if (moment.transition != nullptr || moment.light < 1.0) {
         draw(moment, from_, to_, out_.get());
         view = viewOf(out_.get());
     } else if (view.format == format_.pixels && view.space == format_.space && view.range == format_.range) {

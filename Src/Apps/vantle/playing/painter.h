@@ -24,11 +24,11 @@ class ImageLoader {
     av::Frame held_;  // keeps the picture's memory, so that the same memory means the same picture
 };
 
-/// Draws a moment of a join onto `out`.
+/// Draws a moment of a join, or of a fade of the film, onto `out`.
 void draw(const Moment& moment, ImageLoader& from, ImageLoader& to, DIImage out);
 
 /// Turns moments of a film into pictures for a writer: those of one input as they are, those of a join drawn
-/// by its transition.
+/// by its transition, and where the film fades dimmed.
 class Painter {
    public:
     Painter(Size size, const PictureFormat& format);

@@ -137,6 +137,8 @@ void printJson(const CopyPlan& copies, const std::optional<Estimate>& estimate,
     plan["width"] = film.canvas.size.width;
     plan["height"] = film.canvas.size.height;
     plan["rate"] = std::to_string(film.canvas.rate.num) + "/" + std::to_string(film.canvas.rate.den);
+    if (film.fadeIn > 0) plan["fadeIn"] = film.fadeIn;
+    if (film.fadeOut > 0) plan["fadeOut"] = film.fadeOut;
     Json& timeline = plan["timeline"] = Json::array();
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         timeline.push_back(inputEntry(copies, i));
@@ -193,6 +195,8 @@ void printPlan(const CopyPlan& plan, const std::optional<Estimate>& estimate,
     std::printf("\n%s, %s, %dx%d, %g frames per second\n", counted(film.frames()).c_str(),
                 clock(seconds(film.frames(), film)).c_str(), film.canvas.size.width, film.canvas.size.height,
                 av_q2d(film.canvas.rate));
+    if (film.fadeIn > 0) std::printf("Fades in over %s\n", counted(film.fadeIn).c_str());
+    if (film.fadeOut > 0) std::printf("Fades out over %s\n", counted(film.fadeOut).c_str());
     if (const std::int64_t copied = plan.copied(); copied > 0) {
         std::printf("Copied: %s (%.1f %%), %s; the others are encoded\n", counted(copied).c_str(),
                     100.0 * share(copied, film), copiedRanges(plan.stretches).c_str());

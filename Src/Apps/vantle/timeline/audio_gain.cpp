@@ -32,9 +32,20 @@ float PartGain::at(std::int64_t sample) const {
     return static_cast<float>(volume_ * rise_.risen(sample) * fall_.fallen(sample));
 }
 
+FilmGain::FilmGain(const Film& film, int sampleRate) {
+    const std::int64_t end = film.frames();
+    const auto sample = [&](std::int64_t frame) { return sampleOf(frame, film.canvas.rate, sampleRate); };
+    rise_ = {0, sample(film.fadeIn)};
+    fall_ = {sample(end - film.fadeOut), sample(end) - sample(end - film.fadeOut)};
+}
+
+float FilmGain::at(std::int64_t sample) const {
+    return static_cast<float>(rise_.risen(sample) * fall_.fallen(sample));
+}
+
 MusicGain::MusicGain(const Film& film, int sampleRate)
     : volume_(film.music.volume), attack_(sampleRate / 2), release_(sampleRate) {
-    const std::int64_t fade = 2 * std::int64_t{sampleRate};
+    const std::int64_t fade = film.fadeOut > 0 ? 0 : 2 * std::int64_t{sampleRate};
     end_ = {sampleOf(film.frames(), film.canvas.rate, sampleRate) - fade, fade};
     constexpr AVRational milliseconds{1000, 1};
     for (const LoudSpan& span : film.loud)

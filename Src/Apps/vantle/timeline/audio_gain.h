@@ -38,7 +38,20 @@ class PartGain {
     Slope fall_;
 };
 
-/// The gain of the music: its volume, less where inputs are loud, and falling at the film's end.
+/// The gain of the whole film: it rises and falls with the film's own fades.
+class FilmGain {
+   public:
+    FilmGain(const Film& film, int sampleRate);
+
+    float at(std::int64_t sample) const;
+
+   private:
+    Slope rise_;
+    Slope fall_;
+};
+
+/// The gain of the music: its volume, less where inputs are loud, and falling at the film's end, unless all
+/// of it does.
 class MusicGain {
    public:
     MusicGain(const Film& film, int sampleRate);

@@ -81,8 +81,13 @@ struct Film {
     std::map<std::string, std::string> tags{};
     /// The frame after each join is drawn by its transition too, at its very end.
     bool drawsEnds = false;
+    std::int64_t fadeIn = 0;   ///< frames over which it comes from black and silence; the first is black
+    std::int64_t fadeOut = 0;  ///< frames over which it goes there; the last is black
 
     std::int64_t frames() const { return parts.back().end(); }
+
+    /// How bright a frame shows, 0 to 1, or what lies between two: 1 but for the film's own fades.
+    double lightAt(double frame) const;
     const Source& sourceOf(const Part& part) const { return sources[part.source]; }
 };
 

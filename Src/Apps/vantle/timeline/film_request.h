@@ -62,6 +62,8 @@ struct FilmRequest {
     std::optional<int> channels{};  ///< of the audio; those of the inputs where they agree, else 2
     bool shrink = false;            ///< overlaps that are too long for their inputs are shortened
     bool drawsEnds = false;         ///< see Film
+    std::optional<Time> fadeIn{};   ///< from black and silence, of the whole film
+    std::optional<Time> fadeOut{};  ///< to black and silence
     bool evenSize = false;          ///< the pixel format halves the chroma
 };
 

@@ -209,6 +209,7 @@ AVRational commonRate(std::span<const Source> sources) {
     return {30, 1};
 }
 
+        findFades();
 std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& request,
                                                              std::span<const Transition> catalogue,
                                                              std::vector<Complaint>& complaints) {
@@ -216,6 +217,17 @@ std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& 
     std::vector<Transition> known(catalogue.begin(), catalogue.end());
     for (const char* const word : {"cut", "random"}) known.emplace_back().name = word;
     std::vector<const Transition*> chosen;
+    void findFades() {
+        Film& film = laid_.film;
+        const AVRational rate = film.canvas.rate;
+        film.fadeIn = request_.fadeIn.value_or(Time{}).frames(rate);
+        film.fadeOut = request_.fadeOut.value_or(Time{}).frames(rate);
+        if (const std::int64_t both = film.fadeIn + film.fadeOut; both > film.frames())
+            complain("--fade-in and --fade-out take " + count(both) + " (" + inSeconds(both, rate) +
+                     ") together, and the film has " + count(film.frames()) + " (" +
+                     inSeconds(film.frames(), rate) + ")");
+    }
+
     for (const Meeting& meeting : request.meetings) {
         const bool isOpen = meeting.transition == "cut" || meeting.transition == "random";
         const Transition* found = nullptr;
