@@ -61,7 +61,7 @@ TEST_F(Command, RefusesBadInputInOneLineAndLeavesNothing) {
         {"7.png still.png -t 0 -o %d.png --force", 1, "7.png is an input"},
         {"still.png 7.png -t 0 --joins 7.png --force", 1, "7.png is an input"},
         {"clip.mp4 clip.mp4 -t 0 -o pipe.mp4 --force", 1, "pipe.mp4 is not a regular file"},
-        {"lavfi:nullsrc=s=20000x2:d=1 clip.mp4 -t 0 -o out.mp4", 1, "20000x2"},
+        {"lavfi:nullsrc=s=20000x2:d=1 clip.mp4 -t 0 -o out.mp4 --size first", 1, "20000x2"},
         {"lavfi:nonsense clip.mp4 -t 0 -o out.mp4", 1, "lavfi:nonsense: "},
         {"clip.mp4 clip.mp4 -t 0 -o there.mp4", 1, "--force"},
         {"clip.mp4 clip.mp4 -t 0 -o folder/none/out.mp4", 1, "No such file"},

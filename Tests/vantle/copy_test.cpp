@@ -193,7 +193,7 @@ TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {
                                      {"plain.avi", "is no .mp4"},
                                      {"turned.mp4", "held otherwise than plain.mp4"},
                                      {"still.png", "is no clip"},
-                                     {"lavfi:testsrc2=s=160x96:r=25:d=2", "is no clip"}}) {
+                                     {"lavfi:testsrc2=s=160x96:r=30:d=2", "is no clip"}}) {
         const std::string film = std::string("plain.mp4 ") + name + " -t 0 --duration 0.5";
         const Outcome refused = vantle("render " + film + " --copy always -o a.mp4");
         EXPECT_EQ(refused.status, 1);
@@ -213,7 +213,7 @@ TEST_F(Copies, AreLeftWhereAConditionFailsAndItIsSaidWhich) {
             EXPECT_NE(planned["warnings"].back().get<std::string>().find(says), std::string::npos);
         }
     }
-    EXPECT_EQ(plan("still.png lavfi:color=red -t 0 -o a.mp4")["warnings"].size(), 0U);
+    EXPECT_EQ(plan("still.png lavfi:color=red:s=160x96 -t 0 -o a.mp4")["warnings"].size(), 0U);
     for (const std::string options :
          {"--copy never", "--encoder-option crf=30", "--size 80x48", "--encoder libx265"})
         EXPECT_EQ(plan("plain.mp4 plain.mp4 -t 0 -o a.mp4 " + options)["copiedShare"], 0.0) << options;

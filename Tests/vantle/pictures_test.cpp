@@ -29,8 +29,10 @@ class PicturesAsMeant : public CommandTest {
    protected:
     /// The first frame of a rendering that starts with an input: its size, and the colours of its quarters.
     std::string shown(const std::string& input, const std::string& options = "") const {
-        render(input + " lavfi:testsrc2=s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 -f -o first_%d.png " +
-               options);
+        render(
+            input +
+            " lavfi:testsrc2=s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 --size first -f -o first_%d.png " +
+            options);
         const std::string size = probe("first_0.png", "stream=width,height");
         const Bytes pixels = rgb("first_0.png");
         const auto width = static_cast<std::size_t>(std::stoi(size));
@@ -86,7 +88,8 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
 
     // One grey and one colour, coded in every way: they look the same, in pictures and in video.
     const auto firstPixel = [&](const std::string& input, const std::string& output) {
-        render(input + " lavfi:color=c=0xA05028:s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 -f -o " +
+        render(input +
+               " lavfi:color=c=0xA05028:s=64x32:d=1 -t 0 --duration 0.2 --frames 0-0 --size first -f -o " +
                output);
         const Bytes pixels = rgb(output.find('%') != std::string::npos ? "out_0.png" : output);
         return std::array{pixels.at(0), pixels.at(1), pixels.at(2)};

@@ -96,7 +96,8 @@ TEST_F(Render, CrossfadesAudioInStepWithThePictures) {
 TEST_F(Render, WritesNumberedPicturesOfStills) {
     ffmpeg("-f lavfi -i gradients=s=101x75:c0=red:c1=blue:x0=50:y0=0:x1=50:y1=74 -frames:v 1 from.png");
     ffmpeg("-f lavfi -i testsrc=s=202x150 -frames:v 1 -q:v 2 to.jpg");
-    render("from.png to.jpg -t 2 --duration 0.2 -o f_%03d.png");  // 30 per second: 6 frames and the end
+    render("from.png to.jpg -t 2 --duration 0.2 --size first -o f_%03d.png");  // 30 per second: 6 frames and
+                                                                               // the end
     EXPECT_EQ(files(), (std::set<std::string>{"from.png", "to.jpg", "f_000.png", "f_001.png", "f_002.png",
                                               "f_003.png", "f_004.png", "f_005.png", "f_006.png"}));
     EXPECT_EQ(rgb("f_000.png"), rgb("from.png"));
@@ -104,7 +105,7 @@ TEST_F(Render, WritesNumberedPicturesOfStills) {
     render("from.png to.jpg -t col_VANTLE --duration 0.2 --at 0.5 -o name.png");
     render("from.png to.jpg -t trcolvantle --duration 0.2 --frames 3-3 -o n_%d.png");
     render("from.png to.jpg -t 25045aaa-9aca-445C-B24C-21052C9B8D27 --at 0.5 -o guid.png");
-    render("from.png to.jpg -t 1 --at 1 -o end.png");
+    render("from.png to.jpg -t 1 --at 1 --size first -o end.png");
     EXPECT_EQ(contents("name.png"), contents("n_3.png"));
     EXPECT_EQ(contents("name.png"), contents("guid.png"));
     EXPECT_EQ(rgb("end.png"), rgb("f_006.png"));
@@ -114,14 +115,14 @@ TEST_F(Render, WritesNumberedPicturesOfStills) {
     EXPECT_NE(rgb("end.png"), rgb("name.png"));
 
     // A sequence reads as a video; a video of odd pictures gets an even size.
-    render("f_%03d.png to.jpg -t 0 --fps 25 --duration 0.16 -o back.mp4");
+    render("f_%03d.png to.jpg -t 0 --fps 25 --size first --duration 0.16 -o back.mp4");
     EXPECT_EQ(probe("back.mp4", "stream=width,height,nb_read_frames"), "100,74,32");  // 7 + 25 held
 }
 
 TEST_F(Render, WritesEveryKindOfVideoFromGeneratedSources) {
     const std::string film =
         "lavfi:testsrc2=s=128x72:r=25 lavfi:smptebars=s=96x72:r=25:d=0.8 -t 1 "
-        "--duration 0.4 --hold 0.2 -o ";
+        "--size first --duration 0.4 --hold 0.2 -o ";
     for (const auto& [name, codec] :
          {std::pair{"a.mkv", "h264"}, {"a.mov", "h264"}, {"a.webm", "vp9"}, {"a.gif", "gif"}}) {
         render(film + name);

@@ -11,6 +11,7 @@
 #include "reading/bare_names.h"
 #include "reading/operands.h"
 #include "timeline/chapters.h"
+#include "timeline/film_shape.h"
 #include "timeline/lay_out.h"
 #include "timeline/pace.h"
 
@@ -207,13 +208,13 @@ TEST(FilmDescription, AreLaidOutFrameByFrame) {
          })
         EXPECT_EQ(text(laidOut(film(operands, {"Row"}), clips)), laid);
 
-    EXPECT_EQ(
     FilmRequest fading = film({"a", "b", "c"}, {"Row"});
     fading.fadeIn = *parseTime("5");
     fading.fadeOut = *parseTime("2100ms");
     EXPECT_EQ(text(laidOut(fading, clips)),
               "--fade-in and --fade-out take 213 frames (7.10 s) together, and the film has 211 frames (7.03 "
               "s); ");
+    EXPECT_EQ(
         text(laidOut(film({"a", "hold=1", "x", "in=1", "y", "hold=1", "out=2"}, {"Row"}),
                      {clips[0], still("x"), still("y")})),
         "a: hold is for stills; in and out say what of a clip is shown; x: in is for clips; hold says how "
@@ -242,6 +243,9 @@ TEST(FilmDescription, AreLaidOutFrameByFrame) {
 
 TEST(FilmDescription, HaveTheSizeRateAndAudioThatTheirInputsAgreeOn) {
     FilmRequest request = film({"x", "b", "c"}, {"Row"});
+    EXPECT_EQ(laidOut(request, {still("x"), clip("b", 3000), clip("c", 3000)}).film.canvas.size,
+              (Size{640, 360}));
+    request.firstSize = true;
     Film laid = laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film;
     EXPECT_EQ(laid.canvas.size, (Size{4001, 3001}));
     EXPECT_EQ(av_cmp_q(laid.canvas.rate, {30, 1}), 0);
@@ -258,12 +262,70 @@ TEST(FilmDescription, HaveTheSizeRateAndAudioThatTheirInputsAgreeOn) {
     EXPECT_FALSE(laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film.audio);
     request.music.file = "song";
     EXPECT_EQ(laidOut(request, {still("x"), clip("b", 3000, 1), clip("c", 3000, 6)}).film.audio->channels, 2);
+    request.firstSize = false;
     request.size = Size{641, 360};
     EXPECT_EQ(text(laidOut(request, {still("x"), clip("b", 3000), clip("c", 3000)})),
               "--size: this kind of video needs an even width and height; ");
     // Where the first time lies between two pictures none is lost or shown twice.
     EXPECT_EQ(clip("a", 3500).startSample(48000), 1008);
     EXPECT_EQ(clip("a", 42).frames({24, 1}), 1);
+}
+
+TEST(FilmShape, IsThatOfMostOfTheFilmAndTakesThePlayersLimits) {
+    const AVRational none{0, 1}, pal{25, 1}, ntsc{30000, 1001}, film{24000, 1001}, sixty{60, 1};
+    const Size hd{1920, 1080}, small{1280, 720}, upright{1080, 1920}, photo{4000, 3000};
+    const ShapeWish video{.isVideo = true}, copied{.isVideo = true, .copies = true};
+    struct Case {
+        std::vector<Showing> inputs;
+        ShapeWish wish;
+        const char* shape;
+    };
+    for (const auto& [inputs, wish, shape] : std::vector<Case>{
+             // All agree: nothing is told.
+             {{{small, pal, 9}, {small, pal, 1}}, video, "1280x720 25/1 "},
+             {{{photo, none, 1}, {photo, none, 1}}, {}, "4000x3000 30/1 "},
+             {{{photo, none, 1}, {photo, none, 1}}, {.size = photo, .isVideo = true}, "4000x3000 30/1 "},
+             {{{{7680, 4320}, {120, 1}, 5}}, video, "7680x4320 120/1 "},
+             // Photos become no larger than what players take, and size follows from a quarter.
+             {{{photo, none, 1}, {photo, none, 1}},
+              video,
+              "2880x2160 30/1 2880x2160 (the largest size that "},
+             {{{small, pal, 7}, {hd, pal, 3}}, video, "1920x1080 25/1 1920x1080 (the largest size that a "},
+             {{{small, pal, 8}, {hd, pal, 2}}, video, "1280x720 25/1 1280x720 (the largest size that a "},
+             {{{hd, pal, 2}, {upright, pal, 3}}, video, "1080x1920 25/1 1080x1920 (the shape of most of it)"},
+             {{{photo, none, 9}, {{4096, 2160}, pal, 10}},
+              video,
+              "4096x2160 25/1 4096x2160 (the shape of mo"},
+             // The highest rate that more than a tenth has; none above 60, and none that is odd.
+             {{{hd, film, 8}, {hd, ntsc, 2}}, video, "1920x1080 30000/1001 29.97 frames per second (as th"},
+             {{{hd, film, 9}, {hd, ntsc, 1}}, video, "1920x1080 24000/1001 23.976 frames per second (as t"},
+             {{{hd, {240, 1}, 5}, {hd, pal, 5}}, video, "1920x1080 60/1 60 frames per second (as the "},
+             {{{hd, {881, 30}, 5}, {hd, pal, 5}},
+              video,
+              "1920x1080 30000/1001 29.97 frames per second (as t"},
+             {{{hd, {881, 30}, 5}, {hd, pal, 5}}, {.rate = pal}, "1920x1080 25/1 "},
+             // What most is copied with, where all clips may be; photos never are.
+             {{{small, pal, 6, true}, {hd, sixty, 2, true}, {photo, none, 1}, {hd, sixty, 1}},
+              copied,
+              "1280x720 25/1 1280x720 at 25 frames per second (so that most"},
+             {{{small, pal, 6, true}, {hd, sixty, 4, false}},
+              copied,
+              "1920x1080 60/1 1920x1080 (the largest"},
+             {{{small, pal, 5, true}, {hd, sixty, 5, true}}, copied, "1920x1080 60/1 1920x1080 (the largest"},
+             {{{hd, ntsc, 4, true}, {hd, {30, 1}, 5, true}},
+              copied,
+              "1920x1080 30/1 1920x1080 at 30 frames "},
+             // So many lines, or columns.
+             {{{small, pal, 9}, {upright, pal, 1}}, {.lines = 480}, "854x480 25/1 "},
+             {{{small, pal, 1}, {upright, pal, 9}}, {.lines = 1080}, "1080x1920 25/1 "},
+         }) {
+        const FilmShape made = chooseShape(inputs, wish);
+        const std::string why = made.why.empty() ? "" : made.why.substr(12);
+        const std::string text = std::to_string(made.size.width) + "x" + std::to_string(made.size.height) +
+                                 " " + std::to_string(made.rate.num) + "/" + std::to_string(made.rate.den) +
+                                 " " + why;
+        EXPECT_TRUE(text == shape || (!why.empty() && text.starts_with(shape))) << text;
+    }
 }
 
 TEST(Chapters, AbutWhereInputsBeginToShow) {

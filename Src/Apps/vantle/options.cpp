@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include <charconv>
+
 extern "C" {
 #include <libavutil/imgutils.h>
 #include <libavutil/log.h>
@@ -31,6 +33,15 @@ Size parseSize(const std::string& text) {
     return size;
 }
 
+/// Of a picture of 16:9, as in 1080p.
+std::optional<int> linesIn(const std::string& text) {
+    int lines = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), lines);
+    const bool isLines = error == std::errc() && end + 1 == text.data() + text.size() && *end == 'p';
+    if (!isLines || lines < 144 || lines > 4320 || lines % 2 != 0) return {};
+    return lines;
+}
+
 }  // namespace
 
 CLI::Validator aTime(double longest) {
@@ -55,9 +66,15 @@ void addOverlap(CLI::App& command, FilmRequest& film) {
         ->check(aTime(3600.0));
     command
         .add_option_function<std::string>(
-            "--fps", [&](const std::string& text) { film.rate = parseRate(text); },
-            "Frames per second (default: those of the first input that has them)")
-        ->type_name("RATE");
+            "--fps",
+            [&](const std::string& text) {
+                if (text == "first")
+                    film.firstRate = true;
+                else
+                    film.rate = parseRate(text);
+            },
+            "Frames per second, or first: those of the first input that has them")
+        ->type_name("RATE|first");
     command
         .add_option_function<std::string>(
             "--fit", [&](const std::string& text) { film.fit = parseFit(text).value_or(Fit::contain); },
@@ -71,6 +88,25 @@ void addSize(CLI::App& command, std::optional<Size>& size, const std::string& me
         .add_option_function<std::string>(
             "--size", [&](const std::string& text) { size = parseSize(text); }, meaning)
         ->type_name("SIZE");
+}
+
+void addFilmSize(CLI::App& command, FilmRequest& film) {
+    command
+        .add_option_function<std::string>(
+            "--size",
+            [&](const std::string& text) {
+                if (text == "first")
+                    film.firstSize = true;
+                else if (text == "vertical")
+                    film.size = Size{1080, 1920};
+                else if (const auto lines = linesIn(text))
+                    film.lines = *lines;
+                else
+                    film.size = parseSize(text);
+            },
+            "WIDTHxHEIGHT of the output; 1080p, on its side where most of the film is upright; vertical, "
+            "1080x1920; first, the first input's (default: what most of the film is like)")
+        ->type_name("SIZE|720p|1080p|2160p|vertical|first");
 }
 
 void addCommon(CLI::App& command, Delivery& delivery) {

@@ -27,6 +27,9 @@ void addOverlap(CLI::App& command, FilmRequest& film);
 /// --size, which means what `meaning` says.
 void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning);
 
+/// --size of a film.
+void addFilmSize(CLI::App& command, FilmRequest& film);
+
 /// --force, --quiet, --verbose, --plugin.
 void addCommon(CLI::App& command, Delivery& delivery);
 

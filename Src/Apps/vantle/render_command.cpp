@@ -149,7 +149,7 @@ void addRenderCommand(CLI::App& app) {
     command->add_option("-o,--output", request.delivery.output, "What to write: its name says in which form")
         ->type_name("FILE");
     addOverlap(*command, request.film);
-    addSize(*command, request.film.size, "WIDTHxHEIGHT of the output (default: the first input's)");
+    addFilmSize(*command, request.film);
     command
         ->add_option_function<std::string>(
             "--hold", [&](const std::string& text) { request.film.hold = timeOf(text); },

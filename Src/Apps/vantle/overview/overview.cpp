@@ -36,6 +36,7 @@ Overview::Overview(const OverviewOptions& options, const std::vector<double>& po
                    const std::function<Size(Size)>& frameSize) {
     FilmRequest request = options.film;
     request.hold = Time{0};
+    request.firstSize = request.firstRate = true;
     request.meetings.front().transition =
         options.transitions.empty() ? "random" : options.transitions.front();
     OpenFilm open = openFilm(request, options.delivery.plugin, options.delivery.quiet);

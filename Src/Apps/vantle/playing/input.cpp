@@ -97,6 +97,8 @@ Input::Input(const std::string& name) {
     constexpr std::string_view generated = "lavfi:";
     source_.generated = name.starts_with(generated);
     source_.endless = source_.still || (source_.generated && runsForever(name.substr(generated.size())));
+    const AVCodecID codec = stream.codecpar->codec_id;
+    source_.copyable = source_.isClip() && (codec == AV_CODEC_ID_H264 || codec == AV_CODEC_ID_HEVC);
     source_.rate = source_.still ? AVRational{0, 1} : measuredRate();
     if (!source_.generated) source_.tags = recordingTags(opened_->demuxer.container());
     source_.firstTime = first_->pts;

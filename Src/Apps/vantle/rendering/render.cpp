@@ -51,12 +51,26 @@ void checkRequest(const RenderRequest& request, const OutputKind& kind) {
     if (!request.film.music.file.empty() && !kind.holdsAudio) throw UsageError("--music: OUT holds no audio");
 }
 
+std::string_view endingOf(const std::optional<OutputKind>& kind) {
+    return !kind ? ".mp4" : kind->movie != nullptr ? kind->movie->ending : "";
+}
+
+/// Whether packets may be copied into such a file, and nothing that is asked for changes them all.
+bool mayCopy(const RenderRequest& request, const std::optional<OutputKind>& kind) {
+    const std::string_view ending = endingOf(kind);
+    const bool holds = ending == ".mp4" || ending == ".mov" || ending == ".mkv";
+    if (request.copy) return holds && *request.copy != CopyMode::never;
+    return holds && ending != ".mkv" && request.encoders.video.empty() && request.encoderOptions.empty();
+}
+
 /// The film as it is to be for what is written, its seed chosen where one is needed.
 FilmRequest filmFor(const RenderRequest& request, const std::optional<OutputKind>& kind) {
     FilmRequest film = request.film;
     const bool pictures = kind && kind->movie == nullptr;
     film.evenSize = !pictures && (!kind || kind->evenSize);
     film.drawsEnds = kind && kind->numbered;
+    film.isVideo = !pictures;
+    film.copies = mayCopy(request, kind);
     // A video shows its stills before and after; of pictures one wants the transition.
     if (!film.hold && pictures) film.hold = Time{0};
     if (std::ranges::find(film.meetings, "random", &Meeting::transition) == film.meetings.end()) return film;
@@ -84,19 +98,19 @@ void checkTargets(const RenderRequest& request, const OutputKind* kind, const Op
 
 /// How much is to be copied: what was asked for, else as much as can be of what nothing else changes.
 CopyMode copyMode(const RenderRequest& request, const std::optional<OutputKind>& kind, const Film& film) {
-    const MovieKind* const movie = kind ? kind->movie : nullptr;
-    const std::string_view ending = movie != nullptr ? movie->ending : ".mp4";
+    const std::string_view ending = endingOf(kind);
     const bool copies = !request.at && !request.frames && request.delivery.output != "-" &&
-                        (!kind || movie != nullptr) &&
                         (ending == ".mp4" || ending == ".mov" || ending == ".mkv");
     if (request.copy == CopyMode::always && !copies)
         throw UsageError("--copy always: only whole films are copied, and into .mp4, .mov or .mkv");
     if (!copies || !request.joins.empty()) return CopyMode::never;
     if (request.copy) return *request.copy;
-    const bool changes = !request.encoders.video.empty() || !request.encoderOptions.empty() ||
-                         (request.film.size && *request.film.size != film.sources.front().size) ||
-                         (request.film.rate && av_cmp_q(*request.film.rate, commonRate(film.sources)) != 0);
-    return changes || ending == ".mkv" ? CopyMode::never : CopyMode::automatic;
+    const auto hasSize = [&](const Source& source) { return source.size == film.canvas.size; };
+    const auto hasRate = [&](const Source& source) { return av_cmp_q(source.rate, film.canvas.rate) == 0; };
+    const bool asksForSize = request.film.size || request.film.lines > 0;
+    const bool changes = (asksForSize && std::ranges::none_of(film.sources, hasSize)) ||
+                         (request.film.rate && std::ranges::none_of(film.sources, hasRate));
+    return changes || !mayCopy(request, kind) ? CopyMode::never : CopyMode::automatic;
 }
 
 void tell(const RenderRequest& request, const std::string& line) {

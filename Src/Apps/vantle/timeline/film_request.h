@@ -51,20 +51,25 @@ struct FilmRequest {
     std::vector<Meeting> meetings{};
     Time duration{1};                  ///< of an overlap
     std::optional<Time> hold{};        ///< of an endless input outside its joins; 1 second when absent
-    std::optional<Size> size{};        ///< the first input's when absent
-    std::optional<AVRational> rate{};  ///< that of the first input that has one when absent
+    std::optional<Size> size{};        ///< chosen for all inputs when absent
+    bool firstSize = false;            ///< it is the first input's
+    int lines = 0;                     ///< it is of 16:9, or 9:16 where most of the film is upright
+    std::optional<AVRational> rate{};  ///< chosen for all inputs when absent
+    bool firstRate = false;            ///< it is that of the first input that has one
     Fit fit = Fit::contain;
     std::optional<std::uint32_t> seed{};  ///< what `random` follows from; 0 when absent
     bool mute = false;                    ///< leaves out the audio of all inputs
     bool level = false;                   ///< brings all that is heard to one loudness
     FadeCurve fadeCurve = FadeCurve::qsin;
     Music music{};
+    std::optional<Time> fadeIn{};   ///< from black and silence, of the whole film
+    std::optional<Time> fadeOut{};  ///< to black and silence
     std::optional<int> channels{};  ///< of the audio; those of the inputs where they agree, else 2
     bool shrink = false;            ///< overlaps that are too long for their inputs are shortened
     bool drawsEnds = false;         ///< see Film
-    std::optional<Time> fadeIn{};   ///< from black and silence, of the whole film
-    std::optional<Time> fadeOut{};  ///< to black and silence
     bool evenSize = false;          ///< the pixel format halves the chroma
+    bool isVideo = false;           ///< and not pictures
+    bool copies = false;            ///< packets may be copied
 };
 
 }  // namespace vantle

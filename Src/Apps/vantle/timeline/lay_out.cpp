@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Host/error.h"
+#include "timeline/film_shape.h"
 
 namespace vantle {
 
@@ -45,7 +46,9 @@ class Layout {
         film.drawsEnds = request.drawsEnds;
         film.music = request.music;
         film.fadeCurve = request.fadeCurve;
-        film.canvas = {canvasSize(), request.rate.value_or(commonRate(film.sources)), request.fit};
+        const FilmShape shape = chooseShape(showings(), wish());
+        if (!shape.why.empty()) laid_.notes.push_back(shape.why);
+        film.canvas = {canvasSize(shape.size), shape.rate, request.fit};
         checkMusic();
         findRanges();
         findOverlaps();
@@ -59,13 +62,48 @@ class Layout {
         laid_.complaints.push_back({what, isUsage});
     }
 
-    /// The size of the first input, unless another is asked for.
-    Size canvasSize() {
-        const Source& model = laid_.film.sources.front();
-        Size size = request_.size.value_or(model.size);
+    ShapeWish wish() const {
+        const std::vector<Source>& sources = laid_.film.sources;
+        return {.size = request_.firstSize ? sources.front().size : request_.size,
+                .lines = request_.lines,
+                .rate = request_.firstRate && !request_.rate ? commonRate(sources) : request_.rate,
+                .isVideo = request_.isVideo,
+                .copies = request_.copies};
+    }
+
+    std::vector<Showing> showings() const {
+        const std::vector<Source>& sources = laid_.film.sources;
+        // Which the film may have or not, but for how long something shows it is near enough.
+        const AVRational rate = request_.rate.value_or(commonRate(sources));
+        const auto overlap = [&](std::size_t meeting) {
+            if (meeting >= transitions_.size() || !transitions_[meeting]) return std::int64_t{0};
+            return request_.meetings[meeting].duration.value_or(request_.duration).frames(rate);
+        };
+        std::vector<Showing> all;
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            const Shot& shot = request_.shots[i];
+            const Source& source = sources[i];
+            const std::int64_t first = shot.in.value_or(Time{}).frames(rate);
+            std::int64_t end = source.endless ? first : source.frames(rate);
+            if (source.endless)
+                end += (i > 0 ? overlap(i - 1) : 0) + overlap(i) +
+                       shot.hold.value_or(request_.hold.value_or(Time{1})).frames(rate);
+            if (shot.out) end = shot.out->frames(rate);
+            const bool hasRate = source.rate.num > 0 && av_q2d(source.rate) <= highestRate;
+            all.push_back({source.size, hasRate ? source.rate : AVRational{0, 1},
+                           static_cast<double>(std::max<std::int64_t>(end - first, 0)) / av_q2d(rate),
+                           source.isClip() ? std::optional(source.copyable) : std::nullopt});
+        }
+        return all;
+    }
+
+    Size canvasSize(Size size) {
+        const std::vector<Source>& sources = laid_.film.sources;
+        const auto model = std::ranges::find(sources, size, &Source::size);
         if (std::max(size.width, size.height) > largestSide)
-            complain(model.name + ": its pictures show at " + text(size) + ", and at most " +
-                     std::to_string(largestSide) + " each can be rendered; --size makes them smaller");
+            complain((model != sources.end() ? *model : sources.front()).name + ": its pictures show at " +
+                     text(size) + ", and at most " + std::to_string(largestSide) +
+                     " each can be rendered; --size makes them smaller");
         if (!request_.evenSize || (size.width % 2 == 0 && size.height % 2 == 0)) return size;
         if (request_.size) complain("--size: this kind of video needs an even width and height", true);
         return {std::max(size.width / 2 * 2, 2), std::max(size.height / 2 * 2, 2)};
@@ -171,11 +209,23 @@ class Layout {
         // The end that is drawn is a frame of its own, whether or not the last input has one for it.
         if (film.drawsEnds && !film.joins.empty() && film.joins.back().transition)
             film.parts.back().frames = std::max(film.parts.back().frames, film.joins.back().frames + 1);
+        findFades();
         film.audio = audioForm();
         // All from one input: a place of one and the camera of another would be true of neither.
         const auto tells = [](const Source& source) { return !source.tags.empty(); };
         if (const auto told = std::ranges::find_if(film.sources, tells); told != film.sources.end())
             film.tags = told->tags;
+    }
+
+    void findFades() {
+        Film& film = laid_.film;
+        const AVRational rate = film.canvas.rate;
+        film.fadeIn = request_.fadeIn.value_or(Time{}).frames(rate);
+        film.fadeOut = request_.fadeOut.value_or(Time{}).frames(rate);
+        if (const std::int64_t both = film.fadeIn + film.fadeOut; both > film.frames())
+            complain("--fade-in and --fade-out take " + count(both) + " (" + inSeconds(both, rate) +
+                     ") together, and the film has " + count(film.frames()) + " (" +
+                     inSeconds(film.frames(), rate) + ")");
     }
 
     /// The first input's rate, and as many channels as all agree on, else two.
@@ -209,7 +259,6 @@ AVRational commonRate(std::span<const Source> sources) {
     return {30, 1};
 }
 
-        findFades();
 std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& request,
                                                              std::span<const Transition> catalogue,
                                                              std::vector<Complaint>& complaints) {
@@ -217,17 +266,6 @@ std::vector<std::optional<TransitionName>> chooseTransitions(const FilmRequest& 
     std::vector<Transition> known(catalogue.begin(), catalogue.end());
     for (const char* const word : {"cut", "random"}) known.emplace_back().name = word;
     std::vector<const Transition*> chosen;
-    void findFades() {
-        Film& film = laid_.film;
-        const AVRational rate = film.canvas.rate;
-        film.fadeIn = request_.fadeIn.value_or(Time{}).frames(rate);
-        film.fadeOut = request_.fadeOut.value_or(Time{}).frames(rate);
-        if (const std::int64_t both = film.fadeIn + film.fadeOut; both > film.frames())
-            complain("--fade-in and --fade-out take " + count(both) + " (" + inSeconds(both, rate) +
-                     ") together, and the film has " + count(film.frames()) + " (" +
-                     inSeconds(film.frames(), rate) + ")");
-    }
-
     for (const Meeting& meeting : request.meetings) {
         const bool isOpen = meeting.transition == "cut" || meeting.transition == "random";
         const Transition* found = nullptr;

@@ -22,6 +22,7 @@ struct Source {
     bool still = false;
     bool endless = false;          ///< it never ends of itself: a still, or a generated source without an end
     bool generated = false;        ///< no file
+    bool copyable = false;         ///< its packets are of a kind that may be copied
     Size size{};                   ///< at which it shows: upright, with square pixels
     AVRational pixelAspect{1, 1};  ///< width of a stored pixel by its height
     Orientation orientation{};     ///< in which its pictures are stored
