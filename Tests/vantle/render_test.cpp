@@ -152,6 +152,9 @@ TEST_F(Render, FitsAnInputOfAnotherShape) {
     EXPECT_EQ(contain.luma(0, 8, 16), 0);
     EXPECT_EQ(contain.luma(0, 32, 16), 255);
     EXPECT_LT(contain.luma(0, 32, 0), 128);  // the red bar on top
+    const Pictures blur = rowsOfEnd("blur");
+    EXPECT_EQ(blur.luma(0, 32, 16), 255);
+    for (const int x : {2, 60}) EXPECT_NEAR(blur.luma(0, x, 16), 166, 4);  // white, darkened
     const Pictures cover = rowsOfEnd("cover");
     EXPECT_EQ(cover.luma(0, 0, 0), 255);  // the bar is cut off
     const Pictures stretch = rowsOfEnd("stretch");

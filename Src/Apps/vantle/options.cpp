@@ -79,8 +79,8 @@ void addOverlap(CLI::App& command, FilmRequest& film) {
         .add_option_function<std::string>(
             "--fit", [&](const std::string& text) { film.fit = parseFit(text).value_or(Fit::contain); },
             "How an input of another shape fills the picture (default: contain)")
-        ->type_name("contain|cover|stretch")
-        ->check(CLI::IsMember({"contain", "cover", "stretch"}));
+        ->type_name("contain|cover|stretch|blur")
+        ->check(CLI::IsMember({"contain", "cover", "stretch", "blur"}));
 }
 
 void addSize(CLI::App& command, std::optional<Size>& size, const std::string& meaning) {

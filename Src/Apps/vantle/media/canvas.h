@@ -19,9 +19,9 @@ struct Size {
 /// The most pixels of a canvas across and down: what the encoders take.
 constexpr int largestSide = 16384;
 
-/// How a picture of another shape fills the canvas: whole with black bars, filled with its edges cut off, or
-/// stretched.
-enum class Fit : std::uint8_t { contain, cover, stretch };
+/// How a picture of another shape fills the canvas: whole with black bars or with its own blurred picture
+/// beside it, filled with its edges cut off, or stretched.
+enum class Fit : std::uint8_t { contain, cover, stretch, blur };
 
 /// How a camera was held: what a display matrix asks of a player.
 struct Orientation {

@@ -62,7 +62,7 @@ Json renderOptions(const FilmRequest& film) {
     if (const Time time = film.duration; time != FilmRequest().duration)
         add("--duration", Json(time.number()).dump() + (time.inFrames ? "f" : ""));
     if (film.rate) add("--fps", std::to_string(film.rate->num) + "/" + std::to_string(film.rate->den));
-    if (film.fit != Fit::contain) add("--fit", film.fit == Fit::cover ? "cover" : "stretch");
+    if (film.fit != Fit::contain) add("--fit", nameOf(film.fit));
     return texts;
 }
 

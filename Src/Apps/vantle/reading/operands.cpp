@@ -46,7 +46,7 @@ Time timeIn(const std::string& setting, const std::string& value) {
 
 Fit fitIn(const std::string& setting, const std::string& value) {
     const std::optional<Fit> fit = parseFit(value);
-    if (!fit) throw UsageError(setting + ": \"" + value + "\" is none of contain, cover, stretch");
+    if (!fit) throw UsageError(setting + ": \"" + value + "\" is none of contain, cover, stretch, blur");
     return *fit;
 }
 

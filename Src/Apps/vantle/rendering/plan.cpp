@@ -35,6 +35,7 @@ struct Placement {
     const char* bars = "";     ///< where
     const char* cutOff = "";   ///< what of them
     bool isStretched = false;  ///< more one way than the other
+    bool isBlurred = false;    ///< itself, in place of bars
 };
 
 Placement placementOf(const Part& part, Size size, Size canvas) {
@@ -47,9 +48,11 @@ Placement placementOf(const Part& part, Size size, Size canvas) {
         case Fit::stretch:
             return {std::max(across, down), "", "", isOther};
         default:
-            return {std::min(across, down), !isOther        ? ""
-                                            : across > down ? "left and right"
-                                                            : "above and below"};
+            return {std::min(across, down),
+                    !isOther        ? ""
+                    : across > down ? "left and right"
+                                    : "above and below",
+                    "", false, part.fit == Fit::blur};
     }
 }
 
@@ -62,7 +65,8 @@ std::string inWords(const Placement& placement) {
         std::snprintf(times, sizeof times, "enlarged %.3g times", placement.scale);
         add(times);
     }
-    if (*placement.bars != '\0') add(std::string("bars ") + placement.bars);
+    if (*placement.bars != '\0')
+        add((placement.isBlurred ? "blurred " : "bars ") + std::string(placement.bars));
     if (*placement.cutOff != '\0') add(std::string(placement.cutOff) + " cut off");
     if (placement.isStretched) add("stretched");
     return text;
@@ -103,7 +107,7 @@ Json inputEntry(const CopyPlan& plan, std::size_t number) {
                   {"copied", plan.copiedOf(number)}};
     const Placement placement = placementOf(part, film.sourceOf(part).size, film.canvas.size);
     if (placement.scale != 1.0) entry["scale"] = inThousandths(placement.scale);
-    if (*placement.bars != '\0') entry["bars"] = placement.bars;
+    if (*placement.bars != '\0') entry[placement.isBlurred ? "blurred" : "bars"] = placement.bars;
     if (*placement.cutOff != '\0') entry["cutOff"] = placement.cutOff;
     if (!plan.why[number].empty()) entry["why"] = plan.why[number];
     return {{"input", std::move(entry)}};

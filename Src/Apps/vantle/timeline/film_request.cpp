@@ -2,14 +2,19 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <string_view>
 
 namespace vantle {
 
+const char* nameOf(Fit fit) {
+    constexpr const char* names[] = {"contain", "cover", "stretch", "blur"};
+    return names[static_cast<std::size_t>(fit)];
+}
+
 std::optional<Fit> parseFit(const std::string& text) {
-    if (text == "contain") return Fit::contain;
-    if (text == "cover") return Fit::cover;
-    if (text == "stretch") return Fit::stretch;
+    for (const Fit fit : {Fit::contain, Fit::cover, Fit::stretch, Fit::blur})
+        if (text == nameOf(fit)) return fit;
     return {};
 }
 

@@ -12,8 +12,11 @@
 
 namespace vantle {
 
-/// Reads `contain`, `cover` or `stretch`; none when the text is no way to fit.
+/// Reads `contain`, `cover`, `stretch` or `blur`; none when the text is no way to fit.
 std::optional<Fit> parseFit(const std::string& text);
+
+/// What `parseFit` reads as this.
+const char* nameOf(Fit fit);
 
 /// Reads a factor (`0.5`) or decibels (`-6dB`), up to ten or 20 dB; none when the text is no such volume.
 std::optional<double> parseVolume(const std::string& text);

@@ -1,0 +1,16 @@
+/// From pictures as decoded to the canvas of a film.
+#pragma once
+
+#include <vector>
+
+#include "media/canvas.h"
+#include "media/filters.h"
+#include "playing/input.h"
+
+namespace vantle {
+
+/// The filters that bring a picture of an input, and others of its form, upright onto the canvas, in ordinary
+/// colours.
+std::vector<Filter> filtersOnto(const Canvas& canvas, const Input& input, const AVFrame& picture);
+
+}  // namespace vantle
