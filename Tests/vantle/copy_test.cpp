@@ -234,7 +234,7 @@ TEST_F(Copies, OfClipsAsPhonesAndCamerasMakeThemShowWhatTheyDoWhenTheyDo) {
     const std::string join = " -t Row_split --duration 0.5 --copy always";
     EXPECT_GT(copied("one.mp4 two.mp4 in=0.6 one.mp4" + join, "a.mp4", 1e-5), 200);
     EXPECT_GT(copied("one.mp4 two.mp4" + join + " --verify", "a.mkv"), 140);
-    const std::string held = "held_one.mp4 held_two.mp4 in=0.6";
+    const std::string held = "one.mp4 turn=270 held_two.mp4 in=0.6";
     EXPECT_GT(copied(held + join, "a.mov", 1e-5), 120);
     EXPECT_EQ(probe("a.mov", "stream_side_data=rotation"),
               probe("held_one.mp4", "stream_side_data=rotation"));

@@ -66,6 +66,8 @@ TEST_F(PicturesAsMeant, StandUprightAsTheirCameraWasHeld) {
     ffmpeg(std::string(quarters) + "-t 1 -c:v libx264 -crf 4 -pix_fmt yuv420p lying.mp4");
     ffmpeg("-i lying.mp4 -c copy -metadata:s:v rotate=270 held.mp4");
     EXPECT_EQ(shown("held.mp4"), expected[5]);
+    EXPECT_EQ(shown("held.mp4 turn=90"), expected[2]);
+    EXPECT_EQ(shown("photo.jpg flip=h turn=90"), expected[3]);
 }
 
 TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
@@ -204,6 +206,8 @@ TEST(Orientations, AreUndoneByTheirInverses) {
             for (int i = 0; i < 6; ++i)
                 picture->data[0][i / 3 * picture->linesize[0] + i % 3] = static_cast<std::uint8_t>(40 * i);
             const Orientation held{turns, mirrored};
+            EXPECT_EQ(inTurn(held, inverse(held)), Orientation{});
+            EXPECT_EQ(orientationOf(matrixOf(held)), held);
             std::vector<Filter> filters = upright(held);
             std::ranges::copy(upright(inverse(held)), std::back_inserter(filters));
             filters.push_back({"format", {{"pix_fmts", "gray"}}});

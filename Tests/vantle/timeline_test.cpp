@@ -129,7 +129,7 @@ TEST(Times, AreReadExactlyAndRoundedOnce) {
 
 TEST(Operands, SayWhatIsShownAndHowItMeets) {
     const FilmRequest request = film({"a.mp4", "in=1", "out=4f", "+Row", "duration=5f", "b=c.png", "hold=2",
-                                      "fit=cover", "c.mp4", "mute=yes"},
+                                      "fit=cover", "turn=90", "flip=h", "c.mp4", "mute=yes"},
                                      {"random", "cut"});
     ASSERT_EQ(request.shots.size(), 3U);
     EXPECT_EQ(request.shots[0].in, parseTime("1"));
@@ -137,6 +137,7 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
     EXPECT_EQ(request.meetings[0].duration, parseTime("5f"));
     EXPECT_EQ(request.shots[1].file, "b=c.png");
     EXPECT_EQ(request.shots[1].fit, Fit::cover);
+    EXPECT_EQ(request.shots[1].turn, (Orientation{1, true}));
     EXPECT_EQ(request.meetings[1].transition, "cut");  // the second in turn
     EXPECT_TRUE(request.shots[2].mute);
     for (const auto& [operands, says] : {
@@ -149,6 +150,8 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
              {{"a", "+Row", "in=2", "b"}, "belongs after an input"},
              {{"a", "in=1:2:3:4", "b"}, "is no time"},
              {{"a", "fit=tight", "b"}, "none of contain, cover, stretch"},
+             {{"a", "turn=45", "b"}, "degrees clockwise"},
+             {{"a", "flip=x", "b"}, "left and right"},
              {{"a", "mute=maybe", "b"}, "not yes or no"},
              {{"a", "start=2", "b"}, "start=2: neither a file nor a setting; an input has in, "},
          })

@@ -39,7 +39,7 @@ NalCodec codecOf(const Input& input, const AVCodecParameters& parameters) {
 /// What is wrong with pictures of these parameters wherever they go.
 void checkParameters(const Input& input, const AVCodecParameters& parameters) {
     const Source& source = input.source();
-    const std::optional<DisplayMatrix>& stated = input.displayMatrix();
+    const std::optional<DisplayMatrix> stated = input.displayMatrix();
     if (source.orientation != (stated ? orientationOf(*stated) : Orientation{}))
         refuse(input, "its pictures say themselves how they are turned; ffmpeg -i IN OUT.mp4 mends that");
     if (source.colours.hdr())

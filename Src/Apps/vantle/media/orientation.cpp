@@ -15,6 +15,22 @@ Orientation orientationOf(const DisplayMatrix& matrix) {
     return {turns, at(0) * at(4) - at(1) * at(3) < 0.0};
 }
 
+DisplayMatrix matrixOf(Orientation orientation) {
+    constexpr std::int32_t one = 1 << 16;
+    constexpr std::array<std::int32_t, 4> cosines{one, 0, -one, 0};
+    const auto turns = static_cast<std::size_t>(orientation.quarterTurns);
+    const std::int32_t cosine = cosines.at(turns);
+    const std::int32_t sine = cosines.at((turns + 3) & 3);
+    const int side = orientation.mirrored ? -1 : 1;
+    return {cosine, sine, 0, -side * sine, side * cosine, 0, 0, 0, 1 << 30};
+}
+
+Orientation inTurn(Orientation first, Orientation second) {
+    // A mirrored picture is turned the other way round.
+    const int turns = second.mirrored ? -first.quarterTurns : first.quarterTurns;
+    return {(second.quarterTurns + turns) & 3, first.mirrored != second.mirrored};
+}
+
 Orientation inverse(Orientation orientation) {
     // What mirrors a picture is undone by itself.
     return orientation.mirrored ? orientation : Orientation{-orientation.quarterTurns & 3, false};

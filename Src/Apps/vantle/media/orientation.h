@@ -16,6 +16,12 @@ using DisplayMatrix = std::array<std::int32_t, 9>;
 /// What a display matrix asks for, to the nearest quarter turn.
 Orientation orientationOf(const DisplayMatrix& matrix);
 
+/// The display matrix that asks for this.
+DisplayMatrix matrixOf(Orientation orientation);
+
+/// What turns pictures as `first` does, and the result as `second` does.
+Orientation inTurn(Orientation first, Orientation second);
+
 /// What brings pictures that are upright into this orientation.
 Orientation inverse(Orientation orientation);
 

@@ -64,7 +64,7 @@ Input::Opened::Opened(const std::string& name, int threads)
     if (const std::optional<int> audio = demuxer.best(AVMEDIA_TYPE_AUDIO)) demuxer.use(*audio);
 }
 
-Input::Input(const std::string& name) {
+Input::Input(const std::string& name, Orientation turn) : turn_(turn) {
     source_.name = name;
     open(oneThread);
     if (opened_->ahead.empty()) throw Error(name + ": holds no picture");
@@ -182,7 +182,12 @@ Orientation Input::orientationOf(const AVFrame& picture) const {
     std::optional<DisplayMatrix> matrix = displayMatrix_;
     if (const AVFrameSideData* const side = av_frame_get_side_data(&picture, AV_FRAME_DATA_DISPLAYMATRIX))
         std::memcpy(matrix.emplace().data(), side->data, sizeof *matrix);
-    return matrix ? vantle::orientationOf(*matrix) : Orientation{};
+    return inTurn(matrix ? vantle::orientationOf(*matrix) : Orientation{}, turn_);
+}
+
+std::optional<DisplayMatrix> Input::displayMatrix() const {
+    if (turn_ == Orientation{}) return displayMatrix_;
+    return matrixOf(inTurn(displayMatrix_ ? vantle::orientationOf(*displayMatrix_) : Orientation{}, turn_));
 }
 
 Size Input::shownSize(const AVFrame& picture) const {

@@ -21,7 +21,8 @@ class Input {
    public:
     /// Opens an input, decodes its first pictures and measures it, unless it is endless. Throws Error when
     /// there are none.
-    explicit Input(const std::string& name);
+    /// All its pictures are turned so after they have been brought upright.
+    explicit Input(const std::string& name, Orientation turn = {});
 
     const std::string& name() const { return source_.name; }
 
@@ -34,11 +35,11 @@ class Input {
     /// The size at which a picture shows: upright, with square pixels.
     Size shownSize(const AVFrame& picture) const;
 
-    /// How a picture is turned, by itself or by its container.
+    /// What brings a picture into how it shows: by itself or by its container, and by who asked for it.
     Orientation orientationOf(const AVFrame& picture) const;
 
-    /// How the container says that all are turned.
-    const std::optional<DisplayMatrix>& displayMatrix() const { return displayMatrix_; }
+    /// How the container, and who asked for it, say that all are turned.
+    std::optional<DisplayMatrix> displayMatrix() const;
 
     AVRational timeBase() const { return source_.timeBase; }
     bool still() const { return source_.still; }
@@ -91,7 +92,8 @@ class Input {
     std::unique_ptr<Opened> opened_;
     FileSet files_;  // while it is closed
     av::Frame first_;
-    std::optional<DisplayMatrix> displayMatrix_;
+    std::optional<DisplayMatrix> displayMatrix_;  // as the container states it
+    Orientation turn_;
     Demuxer::Health health_;  // while it was open before
 };
 

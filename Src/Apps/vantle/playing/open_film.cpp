@@ -22,7 +22,7 @@ std::vector<std::unique_ptr<Input>> openInputs(std::span<const Shot> shots, bool
     std::mutex guard;
     std::int64_t opened = 0;
     inParallel(inputs.size(), [&](std::size_t i) {
-        inputs[i] = std::make_unique<Input>(shots[i].file);
+        inputs[i] = std::make_unique<Input>(shots[i].file, shots[i].turn);
         if (i >= keptOpen) inputs[i]->close();
         const std::scoped_lock lock(guard);
         progress.update(++opened);

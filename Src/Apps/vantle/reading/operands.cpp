@@ -10,19 +10,21 @@
 #include <utility>
 
 #include "Host/error.h"
+#include "media/orientation.h"
 
 namespace vantle {
 
 namespace {
 
-constexpr const char* inputSettings = "in, out, hold, fit, mute, volume";
+constexpr const char* inputSettings = "in, out, hold, fit, turn, flip, mute, volume";
 
 /// `key=value` when the key is one of the closed set.
 std::optional<std::pair<std::string, std::string>> settingIn(const std::string& operand) {
     const std::size_t middle = operand.find('=');
     if (middle == std::string::npos) return {};
     const std::string key = operand.substr(0, middle);
-    for (const std::string_view known : {"in", "out", "hold", "fit", "mute", "volume", "duration"})
+    for (const std::string_view known :
+         {"in", "out", "hold", "fit", "turn", "flip", "mute", "volume", "duration"})
         if (key == known) return std::pair{key, operand.substr(middle + 1)};
     return {};
 }
@@ -50,6 +52,19 @@ Fit fitIn(const std::string& setting, const std::string& value) {
     return *fit;
 }
 
+Orientation turnIn(const std::string& setting, const std::string& value) {
+    for (const auto& [degrees, turns] : {std::pair{"90", 1}, {"180", 2}, {"270", 3}})
+        if (value == degrees) return {turns, false};
+    throw UsageError(setting + ": \"" + value + "\" is none of 90, 180, 270 (degrees clockwise)");
+}
+
+Orientation flipIn(const std::string& setting, const std::string& value) {
+    if (value != "h" && value != "v")
+        throw UsageError(setting + ": \"" + value +
+                         "\" is neither h, which exchanges left and right, nor v, top and bottom");
+    return {value == "h" ? 2 : 0, true};
+}
+
 bool yesIn(const std::string& setting, const std::string& value) {
     if (value != "yes" && value != "no") throw UsageError(setting + ": \"" + value + "\" is not yes or no");
     return value == "yes";
@@ -71,6 +86,10 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
         shot.hold = timeIn(operand, value);
     else if (key == "fit")
         shot.fit = fitIn(operand, value);
+    else if (key == "turn")
+        shot.turn = inTurn(shot.turn, turnIn(operand, value));
+    else if (key == "flip")
+        shot.turn = inTurn(shot.turn, flipIn(operand, value));
     else if (key == "mute")
         shot.mute = yesIn(operand, value);
     else if (key == "volume")

@@ -28,6 +28,7 @@ struct Shot {
     std::optional<Time> out{};   ///< exclusive; its end when absent
     std::optional<Time> hold{};  ///< how long an endless input shows outside its joins
     std::optional<Fit> fit{};
+    Orientation turn{};  ///< of its upright pictures
     bool mute = false;
     double volume = 1.0;  ///< a factor
 };
