@@ -64,6 +64,12 @@ TEST_F(Metadata, IsThatOfTheFirstInputThatWasRecordedAndAChapterForEach) {
     render("turned.mov plain.mp4 -t 0 --duration 10f -q --copy never -o upright.mp4");
     EXPECT_NE(said("upright.mp4").find("Maker"), std::string::npos);
     EXPECT_EQ(said("upright.mp4").find("rotat"), std::string::npos);
+    // A photo says it too, a quarter of a second after the clip; what says nothing was changed last.
+    fs::copy_file(SOURCE_FOLDER "/Tests/vantle/tiled.heic", folder_ / "photo.heic");
+    render("photo.heic plain.mp4 -t 0 --duration 10f -q -o photo.mp4");
+    for (const std::string told :
+         {"2024-05-06T07:08:09", "2024-05-06T09:08:09.25+02:00", "+48.85800-002.29400/"})
+        EXPECT_NE(said("photo.mp4").find(told), std::string::npos) << told;
     for (const std::string output : {"a.gif", "a.webp", "a_%d.png", "a.png --at 0.5"})
         refuses("render plain.mp4 b.mp4 -t 0 --chapters -o " + output, 2, "--chapters: OUT holds none");
 }

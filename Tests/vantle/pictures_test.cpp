@@ -63,6 +63,12 @@ TEST_F(PicturesAsMeant, StandUprightAsTheirCameraWasHeld) {
         photo("photo.jpg", static_cast<std::uint8_t>(orientation));
         EXPECT_EQ(shown("photo.jpg"), expected[orientation - 1]) << orientation;
     }
+    // As telephones keep them: of four tiles, cut off at the right and below, and turned.
+    for (const char* const name : {"tiled.heic", "cut.heic"})
+        fs::copy_file(SOURCE_FOLDER "/Tests/vantle/tiled.heic", folder_ / name);
+    fs::resize_file(folder_ / "cut.heic", 700);
+    EXPECT_EQ(shown("tiled.heic"), "120,124 BRWG");
+    refuses("render cut.heic photo.jpg -t 0 -o a.mp4", 1, "cut.heic: Invalid input");
     ffmpeg(std::string(quarters) + "-t 1 -c:v libx264 -crf 4 -pix_fmt yuv420p lying.mp4");
     ffmpeg("-i lying.mp4 -c copy -metadata:s:v rotate=270 held.mp4");
     EXPECT_EQ(shown("held.mp4"), expected[5]);

@@ -15,6 +15,9 @@ extern "C" {
 #include <system_error>
 #include <utility>
 
+#include "media/exif.h"
+#include "media/heif.h"
+#include "media/heif_input.h"
 #include "media/unreadable.h"
 #include "system/interrupt.h"
 
@@ -26,7 +29,11 @@ namespace fs = std::filesystem;
 
 constexpr AVRational microseconds{1, AV_TIME_BASE};
 
-av::Input open(const std::string& name, OpenedFiles& opened) {
+void addTags(AVFormatContext& input, const av::Options& tags) {
+    for (const auto& [key, value] : tags) av_dict_set(&input.metadata, key.c_str(), value.c_str(), 0);
+}
+
+av::Input open(const std::string& name, OpenedFiles& opened, std::unique_ptr<MemoryFile>& memory) {
     constexpr std::string_view generated = "lavfi:";
     const bool isGenerated = name.starts_with(generated);
     std::string url = isGenerated ? name.substr(generated.size()) : name;
@@ -36,6 +43,13 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
     // Inputs are read more than once: to measure them, and to show them.
     if (type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::character)
         throw Error(name + ": is not a regular file");
+    if (type == fs::file_type::regular && isHeif(url)) {
+        opened.note(url);
+        av::Input input = openHeif(name, memory);
+        addTags(*input, exifOf(url));
+        return input;
+    }
+    const av::Options exif = type == fs::file_type::regular ? exifOf(url) : av::Options{};
     // A file's name may hold a colon, which would make the part before it a protocol.
     if (type == fs::file_type::regular || type == fs::file_type::block) url.insert(0, "file:");
     avdevice_register_all();
@@ -51,6 +65,7 @@ av::Input open(const std::string& name, OpenedFiles& opened) {
     if (unknown && type == fs::file_type::regular) throw Error(name + ": " + whyUnreadable(name));
     av::check(code, name);
     av::check(avformat_find_stream_info(input.get(), nullptr), name);
+    addTags(*input, exif);
     return input;
 }
 
@@ -96,7 +111,7 @@ std::optional<std::int64_t> statedEnd(const std::string& name) {
 
 }  // namespace
 
-Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name, *opened_)) {}
+Demuxer::Demuxer(const std::string& name) : name_(name), input_(open(name, *opened_, memory_)) {}
 
 std::optional<int> Demuxer::best(AVMediaType type) const { return find(type, true); }
 
@@ -244,7 +259,8 @@ bool Demuxer::seek(int stream, std::int64_t time) {
 }
 
 void Demuxer::reopen() {
-    input_ = open(name_, *opened_);
+    input_.reset();
+    input_ = open(name_, *opened_, memory_);
     passOverOthers();
     forget();
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "media/av.h"
+#include "media/memory_file.h"
 #include "media/opened_files.h"
 
 namespace vantle {
@@ -94,6 +95,7 @@ class Demuxer {
 
     std::string name_;
     std::unique_ptr<OpenedFiles> opened_ = std::make_unique<OpenedFiles>();
+    std::unique_ptr<MemoryFile> memory_;  // what the input is read from, where that is no file
     av::Input input_;
     std::map<int, std::deque<av::Packet>> queues_;   // of the streams in use
     std::size_t waiting_ = 0;                        // bytes of their packets

@@ -1,8 +1,15 @@
 #include "media/metadata.h"
 
+extern "C" {
+#include <libavutil/parseutils.h>
+}
+
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cstdint>
+#include <ctime>
+#include <string>
 #include <string_view>
 
 namespace vantle {
@@ -32,6 +39,19 @@ bool isLine(std::string_view value) {
            std::ranges::none_of(value, [](unsigned char c) { return std::iscntrl(c) != 0; });
 }
 
+/// Whether a date, 2024-05-06T09:08:09 or longer, is told from those of other time zones.
+bool saysZone(std::string_view date) { return date.find_first_of("+-Z", 19) != std::string_view::npos; }
+
+/// Microseconds since 1970 as ISO 8601 writes them, to a second.
+std::string utcText(std::int64_t time) {
+    const std::time_t seconds = time / 1'000'000;
+    std::tm parts{};
+    gmtime_r(&seconds, &parts);
+    std::array<char, 32> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return text.data();
+}
+
 }  // namespace
 
 std::map<std::string, std::string> recordingTags(const AVFormatContext& container) {
@@ -42,6 +62,12 @@ std::map<std::string, std::string> recordingTags(const AVFormatContext& containe
             const AVDictionaryEntry* const entry = av_dict_get(container.metadata, source, nullptr, 0);
             if (entry != nullptr && isLine(entry->value)) found.try_emplace(tag.name, entry->value);
         }
+    // Of photos it follows from the local date, where that says its time zone.
+    if (const auto date = found.find("creation_date"); date != found.end() && saysZone(date->second)) {
+        std::int64_t time = 0;
+        if (av_parse_time(&time, date->second.c_str(), 0) >= 0)
+            found.try_emplace("creation_time", utcText(time));
+    }
     return found;
 }
 

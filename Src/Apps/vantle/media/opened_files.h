@@ -43,12 +43,14 @@ class OpenedFiles {
     /// a list, those that the filters of a generated source are told to read.
     void lookAhead(const AVFormatContext& input);
 
+    /// Notes the file of this name, with protocols before it or without. True when it was not known yet.
+    bool note(std::string_view url);
+
     const FileSet& found() const { return found_; }
 
    private:
     static int open(AVFormatContext* input, AVIOContext** file, const char* url, int flags,
                     AVDictionary** options);
-    bool note(std::string_view url);
     void noteList(const std::filesystem::path& list);
     void noteFilters(const std::string& description);
 
