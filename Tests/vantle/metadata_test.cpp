@@ -70,6 +70,12 @@ TEST_F(Metadata, IsThatOfTheFirstInputThatWasRecordedAndAChapterForEach) {
     for (const std::string told :
          {"2024-05-06T07:08:09", "2024-05-06T09:08:09.25+02:00", "+48.85800-002.29400/"})
         EXPECT_NE(said("photo.mp4").find(told), std::string::npos) << told;
+    std::string order;
+    const nlohmann::json sorted = plan("plain.mp4 photo.heic phone.mov -t cut --sort date");
+    for (const nlohmann::json& entry : sorted["timeline"])
+        if (entry.contains("input")) order += entry["input"]["file"].get<std::string>() + " ";
+    EXPECT_EQ(order, "phone.mov photo.heic plain.mp4 ");
+    refuses("render plain.mp4 lavfi:color -t cut --sort date -o a.mp4", 2, "is no file");
     for (const std::string output : {"a.gif", "a.webp", "a_%d.png", "a.png --at 0.5"})
         refuses("render plain.mp4 b.mp4 -t 0 --chapters -o " + output, 2, "--chapters: OUT holds none");
 }

@@ -12,6 +12,7 @@
 #include "Host/error.h"
 #include "options.h"
 #include "reading/bare_names.h"
+#include "reading/date_order.h"
 #include "reading/operands.h"
 #include "rendering/render.h"
 
@@ -76,7 +77,7 @@ struct RenderOptions {
     RenderRequest request;
     std::vector<std::string> operands;
     std::vector<std::string> transitions;  ///< names, indices, GUIDs or functions, taken in turn
-    bool sort = false;
+    std::string sort{};                    ///< natural or date; empty when inputs stay in their order
 };
 
 /// Takes from the operands what belongs to the music because it stands behind it, and not behind an input.
@@ -112,7 +113,10 @@ void run(RenderOptions options, const CLI::App& command) {
     takeMusicsOperands(options, command);
     refuseBareNames(options.operands, options.transitions, Plugin(options.request.delivery.plugin).joins());
     options.request.notes = parseOperands(film, options.operands, options.transitions);
-    if (options.sort) sortNaturally(film, options.operands);
+    if (options.sort == "natural") sortNaturally(film, options.operands);
+    if (options.sort == "date")
+        for (const std::string& note : sortByDate(film, options.operands))
+            options.request.notes.push_back(note);
     render(options.request);
 }
 
@@ -172,11 +176,11 @@ void addRenderCommand(CLI::App& app) {
     command->add_option("--seed", request.film.seed,
                         "What -t random follows from (default: another each time)");
     command
-        ->add_option_function<std::string>(
-            "--sort", [&](const std::string&) { options.sort = true; },
-            "natural: inputs in the order in which one counts, img2 before img10")
-        ->type_name("natural")
-        ->check(CLI::IsMember({"natural"}));
+        ->add_option("--sort", options.sort,
+                     "Inputs in another order. natural: as one counts, img2 before img10; date: as they were "
+                     "taken")
+        ->type_name("natural|date")
+        ->check(CLI::IsMember({"natural", "date"}));
     command->add_flag("--shrink", request.film.shrink,
                       "Shorten transitions that are too long for their inputs");
     command->add_flag("--mute", request.film.mute, "Leave out the audio of all inputs");

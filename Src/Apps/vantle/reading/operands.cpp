@@ -200,11 +200,15 @@ void setMusic(Music& music, const std::string& operand) {
         throw UsageError(operand + " belongs after an input; after --music FILE: in, out, volume");
 }
 
-void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands) {
+void refuseMeetings(const std::vector<std::string>& operands) {
     const auto meeting =
         std::ranges::find_if(operands, [](const std::string& operand) { return operand.starts_with('+'); });
     if (meeting != operands.end())
         throw UsageError("--sort moves the inputs, so that " + *meeting + " has no place; give -t instead");
+}
+
+void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands) {
+    refuseMeetings(operands);
     std::ranges::stable_sort(film.shots, naturallyBefore, &Shot::file);
 }
 

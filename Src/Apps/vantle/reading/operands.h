@@ -20,6 +20,9 @@ bool isSetting(const std::string& operand);
 /// Reads one that stands behind the music: `in`, `out` or `volume`. Throws UsageError when it is none.
 void setMusic(Music& music, const std::string& operand);
 
+/// Throws UsageError when operands say how two inputs meet, which has no place where these are sorted.
+void refuseMeetings(const std::vector<std::string>& operands);
+
 /// Puts the inputs into the order in which a person counts: img2 before img10. Throws UsageError when
 /// `operands` say how two of them meet.
 void sortNaturally(FilmRequest& film, const std::vector<std::string>& operands);
