@@ -88,19 +88,20 @@ class CommandTest : public testing::Test {
         EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
         std::fflush(nullptr);
         const pid_t child = fork();
-        if (child == 0) {
-            for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) dup2(ends[1], stream);
-            if (chdir(folder_.c_str()) != 0) _exit(126);
-            std::vector<char*> argv;
-            for (std::size_t at = 0; at < words.size(); at += std::strlen(&words[at]) + 1)
-                argv.push_back(&words[at]);
-            argv.push_back(nullptr);
-            const int status = ::vantle::commandLine(static_cast<int>(argv.size()) - 1, argv.data());
-            std::fflush(nullptr);
-            // Not by way of all that libraries tidy up; leaks are looked for where work has been done.
-            if (!SANITIZED || status != 0) _exit(status);
-            std::exit(status);
-        }
+        if (child == 0)
+            [&]() noexcept {  // nothing of it may go on with the tests
+                for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) dup2(ends[1], stream);
+                if (chdir(folder_.c_str()) != 0) _exit(126);
+                std::vector<char*> argv;
+                for (std::size_t at = 0; at < words.size(); at += std::strlen(&words[at]) + 1)
+                    argv.push_back(&words[at]);
+                argv.push_back(nullptr);
+                const int status = ::vantle::commandLine(static_cast<int>(argv.size()) - 1, argv.data());
+                std::fflush(nullptr);
+                // Not by way of all that libraries tidy up; leaks are looked for where work has been done.
+                if (!SANITIZED || status != 0) _exit(status);
+                std::exit(status);
+            }();
         close(ends[1]);
         return outcomeOf(fdopen(ends[0], "r"), [child](FILE* pipe) {
             int status = 0;

@@ -60,9 +60,9 @@ OpenFilm openFilm(const FilmRequest& request, const std::string& library, bool q
     LaidOut laid = layOut(request, std::move(sources), std::move(chosen));
     std::vector<TransFunc*> transitions;
     for (const Join& join : laid.film.joins) {
-        const auto found = std::ranges::find(plugin.joins(),
-                                             join.transition ? join.transition->function : std::string(),
-                                             &Transition::function);
+        const auto found =
+            std::ranges::find(plugin.joins(), join.transition ? join.transition->function : std::string(),
+                              &Transition::function);
         transitions.push_back(join.transition ? found->draw : nullptr);
     }
     return {std::move(plugin), std::move(inputs), std::move(laid), std::move(transitions)};
