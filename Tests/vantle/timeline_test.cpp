@@ -323,7 +323,7 @@ TEST(FilmShape, IsThatOfMostOfTheFilmAndTakesThePlayersLimits) {
              {{{small, pal, 1}, {upright, pal, 9}}, {.lines = 1080}, "1080x1920 25/1 "},
          }) {
         const FilmShape made = chooseShape(inputs, wish);
-        const std::string why = made.why.empty() ? "" : made.why.substr(12);
+        const std::string why = made.why.empty() ? "" : made.why.substr(21);
         const std::string text = std::to_string(made.size.width) + "x" + std::to_string(made.size.height) +
                                  " " + std::to_string(made.rate.num) + "/" + std::to_string(made.rate.den) +
                                  " " + why;

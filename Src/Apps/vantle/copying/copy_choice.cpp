@@ -66,6 +66,9 @@ std::vector<std::string> losses(const CopyPlan& plan) {
     const auto isDrawn = [&](std::size_t join) {
         return join < film.joins.size() && film.joins[join].transition;
     };
+    const auto isFaded = [&](const Part& part) {
+        return part.start < film.fadeIn || part.end() > film.frames() - film.fadeOut;
+    };
     std::vector<std::string> notes;
     for (std::size_t i = 0; i < film.parts.size(); ++i) {
         const Source& source = film.sourceOf(film.parts[i]);
@@ -75,9 +78,11 @@ std::vector<std::string> losses(const CopyPlan& plan) {
         if (source.colours.hdr())
             tell("its HDR colours are mapped to ordinary ones of 8 bits");
         else if (source.depth > 8 && !source.still &&
-                 (source.depth > kept || isDrawn(i) || (i > 0 && isDrawn(i - 1))))
+                 (source.depth > kept || isFaded(film.parts[i]) || isDrawn(i) || (i > 0 && isDrawn(i - 1))))
             tell("its colours of " + std::to_string(source.depth) + " bits become ones of 8" +
-                 (source.depth > kept ? "" : " in joins"));
+                 (source.depth > kept      ? ""
+                  : isFaded(film.parts[i]) ? " in joins and fades"
+                                           : " in joins"));
     }
     return notes;
 }

@@ -90,7 +90,7 @@ class Choice {
             chooseRate();
         }
         if (!shape_.why.empty())
-            shape_.why = "the film is " + shape_.why + "; --size and --fps choose others";
+            shape_.why = "chosen for the film: " + shape_.why + "; --size and --fps choose others";
         return shape_;
     }
 
@@ -163,7 +163,8 @@ class Choice {
         const Showing& chosen = largest != alike.end() ? *largest : alike.front();
         shape_.size = chosen.size;
         if (!isOne)
-            why += std::string(why.empty() ? "" : ", ") + "the largest size that a quarter of that has";
+            why += why.empty() ? "the largest size that a quarter of it has"
+                               : ", the largest size that a quarter of that has";
         const bool isOfClips = isOne && alike.size() == inputs_.size() && clips_.size() == inputs_.size();
         if (const Size fitting = playable(chosen); wish_.isVideo && !isOfClips && fitting != chosen.size) {
             shape_.size = fitting;
