@@ -130,6 +130,7 @@ TEST_F(Render, WritesEveryKindOfVideoFromGeneratedSources) {
         EXPECT_EQ(probe(name, "stream=codec_name,width,height,nb_read_frames"),
                   std::string(codec) + ",128,72,25");
     }
+              60'000);  // of one palette: what stands still is not stored again
     render(film + "a.webp");
     // FFmpeg does not read it: its pictures last a second in all, over and over again.
     const Bytes bytes = contents("a.webp");
@@ -160,6 +161,27 @@ TEST_F(Render, FitsAnInputOfAnotherShape) {
     const Pictures stretch = rowsOfEnd("stretch");
     EXPECT_EQ(stretch.luma(0, 0, 16), 255);
     EXPECT_LT(stretch.luma(0, 0, 0), 128);
+}
+
+TEST_F(Render, MovesOverStillsWithoutAJump) {
+    // A pixel of it is sixteen of the canvas and eight levels.
+    ffmpeg("-f lavfi -i color=black:s=32x32,format=gray,geq=lum=8*X -frames:v 1 ramp.png");
+    ffmpeg("-f lavfi -i color=white:s=32x32 -frames:v 1 white.png");
+    const std::string film =
+        "ramp.png +cut white.png fit=contain --size 512x256 --hold 1 --fit cover --fps 30 --motion --seed 1 ";
+    render(film + "-o m_%d.png");
+    render(film + "--frames 20-20 -o part_%d.png");
+    EXPECT_EQ(contents("part_20.png"), contents("m_20.png"));
+    const Pictures moved = decode("m_%d.png", 512, 256, "gray", 2);
+    const auto step = [&](std::size_t i) { return moved.luma(i + 1, 32, 128) - moved.luma(i, 32, 128); };
+    int sum = 0;
+    for (std::size_t i = 0; i < 29; ++i) {
+        EXPECT_LE(std::abs(step(i)), 1) << i;
+        sum += step(i);
+    }
+    EXPECT_GE(std::abs(sum), 2);
+    for (const std::size_t i : {30U, 45U, 59U})  // in its place, to its edges
+        EXPECT_EQ(moved.luma(i, 128, 0) + moved.luma(i, 383, 255) - moved.luma(i, 127, 128), 510) << i;
 }
 
 TEST_F(Render, PlaysOnWhereAnInputChangesHalfWay) {

@@ -1,6 +1,8 @@
 // A film as a description: what operands say, times on grids, inputs laid out. No file is opened here.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -161,6 +163,32 @@ TEST(Operands, SayWhatIsShownAndHowItMeets) {
         } catch (const UsageError& error) {
             EXPECT_NE(std::string(error.what()).find(says), std::string::npos) << error.what();
         }
+}
+
+TEST(FilmDescription, HasMotionThatStaysWithinItsStills) {
+    FilmRequest request = film({"a", "b.mp4", "c", "d", "motion=no"}, {"Row"});
+    request.motion = true;
+    const std::vector<Source> sources{still("a"), clip("b.mp4", 5000), still("c"), still("d")};
+    std::optional<Motion> before;
+    for (const std::uint32_t seed : {1U, 2U, 3U, 4U, 5U, 6U}) {
+        request.seed = seed;
+        const std::vector<Part> parts = laidOut(request, sources).film.parts;
+        EXPECT_FALSE(parts[1].motion || parts[3].motion);
+        for (const std::size_t i : {0U, 2U}) {
+            ASSERT_TRUE(parts[i].motion);
+            for (const double position : {-0.1, 0.0, 0.3, 1.0, 1.1}) {
+                const View view = parts[i].motion->at(position);
+                EXPECT_GE(std::min(view.left, view.top), 0.0);
+                EXPECT_LE(std::max(view.left, view.top) + view.size, 1.0 + 1e-9);
+            }
+            EXPECT_NE(parts[i].motion, before);
+            before = parts[i].motion;
+        }
+        EXPECT_EQ(laidOut(request, sources).film.parts[2].motion, before);
+    }
+    request = film({"a", "b.mp4", "motion=yes"}, {"Row"});
+    EXPECT_NE(text(laidOut(request, {still("a"), clip("b.mp4", 5000)})).find("motion is for stills"),
+              std::string::npos);
 }
 
 TEST(Operands, LoseNothingInSilence) {

@@ -132,7 +132,7 @@ void addRenderCommand(CLI::App& app) {
         "lavfi:testsrc2=size=640x360:duration=3). `+NAME` between two inputs says how they meet: a "
         "transition,\n"
         "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit, turn,\n"
-        "flip, mute and volume "
+        "flip, motion, mute and volume "
         "to an input, duration to a transition, in, out and volume to --music FILE. A file of such a name "
         "is\n"
         "written ./+x or ./in=2. Times are seconds (2.5), 1:02.5, 500ms or frames of the film (12f). OUT is "
@@ -174,7 +174,7 @@ void addRenderCommand(CLI::App& app) {
     addFade("--fade-in", request.film.fadeIn, "How long the film takes from black and silence");
     addFade("--fade-out", request.film.fadeOut, "How long it takes to black and silence at its end");
     command->add_option("--seed", request.film.seed,
-                        "What -t random follows from (default: another each time)");
+                        "What -t random (default: another each time) and --motion (default: 0) follow from");
     command
         ->add_option("--sort", options.sort,
                      "Inputs in another order. natural: as one counts, img2 before img10; date: as they were "
@@ -183,6 +183,8 @@ void addRenderCommand(CLI::App& app) {
         ->check(CLI::IsMember({"natural", "date"}));
     command->add_flag("--shrink", request.film.shrink,
                       "Shorten transitions that are too long for their inputs");
+    command->add_flag("--motion", request.film.motion,
+                      "Move slowly over stills, closer, farther or along, as --seed chooses");
     command->add_flag("--mute", request.film.mute, "Leave out the audio of all inputs");
     command
         ->add_option(

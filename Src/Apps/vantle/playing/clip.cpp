@@ -1,5 +1,6 @@
 #include "playing/clip.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "playing/onto_canvas.h"
@@ -16,8 +17,8 @@ bool sameForm(const AVFrame& a, const AVFrame& b) {
 
 }  // namespace
 
-Clip::Clip(Input& input, const Canvas& canvas, std::int64_t first, bool audio)
-    : input_(input), canvas_(canvas), number_(first) {
+Clip::Clip(Input& input, const Film& film, const Part& part, std::int64_t first, bool audio)
+    : input_(input), canvas_{film.canvas.size, film.canvas.rate, part.fit}, part_(part), number_(first) {
     input_.start(number_, canvas_.rate, audio);
 }
 
@@ -33,8 +34,16 @@ av::Frame Clip::next() {
     }
     if (!decoded_) throw Error(input_.name() + ": its pictures cannot be read");
     ++number_;
+    if (part_.motion) return moved();
     if (!shown_) shown_ = onCanvas(*decoded_);
     return av::share(*shown_);
+}
+
+av::Frame Clip::moved() {
+    if (!moving_) moving_.emplace(canvas_, input_, *decoded_, *part_.motion);
+    // By its place in the part alone, so that pieces of a film agree with all of it.
+    const auto frame = static_cast<double>(number_ - 1 - part_.first);
+    return moving_->at(frame / static_cast<double>(std::max<std::int64_t>(part_.frames - 1, 1)));
 }
 
 av::Frame Clip::onCanvas(const AVFrame& picture) {

@@ -9,12 +9,6 @@
 
 namespace vantle {
 
-namespace {
-
-Canvas canvasOf(const Film& film, const Part& part) { return {film.canvas.size, film.canvas.rate, part.fit}; }
-
-}  // namespace
-
 FilmReader::FilmReader(const OpenFilm& open, std::int64_t first, bool audio)
     : open_(open), film_(open.film()), frame_(first), audio_(audio) {}
 
@@ -55,8 +49,7 @@ av::Frame FilmReader::pictureOf(std::size_t number, std::int64_t frame) {
     const bool isNew = player == players_.end();
     if (isNew) {
         players_.push_back(
-            {number,
-             Clip(open_.inputOf(part), canvasOf(film_, part), frame - part.offset(), audio_ && part.audible),
+            {number, Clip(open_.inputOf(part), film_, part, frame - part.offset(), audio_ && part.audible),
              nullptr});
         player = std::prev(players_.end());
     }
@@ -84,8 +77,8 @@ std::vector<Moment> momentsOf(const OpenFilm& open, std::size_t number,
             const Part& part = film.parts[number + side];
             const std::int64_t wanted = side == 0 ? std::min(k, join.frames - 1) : k;
             if (!clips[side]) {
-                clips[side].emplace(open.inputOf(part), canvasOf(film, part),
-                                    join.start - part.offset() + wanted, false);
+                clips[side].emplace(open.inputOf(part), film, part, join.start - part.offset() + wanted,
+                                    false);
                 next[side] = wanted;
             }
             for (; next[side] <= wanted; ++next[side]) pictures[side] = clips[side]->next();

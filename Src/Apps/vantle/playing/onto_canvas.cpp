@@ -87,6 +87,16 @@ void addBlurredSides(std::vector<Filter>& filters, Size picture, Size canvas) {
 
 }  // namespace
 
+Box boxOf(Size size, const Canvas& canvas) {
+    if (canvas.fit == Fit::stretch || canvas.fit == Fit::cover) return {0, 0, canvas.size};
+    Size shown = scaledTo(size, canvas.size, false);
+    if (canvas.fit == Fit::blur) shown = withRoomBeside(shown, canvas.size);
+    const int across = canvas.size.width - shown.width;
+    const int down = canvas.size.height - shown.height;
+    if (canvas.fit == Fit::blur) return {evenHalf(across), evenHalf(down), shown};
+    return {across / 2, down / 2, shown};
+}
+
 std::vector<Filter> filtersOnto(const Canvas& canvas, const Input& input, const AVFrame& picture) {
     std::vector<Filter> filters = upright(input.orientationOf(picture));
     if (coloursOf(picture).hdr())
@@ -102,10 +112,9 @@ std::vector<Filter> filtersOnto(const Canvas& canvas, const Input& input, const 
         filters.insert(filters.end(), {{"format", {{"pix_fmts", "gbrap"}}},
                                        {"premultiply", {{"inplace", "1"}}},
                                        {"format", {{"pix_fmts", "gbrp"}}}});
-    Size scaled = canvas.fit == Fit::stretch
-                      ? canvas.size
-                      : scaledTo(input.shownSize(picture), canvas.size, canvas.fit == Fit::cover);
-    if (canvas.fit == Fit::blur) scaled = withRoomBeside(scaled, canvas.size);
+    const Size size = input.shownSize(picture);
+    const Size scaled =
+        canvas.fit == Fit::cover ? scaledTo(size, canvas.size, true) : boxOf(size, canvas).size;
     filters.push_back(sized("scale", scaled, {{"flags", "bicubic"}}));
     if (scaled != canvas.size && canvas.fit == Fit::cover) filters.push_back(sized("crop", canvas.size));
     if (scaled != canvas.size && canvas.fit == Fit::contain)

@@ -16,7 +16,7 @@ namespace vantle {
 
 namespace {
 
-constexpr const char* inputSettings = "in, out, hold, fit, turn, flip, mute, volume";
+constexpr const char* inputSettings = "in, out, hold, fit, turn, flip, motion, mute, volume";
 
 /// `key=value` when the key is one of the closed set.
 std::optional<std::pair<std::string, std::string>> settingIn(const std::string& operand) {
@@ -24,7 +24,7 @@ std::optional<std::pair<std::string, std::string>> settingIn(const std::string& 
     if (middle == std::string::npos) return {};
     const std::string key = operand.substr(0, middle);
     for (const std::string_view known :
-         {"in", "out", "hold", "fit", "turn", "flip", "mute", "volume", "duration"})
+         {"in", "out", "hold", "fit", "turn", "flip", "motion", "mute", "volume", "duration"})
         if (key == known) return std::pair{key, operand.substr(middle + 1)};
     return {};
 }
@@ -90,6 +90,8 @@ void set(Shot& shot, const std::string& operand, const std::string& key, const s
         shot.turn = inTurn(shot.turn, turnIn(operand, value));
     else if (key == "flip")
         shot.turn = inTurn(shot.turn, flipIn(operand, value));
+    else if (key == "motion")
+        shot.motion = yesIn(operand, value);
     else if (key == "mute")
         shot.mute = yesIn(operand, value);
     else if (key == "volume")

@@ -11,6 +11,7 @@
 
 #include "media/canvas.h"
 #include "timeline/film_request.h"
+#include "timeline/motion.h"
 #include "timeline/source.h"
 
 namespace vantle {
@@ -28,8 +29,9 @@ struct Part {
     std::int64_t frames = 0;  ///< how many frames show it
     std::int64_t first = 0;   ///< the source's picture that the first of them shows
     Fit fit = Fit::contain;
-    bool audible = false;  ///< it has audio that is heard
-    double volume = 1.0;   ///< a factor
+    bool audible = false;            ///< it has audio that is heard
+    double volume = 1.0;             ///< a factor
+    std::optional<Motion> motion{};  ///< over a still
 
     std::int64_t end() const { return start + frames; }
     bool holds(std::int64_t frame) const { return frame >= start && frame < end(); }

@@ -28,7 +28,8 @@ struct Shot {
     std::optional<Time> out{};   ///< exclusive; its end when absent
     std::optional<Time> hold{};  ///< how long an endless input shows outside its joins
     std::optional<Fit> fit{};
-    Orientation turn{};  ///< of its upright pictures
+    Orientation turn{};            ///< of its upright pictures
+    std::optional<bool> motion{};  ///< of a still
     bool mute = false;
     double volume = 1.0;  ///< a factor
 };
@@ -61,7 +62,8 @@ struct FilmRequest {
     std::optional<AVRational> rate{};  ///< chosen for all inputs when absent
     bool firstRate = false;            ///< it is that of the first input that has one
     Fit fit = Fit::contain;
-    std::optional<std::uint32_t> seed{};  ///< what `random` follows from; 0 when absent
+    std::optional<std::uint32_t> seed{};  ///< what `random` and motion follow from; 0 when absent
+    bool motion = false;                  ///< the view moves over stills
     bool mute = false;                    ///< leaves out the audio of all inputs
     bool level = false;                   ///< brings all that is heard to one loudness
     FadeCurve fadeCurve = FadeCurve::qsin;

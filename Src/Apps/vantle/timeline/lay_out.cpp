@@ -130,6 +130,8 @@ class Layout {
                                         : ": hold is for stills; in and out say what of a clip is shown"));
         if (source.still && shot.in && !shot.out)
             complain(source.name + ": in is for clips; hold says how long a still shows");
+        if (shot.motion && !source.still)
+            complain(source.name + ": motion is for stills; a clip moves by itself");
         if (shot.volume != 1.0 && !source.audio)
             complain(source.name + ": has no audio whose volume could be changed");
         const std::int64_t length = source.endless ? endlessFrames : source.frames(rate);
@@ -210,6 +212,7 @@ class Layout {
         if (film.drawsEnds && !film.joins.empty() && film.joins.back().transition)
             film.parts.back().frames = std::max(film.parts.back().frames, film.joins.back().frames + 1);
         findFades();
+        moveStills();
         film.audio = audioForm();
         // All from one input: a place of one and the camera of another would be true of neither.
         const auto tells = [](const Source& source) { return !source.tags.empty(); };
@@ -226,6 +229,18 @@ class Layout {
             complain("--fade-in and --fade-out take " + count(both) + " (" + inSeconds(both, rate) +
                      ") together, and the film has " + count(film.frames()) + " (" +
                      inSeconds(film.frames(), rate) + ")");
+    }
+
+    void moveStills() {
+        Film& film = laid_.film;
+        for (Part& part : film.parts) {
+            if (!film.sourceOf(part).still || !request_.shots[part.source].motion.value_or(request_.motion))
+                continue;
+            const double seconds = static_cast<double>(part.frames) / av_q2d(film.canvas.rate);
+            part.motion = slowMotion(request_.seed.value_or(0), part.source, seconds);
+        }
+        if (request_.motion && std::ranges::none_of(film.sources, &Source::still))
+            laid_.notes.push_back("--motion moves stills, and no input is one");
     }
 
     /// The first input's rate, and as many channels as all agree on, else two.
