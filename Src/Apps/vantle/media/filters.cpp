@@ -29,8 +29,16 @@ av::Graph parseGraph(const std::string& description) {
     return graph;
 }
 
-Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters)
+Filters::Filters(const std::vector<const AVFrame*>& likes, AVRational timeBase,
+                 const std::vector<Filter>& filters)
     : graph_(av::check(avfilter_graph_alloc(), "filters")) {
+    for (const AVFrame* const like : likes) addInput(*like, timeBase);
+    for (const Filter& filter : filters) add(filter);
+    sink_ = add({likes.front()->width > 0 ? "buffersink" : "abuffersink"});
+    av::check(avfilter_graph_config(graph_.get(), nullptr), "filters");
+}
+
+void Filters::addInput(const AVFrame& like, AVRational timeBase) {
     const bool video = like.width > 0;
     const std::unique_ptr<AVBufferSrcParameters, Free> parameters(
         av::check(av_buffersrc_parameters_alloc(), "filters"));
@@ -45,17 +53,15 @@ Filters::Filters(const AVFrame& like, AVRational timeBase, const std::vector<Fil
     parameters->color_range = like.color_range;
 #endif
     if (!video) av::check(av_channel_layout_copy(&parameters->ch_layout, &like.ch_layout), "filters");
-    source_ = av::check(
-        avfilter_graph_alloc_filter(graph_.get(), avfilter_get_by_name(video ? "buffer" : "abuffer"), "in"),
-        "filters");
-    const int code = av_buffersrc_parameters_set(source_, parameters.get());
+    AVFilterContext* const source =
+        av::check(avfilter_graph_alloc_filter(graph_.get(),
+                                              avfilter_get_by_name(video ? "buffer" : "abuffer"), nullptr),
+                  "filters");
+    const int code = av_buffersrc_parameters_set(source, parameters.get());
     av_channel_layout_uninit(&parameters->ch_layout);
     av::check(code, "filters");
-    av::check(avfilter_init_dict(source_, nullptr), "filters");
-    nodes_.push_back({source_, 0});
-    for (const Filter& filter : filters) add(filter);
-    sink_ = add({video ? "buffersink" : "abuffersink"});
-    av::check(avfilter_graph_config(graph_.get(), nullptr), "filters");
+    av::check(avfilter_init_dict(source, nullptr), "filters");
+    nodes_.push_back({source, 0});
 }
 
 AVFilterContext* Filters::add(const Filter& filter) {
@@ -78,13 +84,15 @@ AVFilterContext* Filters::add(const Filter& filter) {
     return context;
 }
 
-void Filters::push(av::Frame frame) {
-    const int code = av_buffersrc_add_frame(source_, frame.get());
+void Filters::push(av::Frame frame, std::size_t input) {
+    const int code = av_buffersrc_add_frame(nodes_.at(input).filter, frame.get());
     // A graph that has all it wants closes its input; what still comes is not needed.
     if (code != AVERROR_EOF) av::check(code, "filters");
 }
 
-void Filters::close(std::int64_t time) { av::check(av_buffersrc_close(source_, time, 0), "filters"); }
+void Filters::close(std::int64_t time, std::size_t input) {
+    av::check(av_buffersrc_close(nodes_.at(input).filter, time, 0), "filters");
+}
 
 av::Frame Filters::pull() {
     av::Frame frame = av::makeFrame();

@@ -14,7 +14,8 @@ namespace vantle {
 struct Filter {
     const char* name;
     av::Options options{};
-    /// What it reads: numbers of filters before it, the graph's input being 0; the one before when empty.
+    /// What it reads: numbers of filters before it, which the graph's inputs begin; the one before when
+    /// empty.
     std::vector<std::size_t> inputs{};
 };
 
@@ -22,18 +23,23 @@ struct Filter {
 /// be read has none.
 av::Graph parseGraph(const std::string& description);
 
-/// Filters, most often a chain, with one input and one output, that of the last filter.
+/// Filters, most often a chain, with one input or several and one output, that of the last filter.
 class Filters {
    public:
     /// For frames of the format of `like`, with times in `timeBase`. Throws Error when a filter is
     /// unknown or refuses its settings.
-    Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters);
+    Filters(const AVFrame& like, AVRational timeBase, const std::vector<Filter>& filters)
+        : Filters(std::vector<const AVFrame*>{&like}, timeBase, filters) {}
 
-    /// Gives the graph its next frame.
-    void push(av::Frame frame);
+    /// The same with an input for each of `likes`.
+    Filters(const std::vector<const AVFrame*>& likes, AVRational timeBase,
+            const std::vector<Filter>& filters);
 
-    /// Says that the input ends at `time`: when its last frame has been shown.
-    void close(std::int64_t time);
+    /// Gives an input of the graph its next frame.
+    void push(av::Frame frame, std::size_t input = 0);
+
+    /// Says that an input ends at `time`: when its last frame has been shown.
+    void close(std::int64_t time, std::size_t input = 0);
 
     /// The next result, or null when the graph needs input first or has ended (see `ended`).
     av::Frame pull();
@@ -45,6 +51,7 @@ class Filters {
     bool ended() const { return ended_; }
 
    private:
+    void addInput(const AVFrame& like, AVRational timeBase);
     AVFilterContext* add(const Filter& filter);
     av::Frame result(int code, av::Frame frame);
 
@@ -55,7 +62,6 @@ class Filters {
 
     av::Graph graph_;
     std::vector<Node> nodes_;
-    AVFilterContext* source_ = nullptr;
     AVFilterContext* sink_ = nullptr;
     bool ended_ = false;
 };

@@ -1,17 +1,34 @@
 #include "media/palette.h"
 
 #include <utility>
-#include <vector>
 
 namespace vantle {
 
-Palettes::Palettes(Size size)
-    : filters_(*blankPicture(size, format), {1, 1000},
-               {{"split"},
-                {"palettegen", {{"stats_mode", "single"}, {"reserve_transparent", "0"}}},
-                {"paletteuse", {{"new", "1"}}, {1, 2}}}) {}
+namespace {
 
-av::Frame Palettes::reduced(av::Frame picture) {
+constexpr AVRational milliseconds{1, 1000};
+
+}  // namespace
+
+PaletteMaker::PaletteMaker(Size size)
+    : filters_(*blankPicture(size, Palettized::format), milliseconds, {{"palettegen"}}) {}
+
+av::Frame PaletteMaker::palette() {
+    filters_.close(0);
+    av::Frame palette = filters_.pull();
+    if (!palette) throw Error("no palette for these pictures");
+    return palette;
+}
+
+Palettized::Palettized(Size size, av::Frame palette)
+    : filters_({blankPicture(size, format).get(), palette.get()}, milliseconds,
+               {{"paletteuse", {{"diff_mode", "rectangle"}}, {0, 1}}}) {
+    palette->pts = 0;
+    filters_.push(std::move(palette), 1);
+    filters_.close(0, 1);
+}
+
+av::Frame Palettized::reduced(av::Frame picture) {
     if (!picture) return nullptr;
     const std::int64_t time = picture->pts;
     filters_.push(std::move(picture));

@@ -8,10 +8,10 @@
 
 #include "Host/error.h"
 #include "media/packet_source.h"
-#include "media/palette.h"
 #include "output/movie_file.h"
 #include "output/picture_writer.h"
 #include "playing/film_player.h"
+#include "rendering/film_palette.h"
 #include "system/progress_bar.h"
 #include "timeline/chapters.h"
 
@@ -60,13 +60,12 @@ void writeMovie(const RenderRequest& request, const MovieKind& kind, const OpenF
     std::unique_ptr<Encoder> audio;
     if (film.audio && kind.audioEncoder != nullptr)
         audio = makeAudioEncoder(kind, request.encoders, *film.audio, 0, file.wantsGlobalHeaders());
-    // A format of 256 colours: each picture gets a palette of its own.
-    std::optional<Palettes> palettes;
-    if (video->context().pix_fmt == AV_PIX_FMT_PAL8) palettes.emplace(film.canvas.size);
-    FilmPlayer player(open, first, end, palettes ? Palettes::format : pictureFormatOf(video->context()),
+    std::optional<Palettized> palette;
+    if (video->context().pix_fmt == AV_PIX_FMT_PAL8) palette.emplace(paletteFor(open, first, end));
+    FilmPlayer player(open, first, end, palette ? Palettized::format : pictureFormatOf(video->context()),
                       audio ? std::optional(audioFormatOf(audio->context())) : std::nullopt);
-    EncodedPackets pictures(
-        std::move(video), [&] { return palettes ? palettes->reduced(player.picture()) : player.picture(); });
+    EncodedPackets pictures(std::move(video),
+                            [&] { return palette ? palette->reduced(player.picture()) : player.picture(); });
     std::optional<EncodedPackets> samples;
     if (audio) samples.emplace(std::move(audio), [&] { return player.audio(); });
     file.describe(film.tags, request.chapters ? chaptersOf(film, first, end) : std::vector<Chapter>{},

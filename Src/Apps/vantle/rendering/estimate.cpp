@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "media/packet_source.h"
-#include "media/palette.h"
 #include "playing/film_player.h"
 #include "rendering/encode_film.h"
+#include "rendering/film_palette.h"
 
 namespace vantle {
 
@@ -40,15 +40,16 @@ Trial tryEncodingOf(const RenderRequest& request, const MovieKind& kind, const O
     const Film& film = open.film();
     std::unique_ptr<Encoder> encoder = makeVideoEncoder(
         kind, request.encoders, film.canvas, film.sources.front().colours, request.encoderOptions, false);
-    std::optional<Palettes> palettes;
-    if (encoder->context().pix_fmt == AV_PIX_FMT_PAL8) palettes.emplace(film.canvas.size);
+    std::optional<Palettized> palette;
+    if (encoder->context().pix_fmt == AV_PIX_FMT_PAL8)
+        palette.emplace(paletteFor(open, span.first, span.second));
     FilmPlayer player(open, span.first, span.second,
-                      palettes ? Palettes::format : pictureFormatOf(encoder->context()), {});
+                      palette ? Palettized::format : pictureFormatOf(encoder->context()), {});
     av::Frame first = player.picture();  // finding the place is no part of it
     const auto began = std::chrono::steady_clock::now();
     EncodedPackets packets(std::move(encoder), [&] {
         av::Frame picture = first ? std::move(first) : player.picture();
-        return palettes ? palettes->reduced(std::move(picture)) : std::move(picture);
+        return palette ? palette->reduced(std::move(picture)) : std::move(picture);
     });
     Trial trial{.frames = span.second - span.first};
     while (const av::Packet packet = packets.next()) {
