@@ -131,8 +131,9 @@ void addRenderCommand(CLI::App& app) {
         "IN is a still, a video, an image sequence (img_%04d.png) or a generated source (lavfi:GRAPH, as\n"
         "lavfi:testsrc2=size=640x360:duration=3). `+NAME` between two inputs says how they meet: a "
         "transition,\n"
-        "`random` or `cut`. `key=value` belongs to what stands before it: in, out, hold, fit, turn,\n"
-        "flip, motion, mute and volume "
+        "a fade, `random` or `cut`; else -t does, or they fade.\n"
+        "`key=value` belongs to what stands before it: in, out, hold, fit, turn, flip, motion, mute and "
+        "volume\n"
         "to an input, duration to a transition, in, out and volume to --music FILE. A file of such a name "
         "is\n"
         "written ./+x or ./in=2. Times are seconds (2.5), 1:02.5, 500ms or frames of the film (12f). OUT is "
@@ -171,8 +172,9 @@ void addRenderCommand(CLI::App& app) {
             ->type_name("TIME")
             ->check(aTime(3600.0));
     };
-    addFade("--fade-in", request.film.fadeIn, "How long the film takes from black and silence");
-    addFade("--fade-out", request.film.fadeOut, "How long it takes to black and silence at its end");
+    addFade("--fade-in", request.film.fadeIn,
+            "How long the whole film takes to fade in from black and silence");
+    addFade("--fade-out", request.film.fadeOut, "How long it takes to fade out to black and silence");
     command->add_option("--seed", request.film.seed,
                         "What -t random (default: another each time) and --motion (default: 0) follow from");
     command
