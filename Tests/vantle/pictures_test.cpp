@@ -85,6 +85,12 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
     ffmpeg(std::string(quarters) + "-t 0.4 -c:v libx264 -pix_fmt yuv420p square.mp4");
     ffmpeg("-i square.mp4 -c copy -aspect 4:1 wide.mp4");
     EXPECT_TRUE(shown("wide.mp4").starts_with("128,32 R"));
+    ffmpeg("-i square.mp4 -c copy -aspect 65:32 near.mp4");  // but for rounding
+    EXPECT_TRUE(shown("near.mp4").starts_with("64,32 R"));
+    // What is copied says its colours too.
+    const std::string colours = "stream=color_range,color_space,color_transfer,color_primaries";
+    render("square.mp4 +cut square.mp4 --copy always -o copied.mp4");
+    EXPECT_EQ(probe("copied.mp4", colours), "tv,smpte170m,smpte170m,smpte170m");
     EXPECT_NE(vantle("render wide.mp4 wide.mp4 -t 0 --duration 2f --plan").text().find("128x32"),
               std::string::npos);
     // Copied as stored, shown as meant.
@@ -125,8 +131,9 @@ TEST_F(PicturesAsMeant, KeepTheShapeAndTheColoursTheyWereMadeIn) {
         // So is what becomes of RGB.
         ffmpeg(std::string("-f lavfi -i color=red:s=") + size + " -t 0.4 -c:v libx264rgb rgb.mkv");
         render("rgb.mkv rgb.mkv -t 0 --duration 0.1 -f -o rgb.mp4");
-        EXPECT_EQ(probe("rgb.mp4", "stream=color_space"),
-                  matrix == std::string("bt709") ? matrix : "smpte170m");
+        EXPECT_EQ(
+            probe("rgb.mp4", colours),
+            std::string("tv,") + (matrix == std::string("bt709") ? matrix : "smpte170m") + ",bt709,bt709");
     }
     // From one range to the other and back, in joins and between them.
     std::string film;

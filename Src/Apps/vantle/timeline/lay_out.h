@@ -19,7 +19,7 @@ struct Complaint {
     bool isUsage = false;  ///< the request makes no sense, whatever the inputs are
 };
 
-/// The rate of the first input: that of the first that has one, else 30 per second.
+/// The rate of the first input that has one, else 30 per second.
 AVRational commonRate(std::span<const Source> sources);
 
 /// The transition of each meeting, none for a cut. One that is asked for as `random` is drawn from the
