@@ -349,11 +349,14 @@ TEST_F(Render, SaysWhatCannotBeDecodedAndLeavesOutAudioOfThatKind) {
     ffmpeg(
         "-i clip.mov -c:v copy -c:a aac -encryption_scheme cenc-aes-ctr -encryption_key "
         "00112233445566778899aabbccddeeff -encryption_kid 00112233445566778899aabbccddeeff secret.mp4");
-    const Outcome silent = vantle("render audio.mov clip.mov -t 0 --duration 5f --copy never -f -o film.mp4");
+    std::ofstream(folder_ / "words.srt") << "1\n00:00:00,000 --> 00:00:01,000\nA word\n";
+    ffmpeg("-i clip.mov -i words.srt -c copy -c:s mov_text spoken.mov");
+    const Outcome silent =
+        vantle("render audio.mov spoken.mov -t 0 --duration 5f --copy never -f -o film.mp4");
     EXPECT_EQ(silent.status, 0) << silent.text();
-    EXPECT_NE(silent.text().find("audio.mov: FFmpeg has no decoder for its audio (nvr1); it is left out\n"),
-              std::string::npos)
-        << silent.text();
+    for (const std::string line : {"audio.mov: FFmpeg has no decoder for its audio (nvr1); it is left out\n",
+                                   "spoken.mov: its subtitles are left out\n"})
+        EXPECT_NE(silent.text().find(line), std::string::npos) << silent.text();
     EXPECT_EQ(probe("film.mp4", "stream=codec_name,nb_read_frames"), "h264,45\naac,78");
     for (const auto& [operands, says] :
          {std::pair{"pictures.mov clip.mov", "pictures.mov: FFmpeg has no decoder for its pictures (nvr2)\n"},

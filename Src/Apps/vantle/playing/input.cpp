@@ -94,6 +94,8 @@ Input::Input(const std::string& name, Orientation turn) : turn_(turn) {
     } else if (opened_->demuxer.holds(AVMEDIA_TYPE_AUDIO)) {
         source_.leftOut = opened_->demuxer.whyNone(AVMEDIA_TYPE_AUDIO) + "; it is left out";
     }
+    if (opened_->demuxer.holds(AVMEDIA_TYPE_SUBTITLE))
+        source_.leftOut += (source_.leftOut.empty() ? "" : "; ") + std::string("its subtitles are left out");
     constexpr std::string_view generated = "lavfi:";
     source_.generated = name.starts_with(generated);
     source_.endless = source_.still || (source_.generated && runsForever(name.substr(generated.size())));
