@@ -33,7 +33,7 @@ class GalleryTest(unittest.TestCase):
 
         cls.devtools = cls.browser.execute_cdp_cmd
 
-    def open(self, motion, width=800, height=600):
+    def open(self, motion, width=1600, height=1000):
         self.devtools('Emulation.setDeviceMetricsOverride',
                       dict(width=width, height=height, deviceScaleFactor=1, mobile=False))
         self.devtools('Emulation.setEmulatedMedia', dict(features=[dict(name='prefers-reduced-motion', value=motion)]))
@@ -109,7 +109,7 @@ class GalleryTest(unittest.TestCase):
             self.press('n')
 
     def test_search_families_and_keys(self):
-        self.open('no-preference')
+        self.open('no-preference', 800, 600)
         self.press('/', 'round zoom')
         self.assertEqual(self.texts('.name'), ['Round_zoom_out', 'Round_zoom_in'])
         for words, found in (('iris', 4), ('soft rim', 2), ('barn', 3), ('no such', 0)):
