@@ -12,18 +12,18 @@ TEST(Words, LeadFromWhatPeopleSayToWhatThereIs) {
         const char* found;  ///< by one who searches for it
     };
     const Case cases[] = {
-        {"crossfade", "\"fade\", \"Dissolve 2\" or \"Zoom\"?", "Zoom, Dissolve 2, fade, "},
-        {"fadetoblack", "\"fade-black\" or \"fade-white\"?", ""},
-        {"IRIS", "\"Round_zoom_out\", \"Round_zoom_in\" or ",
+        {"crossfade", R"("fade", "Dissolve 2" or "Zoom"?)", "Zoom, Dissolve 2, fade, "},
+        {"fadetoblack", R"("fade-black" or "fade-white"?)", ""},
+        {"IRIS", R"("Round_zoom_out", "Round_zoom_in" or )",
          "Round_zoom_out, Round_zoom_in, TrRoundZoomIn2, TrCirqueZoomIn, "},
-        {"wipeleft", "\"Linear Wipe Right\", ", "Linear Wipe Right, "},
-        {"fan", "\"Pinwheel\" or \"sweep_clockwise\"?", "sweep_clockwise, Pinwheel, "},
-        {"fancy", "called \"fancy\" (", ""},
-        {"Twirl", "mean \"Twrl\" or \"Roll", "Roll_clockwise, Twrl, "},
-        {"Pinwhel", "mean \"Pinwheel\"?", ""},
-        {"shutter_1", "mean \"Cross_shutter_1\"?", "Cross_shutter_1, "},
-        {"round zoom", "\"Round_zoom_out\"", "Round_zoom_out, Round_zoom_in, "},
-        {"slats both", "\"Horizontal_shutter\", ", "Cross_shutter_1, Cross_shutter_2, "},
+        {"wipeleft", R"("Linear Wipe Right", )", "Linear Wipe Right, "},
+        {"fan", R"("Pinwheel" or "sweep_clockwise"?)", "sweep_clockwise, Pinwheel, "},
+        {"fancy", R"(called "fancy" ()", ""},
+        {"Twirl", R"(mean "Twrl" or "Roll)", "Roll_clockwise, Twrl, "},
+        {"Pinwhel", R"(mean "Pinwheel"?)", ""},
+        {"shutter_1", R"(mean "Cross_shutter_1"?)", "Cross_shutter_1, "},
+        {"round zoom", R"("Round_zoom_out")", "Round_zoom_out, Round_zoom_in, "},
+        {"slats both", R"("Horizontal_shutter", )", "Cross_shutter_1, Cross_shutter_2, "},
     };
     for (const auto& [word, meant, found] : cases) {
         std::string all;

@@ -240,7 +240,7 @@ class Layout {
             part.motion = slowMotion(request_.seed.value_or(0), part.source, seconds);
         }
         if (request_.motion && std::ranges::none_of(film.sources, &Source::still))
-            laid_.notes.push_back("--motion moves stills, and no input is one");
+            laid_.notes.emplace_back("--motion moves stills, and no input is one");
     }
 
     /// The first input's rate, and as many channels as all agree on, else two.
