@@ -15,6 +15,7 @@
 #include "timeline/chapters.h"
 #include "timeline/film_shape.h"
 #include "timeline/lay_out.h"
+#include "timeline/motion.h"
 #include "timeline/pace.h"
 
 namespace tests {
@@ -300,6 +301,15 @@ TEST(FilmDescription, HaveTheSizeRateAndAudioThatTheirInputsAgreeOn) {
     // Where the first time lies between two pictures none is lost or shown twice.
     EXPECT_EQ(clip("a", 3500).startSample(48000), 1008);
     EXPECT_EQ(clip("a", 42).frames({24, 1}), 1);
+}
+
+TEST(Motions, ShowNothingOutsideThePicture) {
+    for (std::uint32_t seed = 0; seed < 100; ++seed)
+        for (const double position : {0.0, 0.5, 1.0}) {
+            const View view = slowMotion(seed, seed, 1.0 + seed).at(position);
+            EXPECT_GE(std::min(view.left, view.top), 0.0) << seed;
+            EXPECT_LE(std::max(view.left, view.top) + view.size, 1.0 + 1e-9) << seed;
+        }
 }
 
 TEST(FilmShape, IsThatOfMostOfTheFilmAndTakesThePlayersLimits) {
